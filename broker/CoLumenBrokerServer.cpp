@@ -1,0 +1,1 @@
+#include "broker/CoLumenBrokerServer.h"

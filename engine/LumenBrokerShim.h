@@ -1,0 +1,103 @@
+// The whole surface that a host sees: 51 operations in a fixed order, returned by Start. All run on the host's thread.
+//
+// Operations report details through HostCallbacks::ReportMessage and answer with a bool. MString arguments are copies
+// that the operation owns; an MString result is written into storage of the caller's. Lists that are returned belong to
+// the engine: never free them.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+#include "engine/MString.h"
+
+class HostCallbacks;
+class InstallEngine;
+class MorphUI;
+class MStringList;
+
+// <windows.h> makes a macro of this name, which would rename the operation.
+#undef LoadString
+
+class LumenBrokerShim final {
+ public:
+  explicit LumenBrokerShim(HostCallbacks* hostCallbacks);
+
+  // Ends the shim and its engine; with bit 0 of `flag` also frees the shim. Nothing may be called afterwards.
+  virtual void Destroy(uint32_t flag);
+  // The text `id` of resourceModule. If missing: the host's fallback when `useHost`, else "MISSING LOCALIZATION".
+  virtual MString* LoadString(MString* out, uint32_t id, uint8_t useHost);
+  // The installer window, not yet shown. Ended by DestroyUI, before Destroy.
+  virtual MorphUI* CreateUI();
+  virtual void DestroyUI(void* ignored, MorphUI* ui);
+  virtual bool ReleaseTypeMatches(uint32_t kinds, uint32_t expected);
+  // Whether this build may be installed over what is there. On refusal `code` is 1161 (release type), 1013 (version,
+  // mode 1) or 1162 (version, any other mode); otherwise it is left alone.
+  virtual bool CheckInstallAllowed(uint32_t kinds, uint32_t* code, uint32_t mode);
+  virtual bool IsUacEnabled();
+  virtual bool UninstallProduct(uint32_t kind, MString file, uint8_t removeSafeVersions);
+  virtual bool RegisterProduct(uint32_t kind, MString playerPath, MString uninstallerPath, MString ignored,
+                               uint8_t writeUninstallEntry);
+  virtual bool RemoveUpdateService(void* ignored, MString directory);
+  virtual bool RemoveProductKind(uint32_t kind, MString directory, uint8_t removeSafeVersions, uint8_t removeService);
+  virtual bool RemoveNamedFiles(uint32_t kinds, MString directory);
+  virtual bool RemoveOneFile(MString name, MString path);
+  virtual bool RemovePatternFiles(uint32_t kinds, MString directory);
+  // Asks the browser to read its elevation policies again. False when the platform has no such operation.
+  virtual bool RefreshElevationPolicy();
+  // Writes the broker's COM registration for `path` when `kind` is the ActiveX kind; other kinds do nothing. True.
+  virtual bool RegisterBrokerServer(MString path, uint32_t kind);
+  virtual bool RegisterActiveXControl(MString path);
+  virtual bool RegisterPluginEntry(MString path);
+  virtual bool UnregisterActiveXControl(uint8_t removeSafeVersions, MString ignored);
+  virtual bool StopPlayers();
+  // Runs the broker server on the calling thread until its last client has gone; the result is an exit code.
+  virtual uint32_t RunBroker();
+  virtual InstallEngine* GetEngine();
+  virtual MStringList* GetAXFilenames();
+  virtual MStringList* GetPluginFilenames();
+  virtual MStringList* GetPluginDirectories();
+  virtual MStringList* GetAXFilenamePatterns();
+  virtual MStringList* GetPluginFilenamePatterns();
+  virtual MStringList* GetPepperFilenamePatterns();
+  virtual MStringList* GetProductManagerPatterns();
+  virtual MStringList* GetProductManagerEntries();
+  virtual bool StoreConflicts(uint32_t value);
+  // True when conflicts were stored. Asking clears the store.
+  virtual bool HasStoredConflicts();
+  virtual MStringList* FindConflicts(uint32_t kinds);
+  virtual MStringList* GetExtraActiveXFiles();
+  virtual MStringList* GetExtraPluginFiles();
+  virtual MStringList* GetExtraPepperFiles();
+  virtual bool AddExtraActiveXFile(MString name);
+  virtual bool AddExtraPluginFile(MString name);
+  virtual bool AddExtraPepperFile(MString name);
+  // Fills the engine's lists from the host's settings. Once: a second call doubles every list.
+  virtual bool LoadEngineLists();
+  virtual bool MarkUpdateRejected(MString version);
+  virtual MString* ReadUpdateDescription(MString* out, MString xml);
+  virtual MString* ExtractMetaBlock(MString* out, MString xml);
+  virtual MString* ExtractUpdateVersion(MString* out, MString xml);
+  // Stores the name of a running browser for OpenUrl; true when one was found.
+  virtual bool FindDefaultBrowser();
+  // Opens the first value of the setting "ExpressInstallURL"; false when there is none.
+  virtual bool OpenExpressInstallUrl(HWND window);
+  // Opens `url` in the browser that the selected product belongs to, else in the user's own. `window` may be null.
+  virtual bool OpenUrl(HWND window, MString url);
+  // Starts the settings applet of 64-bit systems when it is there. Always false: callers go on to their own fallback.
+  virtual bool OpenControlPanelApplet();
+  virtual bool IsBadRealPlayer();
+  virtual uint32_t GetInstalledVersionState(uint32_t kind);
+  virtual uint8_t WasRegistrationReached();
+
+  HostCallbacks* host;              // not owned
+  InstallEngine* engine = nullptr;  // owned
+  MString browserName;
+  uint8_t registrationReached = 0;
+
+ private:
+  ~LumenBrokerShim();
+};
+
+// The module's one export. Null when the shim cannot be allocated.
+extern "C" LumenBrokerShim* Start(HostCallbacks* host);
