@@ -1,37 +1,25 @@
+// Per-user preferences and small services of the machine. All thin; what matters is the keys, the codes and the order
+// in which the pending version is blanked and removed.
+#include <windows.h>
+
+#include <dinput.h>
+
+#include <optional>
+#include <string>
+
 #include "broker/CoLumenBrokerServer.h"
+#include "delivery/UpdateMarks.h"
+#include "engine/ProductKeys.h"
+#include "engine/Registry.h"
 
-HRESULT CoLumenBrokerServer::BrokerPrefGetAndDeleteLumenPlayerVersion(BSTR* /*p_string*/) {
-  return E_NOTIMPL;
-}
+namespace {
 
-HRESULT CoLumenBrokerServer::BrokerPrefMarkAutoUpdaterForRun(BSTR /*p_xmlFromServer*/) {
-  return E_NOTIMPL;
-}
+constexpr char kPendingVersion[] = "LumenPlayerVersion";
+constexpr char kDialogWidth[] = "Exception Dialog Width";
+constexpr char kDialogHeight[] = "Exception Dialog Height";
 
-HRESULT CoLumenBrokerServer::BrokerPrefGetExceptionDialogSize(ULONG* /*p_width*/, ULONG* /*p_height*/) {
-  return E_NOTIMPL;
-}
-
-HRESULT CoLumenBrokerServer::BrokerPrefSetExceptionDialogSize(ULONG /*p_width*/, ULONG /*p_height*/) {
-  return E_NOTIMPL;
-}
-
-HRESULT CoLumenBrokerServer::BrokerDelayScreensaver() {
-  return E_NOTIMPL;
-}
-
-HRESULT CoLumenBrokerServer::BrokerPrefGetLumenPlayerVersion(BSTR* /*p_string*/) {
-  return E_NOTIMPL;
-}
-
-HRESULT CoLumenBrokerServer::BrokerPrefDeleteLumenPlayerVersion() {
-  return E_NOTIMPL;
-}
-
-HRESULT CoLumenBrokerServer::BrokerGetDirectInputCount(ULONG* /*p_count*/) {
-  return E_NOTIMPL;
-}
-
-HRESULT CoLumenBrokerServer::BrokerIsDriveAvailable(LPWSTR /*p_lpwRootPathName*/) {
-  return E_NOTIMPL;
+RegistryKey OpenPreferences(REGSAM rights) {
+  RegistryKey key;
+  if (RegOpenKeyExA(HKEY_CURRENT_USER, kPlayerKey, 0, rights, key.Receive()) != ERROR_SUCCESS) return {};
+  return key;
 }

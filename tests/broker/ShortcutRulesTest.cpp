@@ -1,0 +1,130 @@
+#include "broker/ShortcutRules.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+#include <vector>
+
+namespace {
+
+struct NameRow {
+  WideView name;
+  bool desktop;
+  bool internet;
+};
+
+std::vector<uint8_t> Bytes(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+TEST(ShortcutRules, NamesAreJudgedByTwoDifferentAlphabets) {
+  const NameRow rows[] = {
+      {L"My_Game", true, true},
+      {L"My Game", false, true},
+      {L"Game7", true, true},
+      {L"a.b", false, false},
+      {L"..\\a", false, false},
+      {L"a/b", false, false},
+      {L"a:b", false, false},
+      {L"50%", false, false},
+      {L"a&b", false, false},
+      {L"a*b", false, false},
+      {L"a?b", false, false},
+      {L"a<b", false, false},
+      {L"a>b", false, false},
+      {L"a|b", false, false},
+      {L"a\"b", false, false},
+      {L"a\tb", false, false},
+      {L"a-b", false, true},
+      {L"\x30B2\x30FC\x30E0", true, true},
+      {L"caf\x00E9", true, true},
+      {L"a\x007F", false, true},
+      {L"[a](b)", false, true},
+      {L"29_units_of_text_are_the_most", true, true},
+      {L"30_units_of_text_are_too_many_", true, false},
+  };
+  for (const NameRow& row : rows) {
+    EXPECT_EQ(IsDesktopShortcutName(row.name), row.desktop) << ToUtf8(row.name);
+    EXPECT_EQ(IsInternetShortcutName(row.name), row.internet) << ToUtf8(row.name);
+  }
+}
+
+TEST(ShortcutRules, DesktopShortcutsLeadToTheRedirectorOnly) {
+  const std::pair<WideView, bool> rows[] = {
+      {L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=x", true},
+      {L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=", true},
+      {L"http://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=x", false},
+      {L"https://www.corva.example.evil.example/cn/lumenservice/shortcut/shortcutredirect/?url=x", false},
+      {L"https://WWW.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=x", false},
+      {L" https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=x", false},
+      {L"", false},
+  };
+  for (const auto& [url, allowed] : rows) EXPECT_EQ(IsRedirectAddress(url), allowed) << ToUtf8(url);
+}
+
+TEST(ShortcutRules, InternetShortcutsAreHttpInEitherCase) {
+  const std::pair<WideView, bool> rows[] = {
+      {L"http://a/", true}, {L"HTTPS://a/", true},    {L"hTTp:a", true},     {L"http", false},
+      {L"ftp://a/", false}, {L"file:///C:/a", false}, {L"httpx://a", false}, {L"", false},
+  };
+  for (const auto& [url, allowed] : rows) EXPECT_EQ(IsHttpAddress(url), allowed) << ToUtf8(url);
+}
+
+TEST(ShortcutRules, TheIconIsOneOfThisNameInTheCache) {
+  constexpr WideView kCache = L"C:\\A\\Icon Cache";
+  const std::pair<WideString, bool> rows[] = {
+      {L"C:\\A\\Icon Cache\\Game.ico", true},
+      {L"C:\\A\\Icon Cache\\Game (12).ico", true},
+      {L"C:\\A\\Icon Cache\\Game2.ico", true},
+      {L"C:\\A\\Icon Cache\\Games.ico", false},
+      {L"C:\\A\\Icon Cache\\Game.ICO", false},
+      {L"C:\\A\\Icon Cache\\Game.ico ", false},
+      {L"C:\\A\\Icon Cache\\Game\\..\\x.ico", false},
+      {L"C:\\A\\Icon CacheGame.ico", false},
+      {L"C:\\A\\Icon Cache\\Gam.ico", false},
+      {L"C:\\A\\Icon Cache\\Game", false},
+      {L"C:\\A\\Icon Cache\\Game" + WideString(260 - 25, L' ') + L".ico", false},
+  };
+  for (const auto& [path, allowed] : rows) EXPECT_EQ(IsIconCachePath(path, kCache, L"Game"), allowed) << ToUtf8(path);
+  // A name that ends in the extension's own letters must not let the prefix and the ending overlap.
+  EXPECT_FALSE(IsIconCachePath(L"C:\\A\\Icon Cache\\x.ico", kCache, L"x.ico"));
+  EXPECT_FALSE(IsIconCachePath(L"C:\\A\\Icon Cache\\" + WideString(30, L'a') + L".ico", kCache, WideString(30, L'a')));
+}
+
+TEST(ShortcutRules, TheStringsEntitleOneNameToOneAddress) {
+  const auto strings = Bytes("<strings><shortcut href=\"https://a/g\">Caf\xC3\xA9</shortcut></strings>");
+  EXPECT_TRUE(EntitlesShortcut(strings, L"https://a/g", L"Caf\x00E9"));
+  EXPECT_FALSE(EntitlesShortcut(strings, L"https://a/g", L"Caf"));
+  EXPECT_FALSE(EntitlesShortcut(strings, L"https://a/", L"Caf\x00E9"));
+  EXPECT_FALSE(EntitlesShortcut({}, L"https://a/g", L"Caf\x00E9"));
+
+  // The bounds count UTF-8 bytes: fifteen units of two bytes each are one too many.
+  for (const auto& [units, entitled] : {std::pair{14, true}, std::pair{15, false}}) {
+    const WideString name(static_cast<size_t>(units), L'\x00E9');
+    const std::string markup = "<shortcut href=\"http:\">" + ToUtf8(name) + "</shortcut>";
+    EXPECT_EQ(EntitlesShortcut(Bytes(markup), L"http:", name), entitled) << units;
+  }
+  for (const auto& [bytes, entitled] : {std::pair{191, true}, std::pair{192, false}}) {
+    const WideString url(static_cast<size_t>(bytes), L'u');
+    const std::string markup = "<shortcut href=\"" + ToUtf8(url) + "\">n</shortcut>";
+    EXPECT_EQ(EntitlesShortcut(Bytes(markup), url, L"n"), entitled) << bytes;
+  }
+}
+
+TEST(ShortcutRateLimit, ARefusedCallRestartsTheWait) {
+  ShortcutRateLimit limit;
+  EXPECT_TRUE(limit.Admit(10'000));
+  EXPECT_FALSE(limit.Admit(13'000));  // 3,000 ms
+  EXPECT_FALSE(limit.Admit(16'000));  // 3,000 ms after the refused one
+  EXPECT_TRUE(limit.Admit(19'001));   // 3,001 ms
+  EXPECT_FALSE(limit.Admit(19'001));
+}
+
+TEST(ShortcutRateLimit, TheTickMayWrap) {
+  ShortcutRateLimit limit;
+  EXPECT_TRUE(limit.Admit(0xFFFFFF00));
+  EXPECT_FALSE(limit.Admit(0xFFFFFF00u + 3000));
+  EXPECT_TRUE(limit.Admit(0xFFFFFF00u + 3000 + 3001));
+}
+
+}  // namespace
