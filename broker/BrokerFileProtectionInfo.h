@@ -1,18 +1,29 @@
-// Asks the platform whether a file belongs to an enterprise identity, and to which. The question is asynchronous: it
-// runs on the Task worker while the constructor waits. A query that fails leaves the file unprotected; that is settled.
+// Asks the platform whether a file belongs to an enterprise identity, and to which. The constructor waits for the
+// answer, without a limit; the question itself runs on the Task worker. A query that fails leaves the file unprotected,
+// which is settled: protection must not make every other file unreadable. Apartment thread.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
 
+#include "engine/ComSupport.h"
 #include "engine/WideText.h"
 
-// The interface below is all that the file methods use; the rest of the class belongs to the query.
-class FileProtection {
+class ProtectionQuery;
+
+class BrokerFileProtectionInfo {
  public:
-  virtual ~FileProtection() = default;
-  [[nodiscard]] virtual bool IsProtected() const = 0;
+  explicit BrokerFileProtectionInfo(const wchar_t* path);
+  BrokerFileProtectionInfo(const BrokerFileProtectionInfo&) = delete;
+  BrokerFileProtectionInfo& operator=(const BrokerFileProtectionInfo&) = delete;
+  ~BrokerFileProtectionInfo();
+
+  [[nodiscard]] bool IsProtected() const;
   // The owning identity, empty when there is none. Valid while this object lives.
-  [[nodiscard]] virtual WideView GetIdentity() const = 0;
+  [[nodiscard]] WideView GetIdentity() const;
+
+ private:
+  // Shared with the completion handlers, which may outlive this object.
+  ComPtr<ProtectionQuery> query;
 };

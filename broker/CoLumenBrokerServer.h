@@ -11,7 +11,8 @@
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
+#include <optional>
+#include <vector>
 
 #include "LumenBroker.h"
 #include "broker/BrokerPathPolicy.h"
@@ -20,19 +21,24 @@
 #include "broker/Win32PathOperations.h"
 #include "engine/ComSupport.h"
 #include "engine/DllHelpers.h"
+#include "engine/Handles.h"
 
 class HostCallbacks;
+class MMNotificationClient;
 
 class CoLumenBrokerServer final : public ILumenBroker6 {
  public:
+  // `hostCallbacks` may be null. Counts itself with the class object for as long as it lives.
   explicit CoLumenBrokerServer(HostCallbacks* hostCallbacks);
+  CoLumenBrokerServer(const CoLumenBrokerServer&) = delete;
+  CoLumenBrokerServer& operator=(const CoLumenBrokerServer&) = delete;
 
-  // IUnknown
+  // IUnknown. The last Release of the last object ends the server.
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
   ULONG STDMETHODCALLTYPE AddRef() override;
   ULONG STDMETHODCALLTYPE Release() override;
 
-  // IDispatch. The dispatch side describes generation 2 and is kept there; newer methods are reached by the vtable.
+  // IDispatch. It describes generation 2 and is kept there; newer methods are reached by the vtable.
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
@@ -198,15 +204,26 @@ class CoLumenBrokerServer final : public ILumenBroker6 {
  private:
   virtual ~CoLumenBrokerServer();
 
+  [[nodiscard]] std::optional<WideString> Expand(BSTR path);
+  [[nodiscard]] HRESULT JudgeReading(const WideString& path);
+  [[nodiscard]] HRESULT JudgeWriting(const WideString& path, DWORD& disposition);
+  [[nodiscard]] HRESULT EnterFile(FileHandle file, const WideString& path, ULONG& cookie);
+  // The record and its handle, opening what a save dialog deferred unless `noDeferredOpen`. Null for an unknown cookie;
+  // a record may come with no handle.
+  [[nodiscard]] BrokerCookieRecord* ResolveFileHandle(uint32_t cookie, HANDLE& handle, bool noDeferredOpen);
+  void DropExecutable(BrokerCookieRecord& record, HANDLE handle);
+  [[nodiscard]] MMNotificationClient* FindNotificationClient(LONG_PTR cookie) const;
+
   std::atomic<int32_t> refCount{1};
   ComPtr<ITypeInfo> typeInfo;  // null when the type library could not be loaded
   Advapi32DllHelper advapi32;
   Win32PathOperations pathOperations;
   BrokerPathPolicy policy;
   CookieTable cookies;
-  HostCallbacks* host;  // not owned
-  ComPtr<IMultiLanguage> multiLanguage;
+  HostCallbacks* host;                   // not owned
+  ComPtr<IMultiLanguage> multiLanguage;  // null, like the next, when the platform has none
   ComPtr<IMLangFontLink> fontLink;
   EnterpriseIdentityList serverIdentities;
   Edpwin32DllHelper efswrt;
+  std::vector<MMNotificationClient*> notificationClients;  // references of this object's
 };

@@ -8,7 +8,7 @@
 
 #include "engine/WideText.h"
 
-class EnterpriseIdentityList {
+class EnterpriseIdentityList final {
  public:
   enum class Of : uint32_t { ServerProcess = 0, CallingClient = 1 };
 
@@ -23,6 +23,9 @@ class EnterpriseIdentityList {
   [[nodiscard]] bool Contains(WideView identity) const;
 
  private:
+  void Read(HANDLE token);
+  [[nodiscard]] const wchar_t* At(uint32_t index) const;
+
   uint32_t impersonate;
   uint32_t count = 0;
   std::unique_ptr<unsigned char[]> identities;  // string pointers with the strings behind them, as the platform gave it

@@ -3,16 +3,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "engine/PlatformConstants.h"
 #include "engine/WideText.h"
-
-// What a directory on the way to a file turned out to be when its reparse data was read.
-struct ReparseTarget {
-  bool opened = false;    // the level could be opened at all
-  bool isLink = false;    // a symbolic link or a mount point; any other tag has no target
-  WideString substitute;  // the substitute name, as stored
-};
 
 // One Win32 implementation, Win32PathOperations; an in-memory one in tests. All calls on the broker's apartment thread.
 // An empty optional means: the platform refused, or the function is not there.
@@ -32,8 +26,8 @@ class PathOperations {
   virtual std::optional<WideString> LongPath(WideView path) = 0;
   // The target of an object-manager link, read into 520 bytes; empty when `objectPath` names none.
   virtual std::optional<WideString> ObjectLinkTarget(WideView objectPath) = 0;
-  // Opens one level of a path without following it and reads its reparse data.
-  virtual ReparseTarget ReadReparsePoint(WideView path) = 0;
+  // Opens one level of a path without following it and reads its reparse data, as stored.
+  virtual std::optional<std::vector<uint8_t>> ReadReparsePoint(WideView path) = 0;
   // SHGetFolderPathW with flags 0, or for the two per-user data folders the registry value that names them.
   virtual std::optional<WideString> Folder(ShellFolder folder) = 0;
   // GetTempPathW into 260 units.

@@ -19,7 +19,7 @@ class MStringList;
 // <windows.h> makes a macro of this name, which would rename the operation.
 #undef LoadString
 
-class LumenBrokerShim final {
+class LumenBrokerShim {
  public:
   explicit LumenBrokerShim(HostCallbacks* hostCallbacks);
 
@@ -27,13 +27,16 @@ class LumenBrokerShim final {
   virtual void Destroy(uint32_t flag);
   // The text `id` of resourceModule. If missing: the host's fallback when `useHost`, else "MISSING LOCALIZATION".
   virtual MString* LoadString(MString* out, uint32_t id, uint8_t useHost);
-  // The installer window, not yet shown. Ended by DestroyUI, before Destroy.
+  // The installer window, not yet shown; null in this build. Ended by DestroyUI, before Destroy.
   virtual MorphUI* CreateUI();
   virtual void DestroyUI(void* ignored, MorphUI* ui);
+  // From here to RemovePatternFiles: not in this build, false. CheckInstallAllowed therefore refuses, with `code` as it
+  // was.
   virtual bool ReleaseTypeMatches(uint32_t kinds, uint32_t expected);
   // Whether this build may be installed over what is there. On refusal `code` is 1161 (release type), 1013 (version,
   // mode 1) or 1162 (version, any other mode); otherwise it is left alone.
   virtual bool CheckInstallAllowed(uint32_t kinds, uint32_t* code, uint32_t mode);
+  // Windows 6.0 or later with the policy EnableLUA above 0.
   virtual bool IsUacEnabled();
   virtual bool UninstallProduct(uint32_t kind, MString file, uint8_t removeSafeVersions);
   virtual bool RegisterProduct(uint32_t kind, MString playerPath, MString uninstallerPath, MString ignored,
@@ -47,9 +50,11 @@ class LumenBrokerShim final {
   virtual bool RefreshElevationPolicy();
   // Writes the broker's COM registration for `path` when `kind` is the ActiveX kind; other kinds do nothing. True.
   virtual bool RegisterBrokerServer(MString path, uint32_t kind);
+  // These three: not in this build, false.
   virtual bool RegisterActiveXControl(MString path);
   virtual bool RegisterPluginEntry(MString path);
   virtual bool UnregisterActiveXControl(uint8_t removeSafeVersions, MString ignored);
+  // Reports that players are being stopped. True.
   virtual bool StopPlayers();
   // Runs the broker server on the calling thread until its last client has gone; the result is an exit code.
   virtual uint32_t RunBroker();
@@ -62,9 +67,11 @@ class LumenBrokerShim final {
   virtual MStringList* GetPepperFilenamePatterns();
   virtual MStringList* GetProductManagerPatterns();
   virtual MStringList* GetProductManagerEntries();
+  // Not in this build: false.
   virtual bool StoreConflicts(uint32_t value);
   // True when conflicts were stored. Asking clears the store.
   virtual bool HasStoredConflicts();
+  // Not in this build: null.
   virtual MStringList* FindConflicts(uint32_t kinds);
   virtual MStringList* GetExtraActiveXFiles();
   virtual MStringList* GetExtraPluginFiles();
@@ -74,11 +81,14 @@ class LumenBrokerShim final {
   virtual bool AddExtraPepperFile(MString name);
   // Fills the engine's lists from the host's settings. Once: a second call doubles every list.
   virtual bool LoadEngineLists();
-  virtual bool MarkUpdateRejected(MString version);
-  virtual MString* ReadUpdateDescription(MString* out, MString xml);
-  virtual MString* ExtractMetaBlock(MString* out, MString xml);
-  virtual MString* ExtractUpdateVersion(MString* out, MString xml);
-  // Stores the name of a running browser for OpenUrl; true when one was found.
+  // Remembers the version of the stored update text as rejected; false when there is none or it cannot be written.
+  virtual bool MarkUpdateRejected();
+  // Adds the stored update text's description to `out`; false when there is none.
+  virtual bool ReadUpdateDescription(MStringList* out);
+  // Each fills `out` from a server's update text; false when the text lacks it.
+  virtual bool ExtractMetaBlock(MString text, MString* out);
+  virtual bool ExtractUpdateVersion(MString text, MString* out);
+  // Stores the name of a running browser for OpenUrl; true when one was found. Finds none in this build.
   virtual bool FindDefaultBrowser();
   // Opens the first value of the setting "ExpressInstallURL"; false when there is none.
   virtual bool OpenExpressInstallUrl(HWND window);
@@ -86,8 +96,11 @@ class LumenBrokerShim final {
   virtual bool OpenUrl(HWND window, MString url);
   // Starts the settings applet of 64-bit systems when it is there. Always false: callers go on to their own fallback.
   virtual bool OpenControlPanelApplet();
+  // A media player of version 6 that the installer must not run beside.
   virtual bool IsBadRealPlayer();
+  // Not in this build: 0, not installed.
   virtual uint32_t GetInstalledVersionState(uint32_t kind);
+  // Tells a failed registration from one never attempted.
   virtual uint8_t WasRegistrationReached();
 
   HostCallbacks* host;              // not owned
@@ -95,7 +108,7 @@ class LumenBrokerShim final {
   MString browserName;
   uint8_t registrationReached = 0;
 
- private:
+ protected:
   ~LumenBrokerShim();
 };
 

@@ -84,3 +84,9 @@ inline WideString WidenAscii(std::string_view text) {
 std::string ToUtf8(WideView text);
 // UTF-16 of UTF-8, with U+FFFD for each byte that begins no valid sequence.
 WideString FromUtf8(std::string_view text);
+
+#ifdef _WIN32
+// Between UTF-16 and the system's code page, for the narrow texts of older interfaces. What the page lacks becomes "?".
+std::string NarrowToCodePage(WideView text);
+WideString WidenFromCodePage(std::string_view text);
+#endif

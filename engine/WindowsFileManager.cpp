@@ -83,12 +83,6 @@ std::string BelowRoaming(WideView below) {
   return root ? ToUtf8(*root + WideString(below)) : std::string();
 }
 
-WideString FromCodePage(const std::string& text) {
-  wchar_t buffer[MAX_PATH] = {};
-  const int length = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, buffer, MAX_PATH);
-  return length > 0 ? WideString(buffer) : WideString();
-}
-
 // The player's data root in this layer's own way: the folder is created if need be, and the registry value that stands
 // in for it is narrow text.
 std::string FindPlayerDataPath(bool local) {
@@ -101,7 +95,7 @@ std::string FindPlayerDataPath(bool local) {
     const auto value =
         ReadText(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders",
                  local ? "Local AppData" : "AppData");
-    if (value) root = FromCodePage(*value);
+    if (value) root = WidenFromCodePage(*value);
     if (root.ends_with(L'/') || root.ends_with(L'\\')) root.pop_back();
   }
   return root.empty() ? std::string() : ToUtf8(root + L"\\Halcyonics\\Lumen Player");

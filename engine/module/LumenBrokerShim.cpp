@@ -1,7 +1,39 @@
+// The operations of the shim that belong to no subsystem: its life, texts, lists and questions about the machine.
 #include "engine/LumenBrokerShim.h"
 
+#include <algorithm>
+
+#include "broker/BrokerRegistration.h"
+#include "broker/BrokerServer.h"
+#include "engine/DllHelpers.h"
 #include "engine/HostCallbacks.h"
 #include "engine/InstallEngine.h"
+#include "engine/ProductKeys.h"
+#include "engine/ProductKind.h"
+#include "engine/Registry.h"
+#include "engine/Reporting.h"
+
+namespace {
+
+constexpr char kConflictingProcs[] = "ConflictingProcs";
+
+// The null list stands for "no engine", which only a failed allocation leaves.
+MStringList* ListOf(InstallEngine* engine, MStringList InstallEngine::*list) {
+  return engine == nullptr ? nullptr : &(engine->*list);
+}
+
+bool AddTo(InstallEngine* engine, MStringList InstallEngine::*list, const MString& name) {
+  return engine != nullptr && (engine->*list).Add(name);
+}
+
+bool IsAtLeastVista() {
+  OSVERSIONINFOEXW wanted = {};
+  wanted.dwOSVersionInfoSize = sizeof(wanted);
+  wanted.dwMajorVersion = 6;
+  return VerifyVersionInfoW(&wanted, VER_MAJORVERSION, VerSetConditionMask(0, VER_MAJORVERSION, VER_GREATER_EQUAL));
+}
+
+}  // namespace
 
 LumenBrokerShim::LumenBrokerShim(HostCallbacks* hostCallbacks) : host(hostCallbacks) {}
 
@@ -10,160 +42,118 @@ LumenBrokerShim::~LumenBrokerShim() {
 }
 
 void LumenBrokerShim::Destroy(uint32_t flag) {
-  if ((flag & 1) != 0) {
-    delete this;
-  } else {
-    this->~LumenBrokerShim();
-  }
+  this->~LumenBrokerShim();
+  if ((flag & 1) != 0) ::operator delete(this);
 }
 
-MString* LumenBrokerShim::LoadString(MString* /*out*/, uint32_t /*id*/, uint8_t /*useHost*/) {
-  return nullptr;
+MString* LumenBrokerShim::LoadString(MString* out, uint32_t id, uint8_t useHost) {
+  const wchar_t* text = nullptr;
+  // With no buffer the platform lends the resource itself, which need not be terminated.
+  const int length = LoadStringW(host->resourceModule, id, reinterpret_cast<wchar_t*>(&text), 0);
+  if (length > 0) {
+    *out = MString(text, length);
+  } else if (useHost != 0) {
+    host->LoadStringFallback(out, id, 0);
+  } else {
+    *out = MString(L"MISSING LOCALIZATION");
+  }
+  return out;
 }
-MorphUI* LumenBrokerShim::CreateUI() {
-  return nullptr;
-}
-void LumenBrokerShim::DestroyUI(void* /*ignored*/, MorphUI* /*ui*/) {}
-bool LumenBrokerShim::ReleaseTypeMatches(uint32_t /*kinds*/, uint32_t /*expected*/) {
-  return false;
-}
-bool LumenBrokerShim::CheckInstallAllowed(uint32_t /*kinds*/, uint32_t* /*code*/, uint32_t /*mode*/) {
-  return false;
-}
+
 bool LumenBrokerShim::IsUacEnabled() {
-  return false;
+  if (!IsAtLeastVista()) return false;
+  const auto enabled =
+      ReadNumber(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\System", "EnableLUA");
+  return static_cast<int32_t>(enabled.value_or(0)) > 0;
 }
-bool LumenBrokerShim::UninstallProduct(uint32_t /*kind*/, MString /*file*/, uint8_t /*removeSafeVersions*/) {
-  return false;
-}
-bool LumenBrokerShim::RegisterProduct(uint32_t /*kind*/, MString /*playerPath*/, MString /*uninstallerPath*/,
-                                      MString /*ignored*/, uint8_t /*writeUninstallEntry*/) {
-  return false;
-}
-bool LumenBrokerShim::RemoveUpdateService(void* /*ignored*/, MString /*directory*/) {
-  return false;
-}
-bool LumenBrokerShim::RemoveProductKind(uint32_t /*kind*/, MString /*directory*/, uint8_t /*removeSafeVersions*/,
-                                        uint8_t /*removeService*/) {
-  return false;
-}
-bool LumenBrokerShim::RemoveNamedFiles(uint32_t /*kinds*/, MString /*directory*/) {
-  return false;
-}
-bool LumenBrokerShim::RemoveOneFile(MString /*name*/, MString /*path*/) {
-  return false;
-}
-bool LumenBrokerShim::RemovePatternFiles(uint32_t /*kinds*/, MString /*directory*/) {
-  return false;
-}
+
 bool LumenBrokerShim::RefreshElevationPolicy() {
-  return false;
+  const LibraryHandle library(LoadSystemLibrary(L"ieframe.dll"));
+  if (!library) return false;
+  using Refresh = HRESULT WINAPI();
+  auto* const refresh =
+      reinterpret_cast<Refresh*>(reinterpret_cast<void*>(GetProcAddress(library.Get(), "IERefreshElevationPolicy")));
+  if (refresh == nullptr) return false;
+  refresh();  // whatever it says: the browser has been asked
+  return true;
 }
-bool LumenBrokerShim::RegisterBrokerServer(MString /*path*/, uint32_t /*kind*/) {
-  return false;
+
+bool LumenBrokerShim::RegisterBrokerServer(MString path, uint32_t kind) {
+  if (kind == product_kind::ActiveX) WriteBrokerRegistration(path.Narrow().get(), true);
+  return true;
 }
-bool LumenBrokerShim::RegisterActiveXControl(MString /*path*/) {
-  return false;
-}
-bool LumenBrokerShim::RegisterPluginEntry(MString /*path*/) {
-  return false;
-}
-bool LumenBrokerShim::UnregisterActiveXControl(uint8_t /*removeSafeVersions*/, MString /*ignored*/) {
-  return false;
-}
+
 bool LumenBrokerShim::StopPlayers() {
-  return false;
+  Report(host, Severity::Information, ReportCode::PlayersStopping);
+  return true;
 }
+
 uint32_t LumenBrokerShim::RunBroker() {
-  return 0;
+  return RunBrokerServer(host);
 }
+
 InstallEngine* LumenBrokerShim::GetEngine() {
-  return nullptr;
+  return engine;
 }
+
 MStringList* LumenBrokerShim::GetAXFilenames() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::filenamesAX);
 }
 MStringList* LumenBrokerShim::GetPluginFilenames() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::filenamesPlugin);
 }
 MStringList* LumenBrokerShim::GetPluginDirectories() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::pluginDirectories);
 }
 MStringList* LumenBrokerShim::GetAXFilenamePatterns() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::axPatterns);
 }
 MStringList* LumenBrokerShim::GetPluginFilenamePatterns() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::pluginPatterns);
 }
 MStringList* LumenBrokerShim::GetPepperFilenamePatterns() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::pepperPatterns);
 }
 MStringList* LumenBrokerShim::GetProductManagerPatterns() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::productManagerPatterns);
 }
 MStringList* LumenBrokerShim::GetProductManagerEntries() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::productManagerEntries);
 }
-bool LumenBrokerShim::StoreConflicts(uint32_t /*value*/) {
-  return false;
-}
+
 bool LumenBrokerShim::HasStoredConflicts() {
-  return false;
+  return DeleteValue(HKEY_CURRENT_USER, kPlayerKey, kConflictingProcs) == ERROR_SUCCESS;
 }
-MStringList* LumenBrokerShim::FindConflicts(uint32_t /*kinds*/) {
-  return nullptr;
-}
+
 MStringList* LumenBrokerShim::GetExtraActiveXFiles() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::extraActiveXFiles);
 }
 MStringList* LumenBrokerShim::GetExtraPluginFiles() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::extraPluginFiles);
 }
 MStringList* LumenBrokerShim::GetExtraPepperFiles() {
-  return nullptr;
+  return ListOf(engine, &InstallEngine::extraPepperFiles);
 }
-bool LumenBrokerShim::AddExtraActiveXFile(MString /*name*/) {
-  return false;
+
+bool LumenBrokerShim::AddExtraActiveXFile(MString name) {
+  return AddTo(engine, &InstallEngine::extraActiveXFiles, name);
 }
-bool LumenBrokerShim::AddExtraPluginFile(MString /*name*/) {
-  return false;
+bool LumenBrokerShim::AddExtraPluginFile(MString name) {
+  return AddTo(engine, &InstallEngine::extraPluginFiles, name);
 }
-bool LumenBrokerShim::AddExtraPepperFile(MString /*name*/) {
-  return false;
+bool LumenBrokerShim::AddExtraPepperFile(MString name) {
+  return AddTo(engine, &InstallEngine::extraPepperFiles, name);
 }
+
 bool LumenBrokerShim::LoadEngineLists() {
-  return false;
+  return engine != nullptr && engine->LoadEngineLists();
 }
-bool LumenBrokerShim::MarkUpdateRejected(MString /*version*/) {
-  return false;
-}
-MString* LumenBrokerShim::ReadUpdateDescription(MString* /*out*/, MString /*xml*/) {
-  return nullptr;
-}
-MString* LumenBrokerShim::ExtractMetaBlock(MString* /*out*/, MString /*xml*/) {
-  return nullptr;
-}
-MString* LumenBrokerShim::ExtractUpdateVersion(MString* /*out*/, MString /*xml*/) {
-  return nullptr;
-}
-bool LumenBrokerShim::FindDefaultBrowser() {
-  return false;
-}
-bool LumenBrokerShim::OpenExpressInstallUrl(HWND /*window*/) {
-  return false;
-}
-bool LumenBrokerShim::OpenUrl(HWND /*window*/, MString /*url*/) {
-  return false;
-}
-bool LumenBrokerShim::OpenControlPanelApplet() {
-  return false;
-}
+
 bool LumenBrokerShim::IsBadRealPlayer() {
-  return false;
+  const auto version = ReadText(HKEY_LOCAL_MACHINE, "SOFTWARE\\RealNetworks\\RealPlayer", "version");
+  return version && version->starts_with('6');
 }
-uint32_t LumenBrokerShim::GetInstalledVersionState(uint32_t /*kind*/) {
-  return 0;
-}
+
 uint8_t LumenBrokerShim::WasRegistrationReached() {
-  return 0;
+  return registrationReached;
 }

@@ -1,0 +1,12 @@
+// Reads the platform's reparse data. The bytes come from a file system that a hostile client may have written to, so
+// every offset and length in them is checked against the bytes that are there.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "engine/WideText.h"
+
+// The substitute name of a symbolic link or a mount point; nothing for any other tag or for data that does not add up.
+[[nodiscard]] std::optional<WideString> ParseReparseTarget(std::span<const uint8_t> data);

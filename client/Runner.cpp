@@ -1,0 +1,233 @@
+#include "client/Runner.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "client/Account.h"
+#include "client/HresultNames.h"
+
+namespace {
+
+constexpr std::string_view kUsage =
+    "lumenctl COMMAND [ARGUMENTS]   talks to the registered broker\n"
+    "lumenctl run FILE              runs an account: commands with the results they must have\n"
+    "lumenctl COMMAND -h            tells about one command\n\n";
+
+constexpr std::string_view kExitCodes =
+    "\n--json gives one JSON object a line and goes with every command.\n\n"
+    "Exit codes: 0 done, 1 refused or failed by the broker, 2 not understood, 3 no broker,\n"
+    "4 an account differs, 5 a file of your own could not be read or written.\n";
+
+std::string Padded(std::string_view text, size_t width) {
+  std::string padded(text);
+  // Columns count characters, not bytes.
+  const auto shown = static_cast<size_t>(
+      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+  padded.append(shown < width ? width - shown : 1, ' ');
+  return padded;
+}
+
+void PrintUsage() {
+  std::string text(kUsage);
+  for (const Command* const command : AllCommands()) {
+    text += "  " + Padded(command->name, 15) + std::string(command->summary) + "\n";
+  }
+  Print(text + std::string(kExitCodes));
+}
+
+void PrintHelp(const Command& command) {
+  std::string text = "lumenctl " + std::string(command.name) + " " + std::string(command.synopsis) + "\n\n  " +
+                     std::string(command.summary) + "\n";
+  if (!command.details.empty()) text += "\n" + std::string(command.details) + "\n";
+  Print(text);
+}
+
+HRESULT Activate(ComPtr<ILumenBroker6>& broker) {
+  return CoCreateInstance(CLSID_LumenBrokerImp6, nullptr, CLSCTX_LOCAL_SERVER, IID_ILumenBroker6,
+                          reinterpret_cast<void**>(broker.GetAddressOf()));
+}
+
+ExitCode ReportNoBroker(HRESULT result) {
+  PrintError("lumenctl: the broker cannot be activated: " + DescribeResult(result) +
+             "\nRegister it with: LumenHost -register activex\n");
+  return ExitCode::NoBroker;
+}
+
+Outcome RunCommand(const Command& command, ILumenBroker6* broker, const Arguments& arguments, bool json, bool silent) {
+  const size_t count = arguments.Positional().size();
+  if (!arguments.Error().empty()) return Outcome::BadUsage(arguments.Error());
+  if (count < command.fewest || count > command.most) {
+    return Outcome::BadUsage("wants: " + std::string(command.name) + " " + std::string(command.synopsis));
+  }
+  Context context{broker, arguments, json, silent};
+  return command.run(context);
+}
+
+std::vector<OptionSpec> OptionsOf(const Command& command) {
+  std::vector<OptionSpec> options = command.options;
+  options.push_back({"--json"});
+  return options;
+}
+
+void ShowOutcome(const Command& command, const Arguments& arguments, const Outcome& outcome, bool json) {
+  if (json) {
+    JsonObject object;
+    object.Text("command", command.name).Text("hresult", HexOfResult(outcome.result));
+    object.Text("name", NameOfResult(outcome.result)).Flag("ok", outcome.code == ExitCode::Done);
+    if (!outcome.message.empty()) object.Text("message", outcome.message);
+    Print(object.Close() + "\n");
+    return;
+  }
+  if (outcome.code == ExitCode::Done) return;
+  std::string text = "lumenctl " + std::string(command.name);
+  if (outcome.code == ExitCode::Refused) {
+    for (const std::string& word : arguments.Positional()) text += " " + word;
+    text += ": " + DescribeResult(outcome.result);
+  } else {
+    text += ": " + outcome.message;
+  }
+  PrintError(text + "\n");
+}
+
+ExitCode RunOne(const Command& command, const std::vector<std::string>& words) {
+  const Arguments arguments(words, OptionsOf(command));
+  const bool json = arguments.Has("--json");
+  const size_t count = arguments.Positional().size();
+  Outcome outcome;
+  if (!arguments.Error().empty() || count < command.fewest || count > command.most) {
+    outcome = RunCommand(command, nullptr, arguments, json, false);
+  } else {
+    ComPtr<ILumenBroker6> broker;
+    const HRESULT activated = Activate(broker);
+    if (FAILED(activated)) return ReportNoBroker(activated);
+    outcome = RunCommand(command, broker.Get(), arguments, json, false);
+  }
+  ShowOutcome(command, arguments, outcome, json);
+  return outcome.code;
+}
+
+std::string ExpandEnvironment(const std::string& word) {
+  const WideString wide = FromUtf8(word);
+  wchar_t buffer[4096] = {};
+  const DWORD length = ExpandEnvironmentStringsW(wide.c_str(), buffer, static_cast<DWORD>(std::size(buffer)));
+  return length == 0 || length > std::size(buffer) ? word : ToUtf8(buffer);
+}
+
+// One step. What it came to, or nothing when the step itself is wrong.
+std::optional<Outcome> RunStep(const AccountStep& step, ILumenBroker6* broker) {
+  std::vector<std::string> words;
+  std::transform(step.words.begin(), step.words.end(), std::back_inserter(words), ExpandEnvironment);
+  const Command* const command = FindCommand(words.front());
+  if (command == nullptr) return std::nullopt;
+  words.erase(words.begin());
+  return RunCommand(*command, broker, Arguments(words, command->options), false, true);
+}
+
+std::string ResultColumn(HRESULT result) {
+  return HexOfResult(result) + " " + std::string(NameOfResult(result));
+}
+
+ExitCode RunSteps(const ParsedAccount& account, ILumenBroker6* broker) {
+  int number = 0;
+  int different = 0;
+  for (const AccountStep& step : account.steps) {
+    if (!step.heading.empty()) {
+      Print("\n" + step.heading + "\n");
+      continue;
+    }
+    const std::optional<Outcome> outcome = RunStep(step, broker);
+    if (!outcome || outcome->code == ExitCode::Usage) {
+      PrintError("lumenctl: line " + std::to_string(step.line) + ": " +
+                 (outcome ? outcome->message : "no such command: " + step.words.front()) + "\n");
+      return ExitCode::Usage;
+    }
+    const bool fits = outcome->result == step.expected && outcome->code != ExitCode::LocalFile;
+    std::string line = Padded(std::to_string(++number) + ".", 5) + Padded(step.description, 66) +
+                       Padded(ResultColumn(outcome->result), 34) + (fits ? "ok" : "DIFFERS");
+    if (!fits) {
+      ++different;
+      line += "\n     expected " + ResultColumn(step.expected);
+      if (!outcome->message.empty()) line += "; " + outcome->message;
+    }
+    Print(line + "\n");
+  }
+  Print("\n" + std::to_string(number) + " steps, " + std::to_string(different) + " different\n");
+  return different == 0 ? ExitCode::Done : ExitCode::Differs;
+}
+
+ExitCode RunAccount(const std::vector<std::string>& words) {
+  if (words.size() != 1 || words[0] == "-h") {
+    Print(
+        "lumenctl run FILE\n\n  runs an account over one broker object\n\nEach line: RESULT DESCRIPTION :: COMMAND "
+        "ARGUMENTS. Environment variables in arguments are expanded.\n\"== Heading\" is shown, \"#\" begins a "
+        "comment.\n");
+    return words.size() == 1 ? ExitCode::Done : ExitCode::Usage;
+  }
+  std::ifstream in(words[0], std::ios::binary);
+  if (!in) {
+    PrintError("lumenctl: cannot read " + words[0] + "\n");
+    return ExitCode::LocalFile;
+  }
+  const std::string text(std::istreambuf_iterator<char>(in), {});
+  const ParsedAccount account = ParseAccount(text);
+  if (!account.error.empty()) {
+    PrintError("lumenctl: " + words[0] + ": " + account.error + "\n");
+    return ExitCode::Usage;
+  }
+  ComPtr<ILumenBroker6> broker;
+  const HRESULT activated = Activate(broker);
+  if (FAILED(activated)) return ReportNoBroker(activated);
+  return RunSteps(account, broker.Get());
+}
+
+}  // namespace
+
+std::vector<const Command*> AllCommands() {
+  std::vector<const Command*> all;
+  for (const auto family : {FileCommands(), DirectoryCommands()}) {
+    for (const Command& command : family) all.push_back(&command);
+  }
+  return all;
+}
+
+const Command* FindCommand(std::string_view name) {
+  for (const Command* const command : AllCommands()) {
+    if (command->name == name) return command;
+  }
+  return nullptr;
+}
+
+BString TextArgument(const Context& context, size_t index) {
+  return BString(WideView(FromUtf8(context.arguments.Positional()[index])));
+}
+
+void Print(std::string_view text) {
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+void PrintError(std::string_view text) {
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+ExitCode RunCommandLine(const std::vector<std::string>& words) {
+  const bool wantsHelp = words.empty() || words[0] == "-h" || words[0] == "--help" || words[0] == "help";
+  if (wantsHelp) {
+    PrintUsage();
+    return words.empty() ? ExitCode::Usage : ExitCode::Done;
+  }
+  const std::vector<std::string> rest(words.begin() + 1, words.end());
+  if (words[0] == "run") return RunAccount(rest);
+  const Command* const command = FindCommand(words[0]);
+  if (command == nullptr) {
+    PrintError("lumenctl: no such command: " + words[0] + "\nlumenctl -h lists them.\n");
+    return ExitCode::Usage;
+  }
+  if (!rest.empty() && (rest[0] == "-h" || rest[0] == "--help")) {
+    PrintHelp(*command);
+    return ExitCode::Done;
+  }
+  return RunOne(*command, rest);
+}

@@ -1,0 +1,23 @@
+// The host's command line: one command, its words and the options that go with any of them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class HostCommand { Help, Broker, Register, Unregister, RefreshPolicies };
+
+struct HostCommandLine {
+  HostCommand command = HostCommand::Help;
+  std::string kind;     // "activex", "plugin" or "pepperplugin", for the commands that take one
+  std::string logFile;  // -log FILE; empty for none
+  std::string error;    // not empty: the line was not understood, and this says why
+};
+
+// `words` without the program's name. Options may begin with "-" or "/", and letters count in either case, as COM and
+// administrators write them.
+[[nodiscard]] HostCommandLine ParseHostCommandLine(const std::vector<std::string>& words);
+// The product kind of a word; nothing for another word.
+[[nodiscard]] std::optional<unsigned> KindOfWord(std::string_view word);
+[[nodiscard]] std::string_view HostUsage();
