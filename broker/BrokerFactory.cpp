@@ -2,9 +2,7 @@
 
 #include <new>
 
-#include "broker/CoLumenBrokerServer.h"
-
-HRESULT BrokerFactory::QueryInterface(REFIID iid, void** out) {
+HRESULT CoLumenBrokerServer::Factory::QueryInterface(REFIID iid, void** out) {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
   if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
@@ -13,17 +11,17 @@ HRESULT BrokerFactory::QueryInterface(REFIID iid, void** out) {
   return S_OK;
 }
 
-ULONG BrokerFactory::AddRef() {
+ULONG CoLumenBrokerServer::Factory::AddRef() {
   return static_cast<ULONG>(++refCount);
 }
 
-ULONG BrokerFactory::Release() {
+ULONG CoLumenBrokerServer::Factory::Release() {
   const int32_t count = --refCount;
   if (count == 0) delete this;
   return static_cast<ULONG>(count);
 }
 
-HRESULT BrokerFactory::CreateInstance(IUnknown* outer, REFIID iid, void** out) try {
+HRESULT CoLumenBrokerServer::Factory::CreateInstance(IUnknown* outer, REFIID iid, void** out) try {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
@@ -36,7 +34,7 @@ HRESULT BrokerFactory::CreateInstance(IUnknown* outer, REFIID iid, void** out) t
   return E_OUTOFMEMORY;
 }
 
-HRESULT BrokerFactory::LockServer(BOOL lock) {
+HRESULT CoLumenBrokerServer::Factory::LockServer(BOOL lock) {
   lockCount += lock ? 1 : -1;
   return S_OK;
 }

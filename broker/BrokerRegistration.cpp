@@ -1,7 +1,7 @@
 #include "broker/BrokerRegistration.h"
 
-#include <algorithm>
 #include <cstring>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -22,7 +22,7 @@ constexpr REGSAM kAllRights = 0xF003F;
 constexpr size_t kKeyBytes = 1024;
 constexpr DWORD kReadBackBytes = 512;
 
-// One value. A "%" in the data stands for the server's path; "#" with one digit behind it is a number.
+// One value. A "%" in the data stands for the server's path.
 struct Row {
   const char* key;
   const char* below;
@@ -47,12 +47,12 @@ constexpr Row kRows[] = {
 };
 
 // Data of "#" and one more character is a number, that character less "0"; any other data is text, "#12" included. What
-// fails is passed over in silence, and after a failed write the key stays open, as it always has: closing it is
-// the one thing that could still fail visibly.
+// fails is passed over in silence. After a failed write the key stays open for the life of the process: a small leak of
+// long standing, kept on purpose.
 void SetRegistryValue(const char* key, const char* below, const char* name, const std::string& data, HKEY root) {
   std::string path = key;
   if (below[0] != 0) path += std::string("\\") + below;
-  if (path.size() >= kKeyBytes) return;
+  if (path.size() >= kKeyBytes) return;  // the longest key there is room for
   RegistryKey opened = CreateKey(root, path.c_str(), kAllRights);
   if (!opened) return;
   LONG error = ERROR_SUCCESS;
@@ -69,7 +69,7 @@ std::string WithPath(std::string data, const char* serverPath) {
   return at == std::string::npos ? data : data.replace(at, 1, serverPath);
 }
 
-// The default value of a class's LocalServer32, as far as it fits.
+// The default value of a class's LocalServer32; nothing when it has none.
 std::optional<std::string> ReadServerPath(const char* classId) {
   const std::string path = std::string("Software\\Classes\\CLSID\\") + classId + "\\LocalServer32";
   return ReadText(HKEY_LOCAL_MACHINE, path.c_str(), "");
@@ -89,7 +89,7 @@ void WriteElevationPolicy(const char* serverPath) {
 
 }  // namespace
 
-void WriteBrokerRegistration(const char* serverPath, bool install) {
+void WriteBrokerRegistration(const char* serverPath, bool install) try {
   if (!install) {
     for (const char* key : {kClass, kTypeLibrary, kInterface, kElevationPolicy}) {
       (void)DeleteKeyTree(HKEY_LOCAL_MACHINE, WidenAscii(key).c_str());
@@ -101,6 +101,8 @@ void WriteBrokerRegistration(const char* serverPath, bool install) {
     SetRegistryValue(row.key, row.below, row.name, WithPath(row.data, serverPath), HKEY_LOCAL_MACHINE);
   }
   WriteElevationPolicy(serverPath);
+} catch (const std::bad_alloc&) {
+  // As silent as every other failure here.
 }
 
 bool FindBrokerServerPath(char* buffer, size_t size) {
@@ -108,10 +110,8 @@ bool FindBrokerServerPath(char* buffer, size_t size) {
   for (const char* classId : {LUMEN_BROKER_CLASS_ID_6, LUMEN_BROKER_CLASS_ID_5, LUMEN_BROKER_CLASS_ID_4,
                               LUMEN_BROKER_CLASS_ID_3, LUMEN_BROKER_CLASS_ID_2, LUMEN_BROKER_CLASS_ID_1}) {
     const std::optional<std::string> path = ReadServerPath(classId);
-    if (!path) continue;
-    const size_t length = std::min(path->size(), size - 1);
-    std::memcpy(buffer, path->data(), length);
-    buffer[length] = 0;
+    if (!path || path->size() >= size) continue;  // a path cut short would name another program
+    std::memcpy(buffer, path->c_str(), path->size() + 1);
     return true;
   }
   return false;

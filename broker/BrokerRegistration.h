@@ -10,5 +10,5 @@
 void WriteBrokerRegistration(const char* serverPath, bool install);
 
 // The server that is registered for the newest generation of the broker that has one, going back through all six. False
-// when none has; `buffer` is then left alone. A longer path than fits is cut.
+// when none has; `buffer` is then left alone. A path that does not fit is passed over.
 [[nodiscard]] bool FindBrokerServerPath(char* buffer, size_t size);

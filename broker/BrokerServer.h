@@ -8,7 +8,6 @@
 
 #include <windows.h>
 
-class BrokerFactory;
 class HostCallbacks;
 
 // Publishes the class object, serves until the quit message and withdraws it. The exit code of the server: that of the
@@ -17,7 +16,6 @@ class HostCallbacks;
 
 // E_FAIL when it is published already; S_OK without doing anything when `enable` is 0.
 [[nodiscard]] HRESULT RegisterBrokerClassObject(int enable, HostCallbacks* host);
-// What COM said; E_FAIL when nothing was published. May be called once only: the registration's number is kept.
+// What COM said to taking the class object back, which is also released; E_FAIL when nothing was ever published. The
+// registration's number is kept, so a process publishes once in its life.
 HRESULT RevokeBrokerClassObject();
-// The class object while it is published, else null. Broker objects count themselves with it.
-[[nodiscard]] BrokerFactory* CurrentFactory();

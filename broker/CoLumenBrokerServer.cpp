@@ -1,7 +1,6 @@
 #include "broker/CoLumenBrokerServer.h"
 
 #include "broker/BrokerFactory.h"
-#include "broker/BrokerServer.h"
 #include "broker/MMNotificationClient.h"
 #include "engine/WindowsFileManager.h"
 
@@ -25,7 +24,7 @@ ComPtr<ITypeInfo> LoadDispatchInfo() {
 CoLumenBrokerServer::CoLumenBrokerServer(HostCallbacks* hostCallbacks)
     : policy(pathOperations, true), host(hostCallbacks), serverIdentities(EnterpriseIdentityList::Of::ServerProcess) {
   policy.SetEnableLocalAppData(SASM::WindowsFileManager().EnableLocalAppData());
-  if (BrokerFactory* const factory = CurrentFactory()) factory->CountObject(+1);
+  if (Factory* const factory = CurrentFactory()) factory->CountObject(+1);
   typeInfo = LoadDispatchInfo();
   CoCreateInstance(CLSID_CMultiLanguage, nullptr, CLSCTX_INPROC, __uuidof(IMultiLanguage),
                    reinterpret_cast<void**>(multiLanguage.GetAddressOf()));
@@ -35,7 +34,8 @@ CoLumenBrokerServer::CoLumenBrokerServer(HostCallbacks* hostCallbacks)
 // Files and searches that the client left open stay open until the process ends: closing them would be a guess at what
 // their cookies stand for.
 CoLumenBrokerServer::~CoLumenBrokerServer() {
-  if (BrokerFactory* const factory = CurrentFactory()) factory->CountObject(-1);
+  if (Factory* const factory = CurrentFactory()) factory->CountObject(-1);
+  cookies.FreeAll();
   fontLink.Reset();
   multiLanguage.Reset();
   for (MMNotificationClient* const client : notificationClients) {
@@ -61,7 +61,7 @@ ULONG CoLumenBrokerServer::Release() {
   const int32_t count = --refCount;
   if (count != 0) return static_cast<ULONG>(count);
   delete this;
-  const BrokerFactory* const factory = CurrentFactory();
+  const Factory* const factory = CurrentFactory();
   if (factory != nullptr && factory->CanUnload()) PostQuitMessage(0);
   return 0;
 }

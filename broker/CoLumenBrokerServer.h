@@ -28,6 +28,8 @@ class MMNotificationClient;
 
 class CoLumenBrokerServer final : public ILumenBroker6 {
  public:
+  class Factory;  // the class object, in broker/BrokerFactory.h
+
   // `hostCallbacks` may be null. Counts itself with the class object for as long as it lives.
   explicit CoLumenBrokerServer(HostCallbacks* hostCallbacks);
   CoLumenBrokerServer(const CoLumenBrokerServer&) = delete;

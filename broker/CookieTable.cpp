@@ -12,7 +12,7 @@ bool IsOpen(intptr_t handle) {
 }  // namespace
 
 CookieTable::~CookieTable() {
-  while (cookieList != nullptr) delete std::exchange(cookieList, cookieList->next);
+  FreeAll();
 }
 
 BrokerCookieRecord* CookieTable::AllocateCookie() {
@@ -63,4 +63,8 @@ bool CookieTable::FreeCookie(uint32_t cookie) {
     return true;
   }
   return false;
+}
+
+void CookieTable::FreeAll() {
+  while (cookieList != nullptr) delete std::exchange(cookieList, cookieList->next);
 }

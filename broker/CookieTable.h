@@ -28,6 +28,8 @@ class CookieTable {
   [[nodiscard]] bool ResolveRawHandle(uint32_t cookie, intptr_t& handleOut) const;
   // Takes a record out and frees it. False when the number is unknown. Closes nothing.
   [[nodiscard]] bool FreeCookie(uint32_t cookie);
+  // Frees every record, newest first. Closes nothing either.
+  void FreeAll();
 
  private:
   uint32_t nextCookie;

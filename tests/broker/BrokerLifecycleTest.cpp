@@ -1,0 +1,108 @@
+// The server's life as clients see it: COM starts it, its last release ends it, and nothing else does.
+#include "tests/support/BrokerProcess.h"
+
+#include <shlobj.h>
+
+namespace {
+
+using broker_process::Activate;
+using broker_process::Client;
+using broker_process::EndsByItself;
+using broker_process::FindServer;
+
+using BrokerLifecycle = BrokerProcessTest;
+
+ComPtr<IClassFactory> ClassObject() {
+  ComPtr<IClassFactory> factory;
+  EXPECT_EQ(CoGetClassObject(CLSID_LumenBrokerImp6, CLSCTX_LOCAL_SERVER, nullptr, IID_IClassFactory,
+                             reinterpret_cast<void**>(factory.GetAddressOf())),
+            S_OK);
+  return factory;
+}
+
+bool IsRunning(const KernelHandle& process) {
+  return WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
+}
+
+// A file in the player's own directory, which the broker lets its clients write.
+WideString PlayerFile(const wchar_t* name) {
+  wchar_t roaming[MAX_PATH] = {};
+  EXPECT_EQ(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, 0, roaming), S_OK);
+  const WideString directory = WideString(roaming) + L"\\Halcyonics\\Lumen Player";
+  SHCreateDirectoryExW(nullptr, directory.c_str(), nullptr);
+  return directory + L"\\" + name;
+}
+
+TEST_F(BrokerLifecycle, LastReleaseEndsTheServer) {
+  ComPtr<ILumenBroker6> second;
+  ASSERT_EQ(Activate(second), S_OK);
+  second.Reset();
+  EXPECT_TRUE(IsRunning(server)) << "one object is still held";
+}
+
+TEST_F(BrokerLifecycle, NewestInterfaceAloneIsAnsweredFor) {
+  struct {
+    IID iid;
+    HRESULT expected;
+  } const rows[] = {{IID_IUnknown, S_OK},
+                    {IID_IDispatch, S_OK},
+                    {IID_ILumenBroker6, S_OK},
+                    {IID_ILumenBroker5, E_NOINTERFACE},
+                    {IID_ILumenBroker, E_NOINTERFACE},
+                    {IID_IClassFactory, E_NOINTERFACE}};
+  for (const auto& row : rows) {
+    ComPtr<IUnknown> found;
+    EXPECT_EQ(broker.CopyTo(row.iid, reinterpret_cast<void**>(found.GetAddressOf())), row.expected);
+    EXPECT_EQ(found.Get() != nullptr, row.expected == S_OK);
+  }
+}
+
+TEST_F(BrokerLifecycle, ServerWithoutAnObjectRunsOnUntilOneIsRefused) {
+  broker.Reset();
+  ASSERT_TRUE(EndsByItself(server));
+  const ComPtr<IClassFactory> factory = ClassObject();
+  server = FindServer();
+  ASSERT_TRUE(server && IsRunning(server));
+  ComPtr<IUnknown> none;
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_ILumenBroker5, reinterpret_cast<void**>(none.GetAddressOf())),
+            E_NOINTERFACE);
+  EXPECT_EQ(none.Get(), nullptr);
+}
+
+TEST_F(BrokerLifecycle, UnknownInterfaceLeavesAServerThatHasOne) {
+  ComPtr<IUnknown> none;
+  EXPECT_EQ(ClassObject()->CreateInstance(nullptr, IID_ILumenBroker5, reinterpret_cast<void**>(none.GetAddressOf())),
+            E_NOINTERFACE);
+  EXPECT_EQ(broker->BrokerCloseHandle(1), E_INVALIDARG) << "still served";
+  EXPECT_TRUE(IsRunning(server));
+}
+
+TEST_F(BrokerLifecycle, TwoClientsShareTheServerAndNoCookies) {
+  const WideString first = PlayerFile(L"first.sol");
+  const WideString second = PlayerFile(L"second.sol");
+  ULONG cookie = 0;
+  ASSERT_EQ(broker->BrokerCreateFile(BString(first.c_str()).Get(), FALSE, TRUE, &cookie), S_OK);
+  EXPECT_EQ(cookie, 1u);
+  Client other(second);
+  ASSERT_TRUE(other.IsHolding());
+  EXPECT_EQ(broker->BrokerCloseHandle(2), E_INVALIDARG);
+  EXPECT_EQ(other.Finish(), 1u) << "the first cookie of another client's object";
+  EXPECT_TRUE(IsRunning(server));
+  EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
+  EXPECT_EQ(broker->BrokerCloseHandle(cookie), E_INVALIDARG);
+}
+
+TEST_F(BrokerLifecycle, ReleasedClientLeavesItsOpenFileToTheServer) {
+  const WideString file = PlayerFile(L"left open.sol");
+  Client other(file);
+  ASSERT_TRUE(other.IsHolding());
+  ASSERT_EQ(other.Finish(), 1u);
+  const FileHandle shut(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  EXPECT_FALSE(shut) << "the handle outlives its client while the server serves another";
+  broker.Reset();
+  ASSERT_TRUE(EndsByItself(server));
+  const FileHandle opened(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  EXPECT_TRUE(opened);
+}
+
+}  // namespace

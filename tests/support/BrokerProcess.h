@@ -1,0 +1,66 @@
+// The broker as a process of its own, as clients meet it: registered by the built host, started by COM, watched by its
+// process handle. Tests that use this hold the CTest resource lock `broker`, since a prefix has one registration.
+#pragma once
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "LumenBroker.h"
+#include "engine/ComSupport.h"
+#include "engine/Handles.h"
+#include "engine/WideText.h"
+
+namespace broker_process {
+
+constexpr DWORD kPatience = 30000;  // milliseconds; far more than anything here needs
+
+// The folder of the build, without a trailing separator: bin, tests and results lie in it.
+[[nodiscard]] WideString BuildFolder();
+// Runs a command line to its end; its exit code, or STILL_ACTIVE when it could not be started or did not end.
+[[nodiscard]] DWORD RunToEnd(const WideString& commandLine);
+// Registers bin\LumenHost.exe as an installer does, and the proxy that Wine needs. Once a process is enough.
+[[nodiscard]] bool Register();
+// What a client calls. E_FAIL and the like come back as COM gave them, with `broker` null.
+[[nodiscard]] HRESULT Activate(ComPtr<ILumenBroker6>& broker);
+// The running server, with rights to wait for it, to read its exit code and to end it; invalid when none runs.
+[[nodiscard]] KernelHandle FindServer();
+// Waits for the server's own end. False when it is still there after kPatience.
+[[nodiscard]] bool EndsByItself(const KernelHandle& server);
+
+// A second client in a process of its own: it activates the broker, opens `file` through it if one is named, and then
+// holds what it has until it is told to finish.
+class Client {
+ public:
+  explicit Client(const WideString& file = {});
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+  ~Client() { Kill(); }
+
+  // Whether it got as far as holding.
+  [[nodiscard]] bool IsHolding() const { return holding; }
+  // Lets it release everything and end. The cookie of its file, 0 without one, or the HRESULT of what failed.
+  [[nodiscard]] DWORD Finish();
+  // Ends it with all its references held, as a crash would.
+  void Kill();
+
+ private:
+  KernelHandle process;
+  KernelHandle go;
+  bool holding = false;
+};
+
+}  // namespace broker_process
+
+// A test with one client and its server. At the test's end the client's reference goes, and the server must end by
+// itself with exit code 0.
+class BrokerProcessTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { ASSERT_TRUE(broker_process::Register()); }
+  void SetUp() override;
+  void TearDown() override;
+
+  ComInitializer apartment;
+  ComPtr<ILumenBroker6> broker;
+  KernelHandle server;
+};
