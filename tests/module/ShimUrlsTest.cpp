@@ -1,0 +1,114 @@
+// Which browser an address is opened with, and the ladder of further tries when that fails.
+#include <set>
+
+#include "engine/Handles.h"
+#include "tests/module/LoadedModule.h"
+#include "tests/support/ImportHook.h"
+
+namespace {
+
+constexpr char kBrowser[] = "c:\\Program Files\\Internet Explorer\\iexplore.exe";
+constexpr char kBrowserX86[] = "c:\\Program Files (x86)\\Internet Explorer\\iexplore.exe";
+constexpr wchar_t kApplet[] = L"C:\\windows\\SysWOW64\\LumenPlayerCPLApp.cpl";
+
+Lines g_opened;
+std::set<std::string> g_refused;  // files that the shell stand-in cannot open
+Lines g_started;
+HWND g_window = nullptr;
+
+HINSTANCE WINAPI Open(HWND window, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory, INT show) {
+  g_window = window;
+  std::string line = ToUtf8(file);
+  if (parameters != nullptr) line += " <" + ToUtf8(parameters) + ">";
+  if (std::wstring_view(verb) != L"open" || directory != nullptr || show != SW_SHOWNORMAL) line += " in another way";
+  g_opened.push_back(line);
+  // 32 is the highest answer that is a failure.
+  return reinterpret_cast<HINSTANCE>(static_cast<INT_PTR>(g_refused.count(ToUtf8(file)) != 0 ? 32 : 33));
+}
+
+BOOL WINAPI StartProcess(LPCWSTR, LPWSTR command, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL inherit, DWORD,
+                         LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION started) {
+  g_started.push_back(ToUtf8(command) + (inherit ? " inheriting" : ""));
+  *started = {CreateEventW(nullptr, TRUE, FALSE, nullptr), CreateEventW(nullptr, TRUE, FALSE, nullptr), 1, 2};
+  return TRUE;
+}
+
+class ShimUrls : public ModuleFixture {
+ protected:
+  void SetUp() override {
+    ModuleFixture::SetUp();
+    g_opened.clear();
+    g_refused.clear();
+    g_started.clear();
+  }
+};
+
+struct OpenRow {
+  const char* reason;
+  uint32_t flags;
+  const wchar_t* browserName;
+  std::set<std::string> refused;
+  bool result;
+  Lines opened;
+};
+
+}  // namespace
+
+TEST_F(ShimUrls, TheBrowserFollowsTheSelectedProduct) {
+  const ImportHook shell(LoadedModule(), "ShellExecuteW", &Open);
+  const std::string ie = std::string(kBrowser) + " <u>";
+  const std::string ie86 = std::string(kBrowserX86) + " <u>";
+  const OpenRow rows[] = {
+      {"no kind: the address by itself", 0, L"", {}, true, {"u"}},
+      {"PPAPI has no browser of its own", host_flag::Pepper, L"", {}, true, {"u"}},
+      {"no kind, refused: tried once more", 0, L"", {"u"}, false, {"u", "u"}},
+      {"ActiveX", host_flag::ActiveX, L"", {}, true, {ie}},
+      {"ActiveX wins over the plug-in", host_flag::ActiveX | host_flag::Plugin, L"x.exe", {}, true, {ie}},
+      {"ActiveX, 32-bit browser only", host_flag::ActiveX, L"", {kBrowser}, true, {ie, ie86}},
+      {"ActiveX, no such browser", host_flag::ActiveX, L"", {kBrowser, kBrowserX86}, true, {ie, ie86, "u"}},
+      {"ActiveX, nothing works", host_flag::ActiveX, L"", {kBrowser, kBrowserX86, "u"}, false, {ie, ie86, "u"}},
+      {"plug-in with a known browser", host_flag::Plugin, L"opera.exe", {}, true, {"opera.exe <u>"}},
+      {"plug-in browser refused", host_flag::Plugin, L"opera.exe", {"opera.exe"}, true, {"opera.exe <u>", "u"}},
+      {"plug-in, no browser runs", host_flag::Plugin, L"", {}, true, {"firefox.exe <u>"}},
+  };
+  for (const OpenRow& row : rows) {
+    g_opened.clear();
+    g_refused = row.refused;
+    host.flags = row.flags;
+    shim->browserName = MString(row.browserName);
+    EXPECT_EQ(shim->OpenUrl(nullptr, MString(L"u")), row.result) << row.reason;
+    EXPECT_EQ(g_opened, row.opened) << row.reason;
+  }
+  (void)shim->OpenUrl(GetDesktopWindow(), MString(L"u"));
+  EXPECT_EQ(g_window, GetDesktopWindow());
+}
+
+TEST_F(ShimUrls, TheExpressAddressIsTheFirstValueOfItsSetting) {
+  const ImportHook shell(LoadedModule(), "ShellExecuteW", &Open);
+  EXPECT_FALSE(shim->OpenExpressInstallUrl(nullptr));
+  host.UseSettings(L"ExpressInstallURL;");
+  EXPECT_FALSE(shim->OpenExpressInstallUrl(nullptr));
+  EXPECT_EQ(g_opened, Lines{});
+  host.UseSettings(L"ExpressInstallURL https://get.corva.example/a https://get.corva.example/b;");
+  EXPECT_TRUE(shim->OpenExpressInstallUrl(nullptr));
+  EXPECT_EQ(g_opened, Lines{"https://get.corva.example/a"});
+}
+
+TEST_F(ShimUrls, QuirkTheAppletAnswersFalseEvenWhenItStarted) {
+  const ImportHook process(LoadedModule(), "CreateProcessW", &StartProcess);
+  DeleteFileW(kApplet);
+  EXPECT_FALSE(shim->OpenControlPanelApplet());
+  EXPECT_EQ(g_started, Lines{});
+  FileHandle file(CreateFileW(kApplet, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  ASSERT_TRUE(file.IsValid());
+  file.Reset();
+  DWORD before = 0;
+  DWORD after = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &before);
+  EXPECT_FALSE(shim->OpenControlPanelApplet());
+  GetProcessHandleCount(GetCurrentProcess(), &after);
+  EXPECT_EQ(after, before) << "the process's handles stayed open";
+  ASSERT_EQ(g_started.size(), 1u);
+  EXPECT_EQ(g_started[0], "control.exe C:\\windows\\SysWOW64\\LumenPlayerCPLApp.cpl");
+  EXPECT_TRUE(DeleteFileW(kApplet));
+}
