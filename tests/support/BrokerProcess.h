@@ -23,10 +23,14 @@ constexpr DWORD kPatience = 30000;  // milliseconds; far more than anything here
 [[nodiscard]] bool Register();
 // What a client calls. E_FAIL and the like come back as COM gave them, with `broker` null.
 [[nodiscard]] HRESULT Activate(ComPtr<ILumenBroker6>& broker);
-// The running server, with rights to wait for it, to read its exit code and to end it; invalid when none runs.
+// The running server, with rights to wait for it and to ask about it; invalid when none runs.
 [[nodiscard]] KernelHandle FindServer();
 // Waits for the server's own end. False when it is still there after kPatience.
 [[nodiscard]] bool EndsByItself(const KernelHandle& server);
+
+// Ends a server that something still holds, by the message that its last release would post. Never terminate it: Wine's
+// activation service goes on handing out a class object that was not withdrawn.
+void TellToQuit(const KernelHandle& server);
 
 // A second client in a process of its own: it activates the broker, opens `file` through it if one is named, and then
 // holds what it has until it is told to finish.
