@@ -213,6 +213,18 @@ TEST_F(BrokerObject, ObjectWithoutATypeLibraryStillServes) {
   EXPECT_TRUE(broker_process::Register());
 }
 
+TEST_F(BrokerObject, ManyObjectsLeaveNoHandlesBehind) {
+  const auto handles = [] {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count + GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+  };
+  Create().Reset();  // loads what the process then keeps
+  const DWORD before = handles();
+  for (int i = 0; i < 50; ++i) Create().Reset();
+  EXPECT_EQ(handles(), before);
+}
+
 TEST_F(BrokerObject, SaveDialogOfOldTouchesNoArgument) {
   ULONG cookie = 77;
   wchar_t name[] = L"name";
