@@ -110,6 +110,16 @@ TEST_F(BrokerLifecycle, KilledClientLeavesTheServerServingOthers) {
   broker_process::TellToQuit(server);
 }
 
+TEST_F(BrokerLifecycle, QuitMessageCarriesTheExitCodeAndStopsForNoObject) {
+  broker_process::TellToQuit(server, 7);
+  ASSERT_TRUE(EndsByItself(server));
+  DWORD exitCode = 0;
+  EXPECT_TRUE(GetExitCodeProcess(server.Get(), &exitCode));
+  EXPECT_EQ(exitCode, 7u);
+  EXPECT_TRUE(FAILED(broker->BrokerCloseHandle(1))) << "nobody is left to answer";
+  server.Reset();
+}
+
 TEST_F(BrokerLifecycle, TwoClientsShareTheServerAndNoCookies) {
   const WideString first = PlayerFile(L"first.sol");
   const WideString second = PlayerFile(L"second.sol");

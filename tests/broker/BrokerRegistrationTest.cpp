@@ -229,7 +229,7 @@ class BrokerServerPath : public testing::Test {
     std::string buffer(size + 1, '?');
     if (!FindBrokerServerPath(buffer.data(), size)) return "(none)";
     EXPECT_EQ(buffer[size], '?') << "written past the buffer";
-    return buffer.c_str();
+    return buffer.substr(0, buffer.find('\0'));
   }
 };
 
