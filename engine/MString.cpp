@@ -30,7 +30,8 @@ size_t LastStop(WideView text, const char* set, ScanSense sense) {
   return text.size();
 }
 
-MString FromDigits(uint32_t magnitude, bool negative, uint32_t radix, int32_t digits) {
+MString FromDigits(uint32_t magnitude, bool negative, uint32_t wantedRadix, int32_t digits) {
+  const uint32_t radix = wantedRadix == 16 ? 16 : 10;
   constexpr int32_t kMostDigits = 64;
   wchar_t buffer[kMostDigits + 1];
   size_t at = kMostDigits + 1;
@@ -50,7 +51,7 @@ MString FromDigits(uint32_t magnitude, bool negative, uint32_t radix, int32_t di
 // The size keeps the rounding that all modules agree on: twice the length plus 17, down to a multiple of 8, plus 8.
 MString::Block* MString::NewBlock(int32_t length) {
   const size_t size = ((static_cast<size_t>(length) * 2 + 17) & ~size_t{7}) + 8;
-  auto* block = static_cast<Block*>(::operator new(std::max(size, sizeof(Block) + sizeof(wchar_t))));
+  auto* block = static_cast<Block*>(::operator new(size));
   block->refCount = 1;
   block->length = length;
   block->release = [](Block* dead) { ::operator delete(dead); };
@@ -114,8 +115,8 @@ MString MString::FromNarrow(const char* text, int32_t length) {
     if (size == 3) unit = ((b & 15) * 64 | (b & 63)) * 64 | (b & 63);
     if (size == 4) unit = 65535;
     wide.push_back(static_cast<wchar_t>(unit));
-    // A sequence cut short by the terminator must not carry the scan past it.
-    for (int32_t i = 0; i < size && text[at] != 0; ++i) ++at;
+    // A sequence cut short by the bound or the terminator must not carry the scan past it.
+    for (int32_t i = 0; i < size && (length < 0 || at < length) && text[at] != 0; ++i) ++at;
   }
   return MString(WideView(wide));
 }
@@ -187,16 +188,15 @@ void MString::Append(const MString& other) {
 
 void MString::AppendPath(wchar_t separator, const MString& other) {
   if (other.block_ == nullptr || separator == 0) return;
-  const WideView left = View();
-  WideView right = other.View();
-  WideString joined(left);
-  if (!left.empty() && !right.empty()) {
+  WideString joined(View());
+  if (!IsEmpty() && !other.IsEmpty()) {
     const bool leftHas = block_->Characters()[block_->length - 1] == separator;
     const bool rightHas = other.block_->Characters()[0] == separator;
-    if (leftHas && rightHas) right.remove_prefix(1);
+    // The left one goes: it is in view for certain, the right one may have been cut off already.
+    if (leftHas && rightHas) joined.pop_back();
     if (!leftHas && !rightHas) joined.push_back(separator);
   }
-  joined += right;
+  joined += other.View();
   *this = MString(WideView(joined));
 }
 

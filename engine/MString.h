@@ -1,6 +1,8 @@
 // The text type that crosses every interface of the module: a view into a shared, counted block of UTF-16.
 // Copies share the block and cutting from the front moves an offset, so parsers take text apart without copying.
 //
+// A block is freed by the module that made it, so that module must outlive every text that it handed out.
+//
 // Not thread-safe: the count is not atomic. A text for another thread is copied by characters first.
 #pragma once
 
@@ -42,7 +44,8 @@ class MString {
   // One code unit a sequence, made from the lead byte alone; four-byte sequences give 65535. Only ASCII survives, and
   // callers rely on the count of units. `length` bounds the bytes read; -1 means up to the terminator.
   static MString FromNarrow(const char* text, int32_t length = -1);
-  // `radix` is 10 or 16 (upper-case digits); at least `digits` digits, "-" ahead of a negative number.
+  // `radix` is 10 or 16 (upper-case digits), any other means 10; at least `digits` digits of at most 64, "-" ahead of a
+  // negative number.
   static MString FromNumber(int32_t value, uint32_t radix = 10, int32_t digits = 1);
   static MString FromNumber(uint32_t value, uint32_t radix = 10, int32_t digits = 1);
 

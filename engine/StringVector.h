@@ -23,6 +23,7 @@ class PointerVector {
   // False, with the array unchanged, when there is no memory for the item or for a larger array.
   [[nodiscard]] bool Append(const void* item);
   [[nodiscard]] uint32_t Count() const { return count; }
+  // `index` must be below Count(). The item stays the array's.
   [[nodiscard]] void* ItemAt(uint32_t index) const { return items[index]; }
 
  protected:

@@ -18,8 +18,7 @@
 
 #include "engine/HostCallbacks.h"
 #include "engine/SettingsTree.h"
-
-using Lines = std::vector<std::string>;
+#include "tests/support/Texts.h"
 
 // What was reported, as the failure panel would read it.
 class RecordingLog final : public MessageLog {
