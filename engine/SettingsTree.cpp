@@ -22,42 +22,69 @@ SettingsNode* NewNode(WideView name) {
   return node.release();
 }
 
+// One level's entries, newest first, with the place where a further level can be chained to them.
+struct Level {
+  SettingsNode* entries = nullptr;
+  SettingsNode** end = nullptr;  // null while there is no entry
+};
+
 // Reads levels of the text. A front cut of a view is free, so the text is never copied but for the tokens kept.
 class Parser {
  public:
   explicit Parser(WideView text) : rest_(text) {}
 
-  // One level's entries, newest first. Stops in front of the "}" that ends it, at a control character, or at the end.
-  SettingsNode* ReadLevel(int depth) {
-    SettingsNode* entries = nullptr;
+  // Stops in front of the "}" that ends the level, at a control character, or at the end.
+  Level ReadLevel(int depth) {
+    Level level;
     SettingsNode* key = nullptr;
     SettingsNode** lastValue = nullptr;
+    SettingsNode** lastChild = nullptr;
+    int flattened = 0;  // open braces of levels that are too deep to be their own
     bool quoted = false;
     for (;;) {
       const WideView token = TakeToken(quoted);
       if (!token.empty() && key == nullptr) {
-        key = NewNode(token);
-        key->next = entries;
-        entries = key;
+        key = AddEntry(level, token);
         lastValue = &key->values;
+        lastChild = &key->children;
       } else if (!token.empty()) {
         *lastValue = NewNode(token);
         lastValue = &(*lastValue)->next;
       }
-      if (rest_.empty()) return entries;
+      if (rest_.empty() || rest_.front() < 9) return level;
       const wchar_t delimiter = rest_.front();
-      if (delimiter == L'}' || delimiter < 9) return entries;
+      if (delimiter == L'}' && flattened == 0) return level;
       rest_.remove_prefix(1);
       if (delimiter == kQuote) quoted = !quoted;
       if (delimiter == L';') key = nullptr;
-      if (delimiter == L'{' && key != nullptr && depth < kDeepestSettingsLevel) {
-        AppendChildren(key, ReadLevel(depth + 1));
-        if (!rest_.empty() && rest_.front() == L'}') rest_.remove_prefix(1);
+      if (delimiter == L'}') --flattened;
+      if (delimiter != L'{' || key == nullptr) continue;
+      if (depth == kDeepestSettingsLevel) {
+        ++flattened;
+      } else {
+        ReadChildren(lastChild, depth);
       }
     }
   }
 
  private:
+  // Reads the level below and chains it to what `end` points at, which it moves on. Every text, also one of nothing but
+  // blocks for one key, is read in time that grows with its length.
+  void ReadChildren(SettingsNode**& end, int depth) {
+    const Level below = ReadLevel(depth + 1);
+    *end = below.entries;
+    if (below.end != nullptr) end = below.end;
+    if (!rest_.empty() && rest_.front() == L'}') rest_.remove_prefix(1);
+  }
+
+  static SettingsNode* AddEntry(Level& level, WideView name) {
+    SettingsNode* const entry = NewNode(name);
+    entry->next = level.entries;
+    if (level.entries == nullptr) level.end = &entry->next;
+    level.entries = entry;
+    return entry;
+  }
+
   WideView TakeToken(bool quoted) {
     size_t length = 0;
     while (length < rest_.size() && !EndsToken(rest_[length], quoted)) ++length;
@@ -70,12 +97,6 @@ class Parser {
     if (quoted || unit == kQuote) return unit == kQuote;
     return unit < 9 || unit == L' ' || unit == L'\t' || unit == L'\r' || unit == L'\n' || unit == L';' ||
            unit == L'{' || unit == L'}';
-  }
-
-  static void AppendChildren(SettingsNode* key, SettingsNode* level) {
-    SettingsNode** end = &key->children;
-    while (*end != nullptr) end = &(*end)->next;
-    *end = level;
   }
 
   WideView rest_;
@@ -112,7 +133,7 @@ SettingsNode::~SettingsNode() {
 
 void ParseSettings(SettingsTree* tree, const MString& text) {
   SettingsNode* const document = NewNode(WideView());
-  document->children = Parser(text.View()).ReadLevel(0);
+  document->children = Parser(text.View()).ReadLevel(0).entries;
   document->next = tree->documents;
   tree->documents = document;
 }
