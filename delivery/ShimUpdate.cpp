@@ -16,18 +16,18 @@ bool Give(const std::optional<std::string_view>& found, MString* out) {
 
 }  // namespace
 
-bool LumenBrokerShim::MarkUpdateRejected() {
+bool LumenBrokerShim::MarkUpdateRejected() noexcept {
   return ::MarkUpdateRejected();
 }
 
-bool LumenBrokerShim::ReadUpdateDescription(MStringList* out) {
+bool LumenBrokerShim::ReadUpdateDescription(MStringList* out) noexcept {
   return ::ReadUpdateDescription(out);
 }
 
-bool LumenBrokerShim::ExtractMetaBlock(MString text, MString* out) {
+bool LumenBrokerShim::ExtractMetaBlock(MString text, MString* out) noexcept {
   return Give(::ExtractMetaBlock(text.Narrow().get()), out);
 }
 
-bool LumenBrokerShim::ExtractUpdateVersion(MString text, MString* out) {
+bool LumenBrokerShim::ExtractUpdateVersion(MString text, MString* out) noexcept {
   return Give(::ExtractUpdateVersion(text.Narrow().get()), out);
 }

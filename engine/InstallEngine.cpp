@@ -34,6 +34,16 @@ MString ToMString(const std::optional<WideString>& text) {
   return text ? MString(WideView(*text)) : MString();
 }
 
+// Lists a directory that may not have been found. An unknown one must not be listed as it stands: it would be the root
+// of the current drive, and removal deletes what it finds by the listing.
+bool ListKnown(MStringList* list, const std::optional<WideString>& root, const MString& directory,
+               LumenBrokerShim* shim) {
+  if (root) return ListDirectory(list, directory, shim);
+  Report(shim->host, Severity::Survived, ReportCode::DirectoryNotListed,
+         PathAndError(MString(L""), ERROR_PATH_NOT_FOUND));
+  return false;
+}
+
 }  // namespace
 
 MString SystemPlayerDirectory() {
@@ -46,16 +56,16 @@ MString SystemPlayerDirectory() {
 
 bool InstallEngine::LoadEngineLists() {
   const SettingsTree* const settings = shim->host->GetSettings();
-  const MString baseDirectory = SystemPlayerDirectory();
-  const MString productDirectory = ToMString(ProductDirectory());
+  const std::optional<WideString> systemDirectory = GetSystem32Path();
+  const std::optional<WideString> productDirectory = ProductDirectory();
   bool all = true;
   for (const ListSource& source : kBeforeSystemEntries) {
     const bool found = LoadStringList(&(this->*source.list), settings, MString(source.setting));
     if (source.counts) all = found && all;
   }
-  all = ListDirectory(&systemEntries, baseDirectory, shim) && all;
+  all = ListKnown(&systemEntries, systemDirectory, SystemPlayerDirectory(), shim) && all;
   all = LoadStringList(&productManagerPatterns, settings, MString(L"ProductManagerDirectoryPatterns")) && all;
-  all = ListDirectory(&productManagerEntries, productDirectory, shim) && all;
+  all = ListKnown(&productManagerEntries, productDirectory, ToMString(productDirectory), shim) && all;
   return all;
 }
 

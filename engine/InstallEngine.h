@@ -50,7 +50,8 @@ class InstallEngine {
 };
 
 // Appends the names in `directory` to `list`, but for the first one the platform returns (".") so that ".." is among
-// them. A directory that cannot be listed is reported as 1113 and gives false.
+// them, and whoever deletes by the list has to pass it over. A directory that cannot be listed is reported as 1113 and
+// gives false.
 [[nodiscard]] bool ListDirectory(MStringList* list, const MString& directory, LumenBrokerShim* shim);
 
 // The player's directory among the 32-bit system files, with a last backslash.

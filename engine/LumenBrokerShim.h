@@ -1,8 +1,8 @@
 // The whole surface that a host sees: 51 operations in a fixed order, returned by Start. All run on the host's thread.
 //
-// Operations report details through HostCallbacks::ReportMessage and answer with a bool. MString arguments are copies
-// that the operation owns; an MString result is written into storage of the caller's. Lists that are returned belong to
-// the engine: never free them.
+// Operations report details through HostCallbacks::ReportMessage and answer with a bool. Nothing throws: a text for
+// which there is no memory ends the process. MString arguments are copies that the operation owns; an MString result is
+// written into storage of the caller's. Lists that are returned belong to the engine: never free them.
 #pragma once
 
 #include <windows.h>
@@ -24,84 +24,86 @@ class LumenBrokerShim {
   explicit LumenBrokerShim(HostCallbacks* hostCallbacks);
 
   // Ends the shim and its engine; with bit 0 of `flag` also frees the shim. Nothing may be called afterwards.
-  virtual void Destroy(uint32_t flag);
+  virtual void Destroy(uint32_t flag) noexcept;
   // The text `id` of resourceModule. If missing: the host's fallback when `useHost`, else "MISSING LOCALIZATION".
-  virtual MString* LoadString(MString* out, uint32_t id, uint8_t useHost);
+  virtual MString* LoadString(MString* out, uint32_t id, uint8_t useHost) noexcept;
   // The installer window, not yet shown; null in this build. Ended by DestroyUI, before Destroy.
-  virtual MorphUI* CreateUI();
-  virtual void DestroyUI(void* ignored, MorphUI* ui);
+  virtual MorphUI* CreateUI() noexcept;
+  virtual void DestroyUI(void* ignored, MorphUI* ui) noexcept;
   // From here to RemovePatternFiles: not in this build, false. CheckInstallAllowed therefore refuses, with `code` as it
   // was.
-  virtual bool ReleaseTypeMatches(uint32_t kinds, uint32_t expected);
+  virtual bool ReleaseTypeMatches(uint32_t kinds, uint32_t expected) noexcept;
   // Whether this build may be installed over what is there. On refusal `code` is 1161 (release type), 1013 (version,
   // mode 1) or 1162 (version, any other mode); otherwise it is left alone.
-  virtual bool CheckInstallAllowed(uint32_t kinds, uint32_t* code, uint32_t mode);
+  virtual bool CheckInstallAllowed(uint32_t kinds, uint32_t* code, uint32_t mode) noexcept;
   // Windows 6.0 or later with the policy EnableLUA above 0.
-  virtual bool IsUacEnabled();
-  virtual bool UninstallProduct(uint32_t kind, MString file, uint8_t removeSafeVersions);
+  virtual bool IsUacEnabled() noexcept;
+  virtual bool UninstallProduct(uint32_t kind, MString file, uint8_t removeSafeVersions) noexcept;
   virtual bool RegisterProduct(uint32_t kind, MString playerPath, MString uninstallerPath, MString ignored,
-                               uint8_t writeUninstallEntry);
-  virtual bool RemoveUpdateService(void* ignored, MString directory);
-  virtual bool RemoveProductKind(uint32_t kind, MString directory, uint8_t removeSafeVersions, uint8_t removeService);
-  virtual bool RemoveNamedFiles(uint32_t kinds, MString directory);
-  virtual bool RemoveOneFile(MString name, MString path);
-  virtual bool RemovePatternFiles(uint32_t kinds, MString directory);
+                               uint8_t writeUninstallEntry) noexcept;
+  virtual bool RemoveUpdateService(void* ignored, MString directory) noexcept;
+  virtual bool RemoveProductKind(uint32_t kind, MString directory, uint8_t removeSafeVersions,
+                                 uint8_t removeService) noexcept;
+  virtual bool RemoveNamedFiles(uint32_t kinds, MString directory) noexcept;
+  virtual bool RemoveOneFile(MString name, MString path) noexcept;
+  virtual bool RemovePatternFiles(uint32_t kinds, MString directory) noexcept;
   // Asks the browser to read its elevation policies again. False when the platform has no such operation.
-  virtual bool RefreshElevationPolicy();
-  // Writes the broker's COM registration for `path` when `kind` is the ActiveX kind; other kinds do nothing. True.
-  virtual bool RegisterBrokerServer(MString path, uint32_t kind);
+  virtual bool RefreshElevationPolicy() noexcept;
+  // Writes the broker's COM registration for `path` when `kind` is the ActiveX kind; other kinds do nothing. True. This
+  // build does not yet protect the server's file, nor ask running browsers to read their policies again.
+  virtual bool RegisterBrokerServer(MString path, uint32_t kind) noexcept;
   // These three: not in this build, false.
-  virtual bool RegisterActiveXControl(MString path);
-  virtual bool RegisterPluginEntry(MString path);
-  virtual bool UnregisterActiveXControl(uint8_t removeSafeVersions, MString ignored);
+  virtual bool RegisterActiveXControl(MString path) noexcept;
+  virtual bool RegisterPluginEntry(MString path) noexcept;
+  virtual bool UnregisterActiveXControl(uint8_t removeSafeVersions, MString ignored) noexcept;
   // Reports that players are being stopped. True.
-  virtual bool StopPlayers();
+  virtual bool StopPlayers() noexcept;
   // Runs the broker server on the calling thread until its last client has gone; the result is an exit code.
-  virtual uint32_t RunBroker();
-  virtual InstallEngine* GetEngine();
-  virtual MStringList* GetAXFilenames();
-  virtual MStringList* GetPluginFilenames();
-  virtual MStringList* GetPluginDirectories();
-  virtual MStringList* GetAXFilenamePatterns();
-  virtual MStringList* GetPluginFilenamePatterns();
-  virtual MStringList* GetPepperFilenamePatterns();
-  virtual MStringList* GetProductManagerPatterns();
-  virtual MStringList* GetProductManagerEntries();
+  virtual uint32_t RunBroker() noexcept;
+  virtual InstallEngine* GetEngine() noexcept;
+  virtual MStringList* GetAXFilenames() noexcept;
+  virtual MStringList* GetPluginFilenames() noexcept;
+  virtual MStringList* GetPluginDirectories() noexcept;
+  virtual MStringList* GetAXFilenamePatterns() noexcept;
+  virtual MStringList* GetPluginFilenamePatterns() noexcept;
+  virtual MStringList* GetPepperFilenamePatterns() noexcept;
+  virtual MStringList* GetProductManagerPatterns() noexcept;
+  virtual MStringList* GetProductManagerEntries() noexcept;
   // Not in this build: false.
-  virtual bool StoreConflicts(uint32_t value);
+  virtual bool StoreConflicts(uint32_t value) noexcept;
   // True when conflicts were stored. Asking clears the store.
-  virtual bool HasStoredConflicts();
+  virtual bool HasStoredConflicts() noexcept;
   // Not in this build: null.
-  virtual MStringList* FindConflicts(uint32_t kinds);
-  virtual MStringList* GetExtraActiveXFiles();
-  virtual MStringList* GetExtraPluginFiles();
-  virtual MStringList* GetExtraPepperFiles();
-  virtual bool AddExtraActiveXFile(MString name);
-  virtual bool AddExtraPluginFile(MString name);
-  virtual bool AddExtraPepperFile(MString name);
+  virtual MStringList* FindConflicts(uint32_t kinds) noexcept;
+  virtual MStringList* GetExtraActiveXFiles() noexcept;
+  virtual MStringList* GetExtraPluginFiles() noexcept;
+  virtual MStringList* GetExtraPepperFiles() noexcept;
+  virtual bool AddExtraActiveXFile(MString name) noexcept;
+  virtual bool AddExtraPluginFile(MString name) noexcept;
+  virtual bool AddExtraPepperFile(MString name) noexcept;
   // Fills the engine's lists from the host's settings. Once: a second call doubles every list.
-  virtual bool LoadEngineLists();
+  virtual bool LoadEngineLists() noexcept;
   // Remembers the version of the stored update text as rejected; false when there is none or it cannot be written.
-  virtual bool MarkUpdateRejected();
+  virtual bool MarkUpdateRejected() noexcept;
   // Adds the stored update text's description to `out`; false when there is none.
-  virtual bool ReadUpdateDescription(MStringList* out);
+  virtual bool ReadUpdateDescription(MStringList* out) noexcept;
   // Each fills `out` from a server's update text; false when the text lacks it.
-  virtual bool ExtractMetaBlock(MString text, MString* out);
-  virtual bool ExtractUpdateVersion(MString text, MString* out);
+  virtual bool ExtractMetaBlock(MString text, MString* out) noexcept;
+  virtual bool ExtractUpdateVersion(MString text, MString* out) noexcept;
   // Stores the name of a running browser for OpenUrl; true when one was found. Finds none in this build.
-  virtual bool FindDefaultBrowser();
+  virtual bool FindDefaultBrowser() noexcept;
   // Opens the first value of the setting "ExpressInstallURL"; false when there is none.
-  virtual bool OpenExpressInstallUrl(HWND window);
+  virtual bool OpenExpressInstallUrl(HWND window) noexcept;
   // Opens `url` in the browser that the selected product belongs to, else in the user's own. `window` may be null.
-  virtual bool OpenUrl(HWND window, MString url);
+  virtual bool OpenUrl(HWND window, MString url) noexcept;
   // Starts the settings applet of 64-bit systems when it is there. Always false: callers go on to their own fallback.
-  virtual bool OpenControlPanelApplet();
+  virtual bool OpenControlPanelApplet() noexcept;
   // A media player of version 6 that the installer must not run beside.
-  virtual bool IsBadRealPlayer();
+  virtual bool IsBadRealPlayer() noexcept;
   // Not in this build: 0, not installed.
-  virtual uint32_t GetInstalledVersionState(uint32_t kind);
+  virtual uint32_t GetInstalledVersionState(uint32_t kind) noexcept;
   // Tells a failed registration from one never attempted.
-  virtual uint8_t WasRegistrationReached();
+  virtual uint8_t WasRegistrationReached() noexcept;
 
   HostCallbacks* host;              // not owned
   InstallEngine* engine = nullptr;  // owned

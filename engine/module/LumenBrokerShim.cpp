@@ -41,12 +41,12 @@ LumenBrokerShim::~LumenBrokerShim() {
   delete engine;
 }
 
-void LumenBrokerShim::Destroy(uint32_t flag) {
+void LumenBrokerShim::Destroy(uint32_t flag) noexcept {
   this->~LumenBrokerShim();
   if ((flag & 1) != 0) ::operator delete(this);
 }
 
-MString* LumenBrokerShim::LoadString(MString* out, uint32_t id, uint8_t useHost) {
+MString* LumenBrokerShim::LoadString(MString* out, uint32_t id, uint8_t useHost) noexcept {
   const wchar_t* text = nullptr;
   // With no buffer the platform lends the resource itself, which need not be terminated.
   const int length = LoadStringW(host->resourceModule, id, reinterpret_cast<wchar_t*>(&text), 0);
@@ -60,14 +60,14 @@ MString* LumenBrokerShim::LoadString(MString* out, uint32_t id, uint8_t useHost)
   return out;
 }
 
-bool LumenBrokerShim::IsUacEnabled() {
+bool LumenBrokerShim::IsUacEnabled() noexcept {
   if (!IsAtLeastVista()) return false;
   const auto enabled =
       ReadNumber(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\System", "EnableLUA");
   return static_cast<int32_t>(enabled.value_or(0)) > 0;
 }
 
-bool LumenBrokerShim::RefreshElevationPolicy() {
+bool LumenBrokerShim::RefreshElevationPolicy() noexcept {
   const LibraryHandle library(LoadSystemLibrary(L"ieframe.dll"));
   if (!library) return false;
   using Refresh = HRESULT WINAPI();
@@ -78,82 +78,82 @@ bool LumenBrokerShim::RefreshElevationPolicy() {
   return true;
 }
 
-bool LumenBrokerShim::RegisterBrokerServer(MString path, uint32_t kind) {
+bool LumenBrokerShim::RegisterBrokerServer(MString path, uint32_t kind) noexcept {
   if (kind == product_kind::ActiveX) WriteBrokerRegistration(path.Narrow().get(), true);
   return true;
 }
 
-bool LumenBrokerShim::StopPlayers() {
+bool LumenBrokerShim::StopPlayers() noexcept {
   Report(host, Severity::Information, ReportCode::PlayersStopping);
   return true;
 }
 
-uint32_t LumenBrokerShim::RunBroker() {
+uint32_t LumenBrokerShim::RunBroker() noexcept {
   return RunBrokerServer(host);
 }
 
-InstallEngine* LumenBrokerShim::GetEngine() {
+InstallEngine* LumenBrokerShim::GetEngine() noexcept {
   return engine;
 }
 
-MStringList* LumenBrokerShim::GetAXFilenames() {
+MStringList* LumenBrokerShim::GetAXFilenames() noexcept {
   return ListOf(engine, &InstallEngine::filenamesAX);
 }
-MStringList* LumenBrokerShim::GetPluginFilenames() {
+MStringList* LumenBrokerShim::GetPluginFilenames() noexcept {
   return ListOf(engine, &InstallEngine::filenamesPlugin);
 }
-MStringList* LumenBrokerShim::GetPluginDirectories() {
+MStringList* LumenBrokerShim::GetPluginDirectories() noexcept {
   return ListOf(engine, &InstallEngine::pluginDirectories);
 }
-MStringList* LumenBrokerShim::GetAXFilenamePatterns() {
+MStringList* LumenBrokerShim::GetAXFilenamePatterns() noexcept {
   return ListOf(engine, &InstallEngine::axPatterns);
 }
-MStringList* LumenBrokerShim::GetPluginFilenamePatterns() {
+MStringList* LumenBrokerShim::GetPluginFilenamePatterns() noexcept {
   return ListOf(engine, &InstallEngine::pluginPatterns);
 }
-MStringList* LumenBrokerShim::GetPepperFilenamePatterns() {
+MStringList* LumenBrokerShim::GetPepperFilenamePatterns() noexcept {
   return ListOf(engine, &InstallEngine::pepperPatterns);
 }
-MStringList* LumenBrokerShim::GetProductManagerPatterns() {
+MStringList* LumenBrokerShim::GetProductManagerPatterns() noexcept {
   return ListOf(engine, &InstallEngine::productManagerPatterns);
 }
-MStringList* LumenBrokerShim::GetProductManagerEntries() {
+MStringList* LumenBrokerShim::GetProductManagerEntries() noexcept {
   return ListOf(engine, &InstallEngine::productManagerEntries);
 }
 
-bool LumenBrokerShim::HasStoredConflicts() {
+bool LumenBrokerShim::HasStoredConflicts() noexcept {
   return DeleteValue(HKEY_CURRENT_USER, kPlayerKey, kConflictingProcs) == ERROR_SUCCESS;
 }
 
-MStringList* LumenBrokerShim::GetExtraActiveXFiles() {
+MStringList* LumenBrokerShim::GetExtraActiveXFiles() noexcept {
   return ListOf(engine, &InstallEngine::extraActiveXFiles);
 }
-MStringList* LumenBrokerShim::GetExtraPluginFiles() {
+MStringList* LumenBrokerShim::GetExtraPluginFiles() noexcept {
   return ListOf(engine, &InstallEngine::extraPluginFiles);
 }
-MStringList* LumenBrokerShim::GetExtraPepperFiles() {
+MStringList* LumenBrokerShim::GetExtraPepperFiles() noexcept {
   return ListOf(engine, &InstallEngine::extraPepperFiles);
 }
 
-bool LumenBrokerShim::AddExtraActiveXFile(MString name) {
+bool LumenBrokerShim::AddExtraActiveXFile(MString name) noexcept {
   return AddTo(engine, &InstallEngine::extraActiveXFiles, name);
 }
-bool LumenBrokerShim::AddExtraPluginFile(MString name) {
+bool LumenBrokerShim::AddExtraPluginFile(MString name) noexcept {
   return AddTo(engine, &InstallEngine::extraPluginFiles, name);
 }
-bool LumenBrokerShim::AddExtraPepperFile(MString name) {
+bool LumenBrokerShim::AddExtraPepperFile(MString name) noexcept {
   return AddTo(engine, &InstallEngine::extraPepperFiles, name);
 }
 
-bool LumenBrokerShim::LoadEngineLists() {
+bool LumenBrokerShim::LoadEngineLists() noexcept {
   return engine != nullptr && engine->LoadEngineLists();
 }
 
-bool LumenBrokerShim::IsBadRealPlayer() {
+bool LumenBrokerShim::IsBadRealPlayer() noexcept {
   const auto version = ReadText(HKEY_LOCAL_MACHINE, "SOFTWARE\\RealNetworks\\RealPlayer", "version");
   return version && version->starts_with('6');
 }
 
-uint8_t LumenBrokerShim::WasRegistrationReached() {
+uint8_t LumenBrokerShim::WasRegistrationReached() noexcept {
   return registrationReached;
 }

@@ -1,59 +1,59 @@
 // Operations that this build does not have yet. They fail cleanly: nothing is read, written or reported.
 #include "engine/LumenBrokerShim.h"
 
-MorphUI* LumenBrokerShim::CreateUI() {
+MorphUI* LumenBrokerShim::CreateUI() noexcept {
   return nullptr;
 }
-void LumenBrokerShim::DestroyUI(void* /*ignored*/, MorphUI* /*ui*/) {}
+void LumenBrokerShim::DestroyUI(void* /*ignored*/, MorphUI* /*ui*/) noexcept {}
 
-bool LumenBrokerShim::ReleaseTypeMatches(uint32_t /*kinds*/, uint32_t /*expected*/) {
+bool LumenBrokerShim::ReleaseTypeMatches(uint32_t /*kinds*/, uint32_t /*expected*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::CheckInstallAllowed(uint32_t /*kinds*/, uint32_t* /*code*/, uint32_t /*mode*/) {
+bool LumenBrokerShim::CheckInstallAllowed(uint32_t /*kinds*/, uint32_t* /*code*/, uint32_t /*mode*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::UninstallProduct(uint32_t /*kind*/, MString /*file*/, uint8_t /*removeSafeVersions*/) {
+bool LumenBrokerShim::UninstallProduct(uint32_t /*kind*/, MString /*file*/, uint8_t /*removeSafeVersions*/) noexcept {
   return false;
 }
 bool LumenBrokerShim::RegisterProduct(uint32_t /*kind*/, MString /*playerPath*/, MString /*uninstallerPath*/,
-                                      MString /*ignored*/, uint8_t /*writeUninstallEntry*/) {
+                                      MString /*ignored*/, uint8_t /*writeUninstallEntry*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RemoveUpdateService(void* /*ignored*/, MString /*directory*/) {
+bool LumenBrokerShim::RemoveUpdateService(void* /*ignored*/, MString /*directory*/) noexcept {
   return false;
 }
 bool LumenBrokerShim::RemoveProductKind(uint32_t /*kind*/, MString /*directory*/, uint8_t /*removeSafeVersions*/,
-                                        uint8_t /*removeService*/) {
+                                        uint8_t /*removeService*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RemoveNamedFiles(uint32_t /*kinds*/, MString /*directory*/) {
+bool LumenBrokerShim::RemoveNamedFiles(uint32_t /*kinds*/, MString /*directory*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RemoveOneFile(MString /*name*/, MString /*path*/) {
+bool LumenBrokerShim::RemoveOneFile(MString /*name*/, MString /*path*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RemovePatternFiles(uint32_t /*kinds*/, MString /*directory*/) {
+bool LumenBrokerShim::RemovePatternFiles(uint32_t /*kinds*/, MString /*directory*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RegisterActiveXControl(MString /*path*/) {
+bool LumenBrokerShim::RegisterActiveXControl(MString /*path*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RegisterPluginEntry(MString /*path*/) {
+bool LumenBrokerShim::RegisterPluginEntry(MString /*path*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::UnregisterActiveXControl(uint8_t /*removeSafeVersions*/, MString /*ignored*/) {
+bool LumenBrokerShim::UnregisterActiveXControl(uint8_t /*removeSafeVersions*/, MString /*ignored*/) noexcept {
   return false;
 }
 
-bool LumenBrokerShim::StoreConflicts(uint32_t /*value*/) {
+bool LumenBrokerShim::StoreConflicts(uint32_t /*value*/) noexcept {
   return false;
 }
-MStringList* LumenBrokerShim::FindConflicts(uint32_t /*kinds*/) {
+MStringList* LumenBrokerShim::FindConflicts(uint32_t /*kinds*/) noexcept {
   return nullptr;
 }
-bool LumenBrokerShim::FindDefaultBrowser() {
+bool LumenBrokerShim::FindDefaultBrowser() noexcept {
   return false;
 }
-uint32_t LumenBrokerShim::GetInstalledVersionState(uint32_t /*kind*/) {
+uint32_t LumenBrokerShim::GetInstalledVersionState(uint32_t /*kind*/) noexcept {
   return 0;
 }

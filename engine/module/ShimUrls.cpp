@@ -28,12 +28,12 @@ bool Open(HWND window, const wchar_t* browser, const MString& url) {
 
 }  // namespace
 
-bool LumenBrokerShim::OpenExpressInstallUrl(HWND window) {
+bool LumenBrokerShim::OpenExpressInstallUrl(HWND window) noexcept {
   const SettingsNode* const setting = FindSetting(host->GetSettings(), MString(L"ExpressInstallURL"));
   return setting != nullptr && setting->values != nullptr && OpenUrl(window, setting->values->name);
 }
 
-bool LumenBrokerShim::OpenUrl(HWND window, MString url) {
+bool LumenBrokerShim::OpenUrl(HWND window, MString url) noexcept {
   const uint32_t flags = host->GetFlags();
   const bool forActiveX = (flags & host_flag::ActiveX) != 0;
   std::optional<MString> browser;
@@ -48,7 +48,7 @@ bool LumenBrokerShim::OpenUrl(HWND window, MString url) {
   return Open(window, nullptr, url);
 }
 
-bool LumenBrokerShim::OpenControlPanelApplet() {
+bool LumenBrokerShim::OpenControlPanelApplet() noexcept {
   std::optional<WideString> applet = FolderPath(ShellFolder::Windows);
   if (!applet) return false;
   *applet += L"\\SysWOW64\\LumenPlayerCPLApp.cpl";

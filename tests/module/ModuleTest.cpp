@@ -2,11 +2,13 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "engine/InstallEngine.h"
 #include "engine/ProductIds.h"
 #include "engine/ProductKind.h"
 #include "tests/module/LoadedModule.h"
+#include "tests/support/ImportHook.h"
 
 namespace {
 
@@ -20,15 +22,6 @@ constexpr char kAllLists[] =
     "AddRemoveProgramsGUIDsPepperSelf peSelf;"
     "AXFilenamePatterns Lumen:.ocx; PluginFilenamePatterns np:.dll; PepperFilenamePatterns pep:.dll;"
     "ProductManagerDirectoryPatterns addon;";
-
-Lines Keys(const MStringList* list) {
-  Lines keys;
-  for (const auto* node = list->Head(); node != nullptr; node = node->next) {
-    EXPECT_TRUE(node->key.Equals(node->value));
-    keys.push_back(ToUtf8(node->key.View()));
-  }
-  return keys;
-}
 
 fs::path ProductBin() {
   return fs::path(_wgetenv(L"APPDATA")) / "Halcyonics\\Lumen Player\\corva.example\\bin";
@@ -182,6 +175,35 @@ TEST_F(EngineLists, AnUnlistableDirectoryIsReportedAndTheOtherIsStillListed) {
   EXPECT_FALSE(shim->LoadEngineLists());
   EXPECT_EQ(host.Reports(), Lines{"1 1113 C:\\windows\\system32\\Halcyons\\Lumen\\ 3"});
   EXPECT_EQ(Keys(shim->GetProductManagerEntries()), (Lines{"..", "addon1"}));
+}
+
+TEST_F(EngineLists, QuirkTheFirstEntryIsSkippedWhateverItIs) {
+  const ImportHook one(
+      LoadedModule(), "FindNextFileW", +[](HANDLE, LPWIN32_FIND_DATAW) -> BOOL { return FALSE; });
+  host.UseSettings(Widen(kAllLists).c_str());
+  EXPECT_TRUE(shim->LoadEngineLists());
+  EXPECT_EQ(shim->GetEngine()->systemEntries.Count(), 0);
+  EXPECT_EQ(shim->GetProductManagerEntries()->Count(), 0);
+}
+
+TEST_F(EngineLists, AnUnknownProductDirectoryIsNotTakenForTheRootOfTheDrive) {
+  const ImportHook noFolders(
+      LoadedModule(), "SHGetFolderPathW", +[](HWND, int, HANDLE, DWORD, LPWSTR) -> HRESULT { return E_FAIL; });
+  host.UseSettings(Widen(kAllLists).c_str());
+  EXPECT_FALSE(shim->LoadEngineLists());
+  EXPECT_EQ(shim->GetProductManagerEntries()->Count(), 0);
+  EXPECT_EQ(Keys(&shim->GetEngine()->systemEntries), (Lines{"..", "Lumen28.ocx"}));
+  EXPECT_EQ(host.Reports(), Lines{"1 1113  3"});
+}
+
+TEST_F(ModuleFixture, WithoutAnEngineOperationsFailCleanly) {
+  InstallEngine* const engine = std::exchange(shim->engine, nullptr);
+  EXPECT_EQ(shim->GetEngine(), nullptr);
+  EXPECT_EQ(shim->GetAXFilenames(), nullptr);
+  EXPECT_EQ(shim->GetExtraPepperFiles(), nullptr);
+  EXPECT_FALSE(shim->AddExtraPluginFile(MString(L"p")));
+  EXPECT_FALSE(shim->LoadEngineLists());
+  shim->engine = engine;
 }
 
 TEST_F(ModuleFixture, TextsComeFromTheResourcesOrTheHostOrSayThatTheyAreMissing) {
