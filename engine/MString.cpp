@@ -85,12 +85,9 @@ MString::MString(MString&& other) noexcept
     : block_(std::exchange(other.block_, nullptr)), start_(std::exchange(other.start_, 0)) {}
 
 MString& MString::operator=(const MString& other) {
-  if (other.block_ != nullptr) ++other.block_->refCount;  // first, so that assigning to itself is safe
-  Block* const block = other.block_;
-  const int32_t start = other.start_;
-  ReleaseBlock();
-  block_ = block;
-  start_ = start;
+  MString copy(other);  // counts the source first, so that assigning to itself is safe
+  std::swap(block_, copy.block_);
+  std::swap(start_, copy.start_);
   return *this;
 }
 

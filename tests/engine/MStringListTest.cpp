@@ -76,7 +76,7 @@ TEST(MStringList, HoldsHeadTailAndCountInThatOrder) {
   list.Add(MString(L"a"));
   list.Add(MString(L"b"));
   const MStringList::MStringNode* ends[2] = {};
-  std::memcpy(ends, &list, sizeof(ends));
+  std::memcpy(ends, reinterpret_cast<const char*>(&list), sizeof(ends));
   int32_t count = 0;
   std::memcpy(&count, reinterpret_cast<const char*>(&list) + sizeof(ends), sizeof(count));
   EXPECT_EQ(ends[0], list.Head());

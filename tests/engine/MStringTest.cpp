@@ -304,7 +304,7 @@ TEST(MString, BlockHasTheLayoutThatModulesShare) {
   EXPECT_EQ(header[0], 2);
   EXPECT_EQ(header[1], 3);
   const MString::Block* block = nullptr;
-  std::memcpy(&block, &text, sizeof(block));
+  std::memcpy(&block, reinterpret_cast<const char*>(&text), sizeof(void*));
   EXPECT_EQ(block->Characters(), text.Data());
   EXPECT_NE(block->release, nullptr);
 }

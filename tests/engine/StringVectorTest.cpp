@@ -9,7 +9,7 @@ namespace {
 // Counts what is owned, and refuses copies on demand.
 class CountingVector final : public SMImplementation::PointerVector {
  public:
-  CountingVector(int* owned, bool* refuse) : PointerVector(), owned_(owned), refuse_(refuse) {}
+  CountingVector(int* owned, bool* refuse) : owned_(owned), refuse_(refuse) {}
   ~CountingVector() override { Clear(); }
   void DeleteItem(void* item) override {
     delete static_cast<int*>(item);

@@ -66,11 +66,8 @@ void RecordingHost::ReportMessage(uint64_t reserved, uint32_t severity, uint32_t
 void RecordingHost::LoadStringFallback(MString* out, uint32_t id, uint32_t flag) {
   events.push_back("LoadStringFallback " + std::to_string(id) + " " + std::to_string(flag));
   const auto known = fallbackTexts.find(id);
-  if (known != fallbackTexts.end()) {
-    *out = known->second;
-  } else {
-    *out = MString(WideView(FromUtf8("fallback " + std::to_string(id))));
-  }
+  const bool isKnown = known != fallbackTexts.end();
+  *out = isKnown ? known->second : MString(WideView(FromUtf8("fallback " + std::to_string(id))));
 }
 
 bool RecordingHost::DecompressImage(void* output, uint32_t outputSize, const void* /*input*/, uint32_t inputSize) {
