@@ -116,13 +116,17 @@ bool BrokerPathPolicy::IsWritableDataPath(const wchar_t* path, bool requireExten
   if (target) judged = std::move(target);
   if (std::optional<WideString> longer = TryGetLongPath(*judged)) judged = std::move(longer);
 
-  const bool inData = IsPathUnderRoot(*judged, *playerDataRoot) || IsPathUnderRoot(*judged, *vendorRoot);
-  const bool inTemp = !inData && IsPathUnderRoot(*judged, *tempRoot);
+  const RootMatch root = MatchRoot(*judged);
   // The settings directory is off limits even inside the player's data.
-  bool allowed = (inData || inTemp) && !IsPathUnderRoot(*judged, *vendorSettingsRoot);
-  if (allowed && inData && requireExtension) allowed = HasAllowedExtension(*judged);
+  bool allowed = root != RootMatch::None && !IsPathUnderRoot(*judged, *vendorSettingsRoot);
+  if (allowed && root == RootMatch::Data && requireExtension) allowed = HasAllowedExtension(*judged);
   if (sharedFlagOut != nullptr) *sharedFlagOut = IsSharedObjectsPath(*judged);
   return allowed;
+}
+
+BrokerPathPolicy::RootMatch BrokerPathPolicy::MatchRoot(WideView path) const {
+  if (IsPathUnderRoot(path, *playerDataRoot) || IsPathUnderRoot(path, *vendorRoot)) return RootMatch::Data;
+  return IsPathUnderRoot(path, *tempRoot) ? RootMatch::Temp : RootMatch::None;
 }
 
 bool BrokerPathPolicy::IsSharedObjectsPath(WideView path) {

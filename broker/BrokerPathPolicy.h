@@ -68,6 +68,9 @@ class BrokerPathPolicy {
   bool FillRoot(Cached& root, const Cached& directory);
   bool FillFolderRoot(Cached& root, ShellFolder folder, WideView below);
   bool FillWritableRoots();
+  enum class RootMatch { None, Data, Temp };
+  [[nodiscard]] RootMatch MatchRoot(WideView path) const;
+  [[nodiscard]] bool LongChainStaysInside(WideString current);
   [[nodiscard]] bool ReadLink(WideView place, WideView remainder, std::optional<WideString>& targetOut);
   [[nodiscard]] Cached FolderWithoutSlash(ShellFolder folder);
 

@@ -10,6 +10,8 @@ namespace {
 
 constexpr WideView kGlobalRoot = L"\\\\?\\GLOBALROOT\\";
 constexpr size_t kMostEarlierTargets = 16;
+// The platform gives up after 63 reparse points.
+constexpr int kMostLinksOpened = 64;
 
 bool IsSlash(wchar_t unit) {
   return unit == L'\\' || unit == L'/';
@@ -78,11 +80,27 @@ bool BrokerPathPolicy::ResolveAllLinks(WideView path, std::optional<WideString>&
       targetOut = std::move(found);
       return true;
     }
-    // A cycle, or too long a chain: the path it had goes on to be judged by the roots.
-    const bool seen = *target == current || std::find(history.begin(), history.end(), *target) != history.end();
-    if (seen || history.size() == kMostEarlierTargets) return true;
+    // A cycle leads nowhere when it is opened, so the path it had goes on to be judged by the roots.
+    if (*target == current || std::find(history.begin(), history.end(), *target) != history.end()) return true;
+    // So does the path behind too long a chain, but the platform follows more links than this: the chain must stay
+    // inside.
+    if (history.size() == kMostEarlierTargets) return LongChainStaysInside(std::move(*target));
     history.push_back(std::move(current));
     current = *target;
     found = std::move(target);
   }
+}
+
+// Follows the rest of a chain as far as the platform would, to see that its end lies under a root that may be written.
+bool BrokerPathPolicy::LongChainStaysInside(WideString current) {
+  for (int link = 0; link < kMostLinksOpened; ++link) {
+    std::optional<WideString> target;
+    if (!ResolveOneLink(current, target)) return false;
+    if (!target) {
+      const std::optional<WideString> end = SanitizePath(current, true);
+      return end && FillWritableRoots() && MatchRoot(*end) != RootMatch::None;
+    }
+    current = std::move(*target);
+  }
+  return true;  // opening it fails
 }

@@ -87,11 +87,14 @@ function(lumen_test name)
   endif()
 endfunction()
 
-# lumen_fuzz(NAME SOURCE file CORPUS folder LINK target...)
+# lumen_fuzz(NAME SOURCE file (CORPUS folder-in-fuzz | SEEDS folder) LINK target...)
 # The same LLVMFuzzerTestOneInput serves twice: replayed over the corpus as a test of ./test, and as a libFuzzer
 # target (<name>_fuzz) for long runs by tools/fuzz.
 function(lumen_fuzz name)
-  cmake_parse_arguments(F "" "SOURCE;CORPUS" "LINK" ${ARGN})
+  cmake_parse_arguments(F "" "SOURCE;CORPUS;SEEDS" "LINK" ${ARGN})
+  if(F_CORPUS)
+    set(F_SEEDS ${CMAKE_SOURCE_DIR}/fuzz/${F_CORPUS})
+  endif()
   if(WIN32 OR NOT LUMEN_SANITIZE OR NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
     return()
   endif()
@@ -104,7 +107,7 @@ function(lumen_fuzz name)
   file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz/${name}-corpus)
   add_test(NAME fuzz_${name} COMMAND ${name}_fuzz -max_total_time=3 -timeout=10 -rss_limit_mb=2048
     -artifact_prefix=${CMAKE_BINARY_DIR}/fuzz/${name}- ${CMAKE_BINARY_DIR}/fuzz/${name}-corpus
-    ${CMAKE_SOURCE_DIR}/fuzz/${F_CORPUS})
+    ${F_SEEDS})
 endfunction()
 
 # lumen_bench(NAME SOURCE file LINK target...): built in the bench preset, run by tools/bench.
@@ -115,5 +118,5 @@ function(lumen_bench name)
   endif()
   add_executable(${name} ${B_SOURCE})
   target_link_libraries(${name} PRIVATE lumen_flags ${B_LINK})
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/programs)
 endfunction()

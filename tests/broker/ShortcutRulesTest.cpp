@@ -83,7 +83,7 @@ TEST(ShortcutRules, TheIconIsOneOfThisNameInTheCache) {
       {L"C:\\A\\Icon CacheGame.ico", false},
       {L"C:\\A\\Icon Cache\\Gam.ico", false},
       {L"C:\\A\\Icon Cache\\Game", false},
-      {L"C:\\A\\Icon Cache\\Game" + WideString(260 - 25, L' ') + L".ico", false},
+      {L"C:\\A\\Icon Cache\\Game" + WideString(260 - 24, L' ') + L".ico", false},
   };
   for (const auto& [path, allowed] : rows) EXPECT_EQ(IsIconCachePath(path, kCache, L"Game"), allowed) << ToUtf8(path);
   // A name that ends in the extension's own letters must not let the prefix and the ending overlap.

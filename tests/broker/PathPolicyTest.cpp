@@ -1,0 +1,210 @@
+// The path policy over an in-memory file system: the whole corpus, and what no corpus would think of.
+#include "broker/BrokerPathPolicy.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "broker/ReparseData.h"
+#include "tests/support/MemoryPathOperations.h"
+#include "tests/support/PathCorpus.h"
+
+namespace {
+
+constexpr WideView kPlayerRoot = L"C:\\USERS\\A\\APPDATA\\ROAMING\\HALCYONICS\\LUMEN PLAYER";
+constexpr WideView kLocalPlayerRoot = L"C:\\USERS\\A\\APPDATA\\LOCAL\\HALCYONICS\\LUMEN PLAYER";
+constexpr WideView kVendorRoot = L"C:\\USERS\\A\\APPDATA\\ROAMING\\CORVA\\LUMEN PLAYER";
+constexpr WideView kTempRoot = L"C:\\USERS\\A\\APPDATA\\LOCAL\\TEMP\\LOW";
+
+struct Subject {
+  explicit Subject(bool localAppData = false) : policy(system, true) { policy.SetEnableLocalAppData(localAppData); }
+
+  std::string Judge(const WideString& path) {
+    const auto expanded = policy.ExpandBrokerPath(path.c_str());
+    if (!expanded) return "";
+    const wchar_t* const text = expanded->c_str();
+    std::string flags;
+    if (policy.IsWritableDataPath(text, true, nullptr)) flags += 'W';
+    if (policy.IsWritableDataPath(text, false, nullptr)) flags += 'w';
+    if (policy.IsCreatableDirectory(text)) flags += 'C';
+    if (policy.IsSearchablePath(text)) flags += 'S';
+    return flags;
+  }
+
+  MemoryPathOperations system;
+  BrokerPathPolicy policy;
+};
+
+bool LiesUnderAWritableRoot(WideView path, bool localAppData) {
+  const WideView player = localAppData ? kLocalPlayerRoot : kPlayerRoot;
+  const WideString settings = WideString(player) + L"\\CORVA.EXAMPLE";
+  return (BrokerPathPolicy::IsPathUnderRoot(path, player) || BrokerPathPolicy::IsPathUnderRoot(path, kVendorRoot) ||
+          BrokerPathPolicy::IsPathUnderRoot(path, kTempRoot)) &&
+         !BrokerPathPolicy::IsPathUnderRoot(path, settings);
+}
+
+TEST(PathPolicy, JudgesTheWholeCorpus) {
+  const std::vector<PathRow> rows = ReadPathCorpus();
+  ASSERT_GE(rows.size(), 250u);
+  for (const PathRow& row : rows) {
+    Subject subject(row.localAppData);
+    EXPECT_EQ(subject.Judge(row.path), row.flags) << ToUtf8(row.path).substr(0, 300) << "\n  " << row.reason;
+  }
+}
+
+TEST(PathPolicy, JudgesTheSameWithWarmCaches) {
+  Subject roaming;
+  Subject local(true);
+  for (const PathRow& row : ReadPathCorpus()) {
+    EXPECT_EQ((row.localAppData ? local : roaming).Judge(row.path), row.flags) << row.reason;
+  }
+}
+
+// Paths made of the pieces that attacks are made of.
+TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
+  const WideView pieces[] = {L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
+                             L"C:\\Users\\A\\AppData\\Local\\Temp\\Low",
+                             L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player",
+                             L"C:\\Outside",
+                             L"\\\\?\\",
+                             L"\\\\.\\",
+                             L"\\..",
+                             L"\\.",
+                             L"/..",
+                             L"/",
+                             L"\\",
+                             L"...",
+                             L".",
+                             L" ",
+                             L"\\sub",
+                             L"\\link-out",
+                             L"\\link-in",
+                             L"\\LINK-UP",
+                             L"\\mount-out",
+                             L"\\mount-up",
+                             L"\\chain16",
+                             L"\\chain17",
+                             L"\\chain16out",
+                             L"\\chain17out",
+                             L"\\cycle-a",
+                             L"\\file-link.sol",
+                             L"\\LUMENP~1",
+                             L"\\HALCYO~1",
+                             L"\\corva.example",
+                             L"\\CORVA~1.EXA",
+                             L":stream",
+                             L"%2E",
+                             L"\\nul",
+                             L"\\a.sol",
+                             L"\\a.exe",
+                             L".sol",
+                             L"\\Lumen Player",
+                             L"\\Halcyonics",
+                             L"\\Roaming",
+                             L"\\o3",
+                             L"\\k16",
+                             L"\\link-relative",
+                             L"\\broken",
+                             L"\\link-settings",
+                             L"x",
+                             L"\x0130",
+                             L"*",
+                             L"?"};
+  std::mt19937 random(20261121);
+  int accepted = 0;
+  for (const bool localAppData : {false, true}) {
+    Subject subject(localAppData);
+    for (int round = 0; round < 15000; ++round) {
+      WideString path(pieces[random() % 4]);
+      for (unsigned n = random() % 7; n > 0; --n) path += pieces[random() % std::size(pieces)];
+      if (!subject.policy.IsWritableDataPath(path.c_str(), false, nullptr)) continue;
+      ++accepted;
+      const auto opened = subject.system.OpenForReal(path);
+      if (opened)
+        EXPECT_TRUE(LiesUnderAWritableRoot(*opened, localAppData)) << ToUtf8(path) << " -> " << ToUtf8(*opened);
+    }
+  }
+  EXPECT_GT(accepted, 500) << "the generator must reach what is allowed, or the property says nothing";
+}
+
+TEST(PathPolicy, EveryRootIsNeededBeforeAnythingMayBeWritten) {
+  const wchar_t* const path = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player\\a.sol";
+  for (const ShellFolder missing : {ShellFolder::RoamingAppData, ShellFolder::LocalAppData}) {
+    Subject subject;
+    subject.system.folders.erase(missing);
+    EXPECT_EQ(subject.policy.IsWritableDataPath(path, true, nullptr), missing != ShellFolder::RoamingAppData);
+  }
+}
+
+TEST(PathPolicy, TempIsTheLowIntegrityDirectoryOfTheServerOnly) {
+  MemoryPathOperations system;
+  BrokerPathPolicy inClient(system, false);
+  EXPECT_TRUE(inClient.IsWritableDataPath(L"C:\\Users\\A\\AppData\\Local\\Temp\\a.exe", true, nullptr));
+  BrokerPathPolicy inServer(system, true);
+  EXPECT_FALSE(inServer.IsWritableDataPath(L"C:\\Users\\A\\AppData\\Local\\Temp\\a.exe", true, nullptr));
+  system.tempPath += L"Low\\";
+  BrokerPathPolicy already(system, true);
+  EXPECT_TRUE(already.IsWritableDataPath(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\a.exe", true, nullptr));
+}
+
+TEST(PathPolicy, SharedObjectsAreToldWhateverTheAnswer) {
+  const WideString player = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player";
+  const std::pair<WideString, bool> rows[] = {
+      {player + L"\\#SharedObjects\\a.sol", true},
+      {player + L"\\#SharedObjects\\a.exe", true},
+      {player + L"\\#SharedObjectsx\\a.sol", false},
+      {player + L"\\a.sol", false},
+      {L"C:\\Outside\\a.sol", false},
+  };
+  for (const auto& [path, shared] : rows) {
+    Subject subject;
+    bool flag = !shared;
+    (void)subject.policy.IsWritableDataPath(path.c_str(), true, &flag);
+    EXPECT_EQ(flag, shared) << ToUtf8(path);
+  }
+  // Behind the support directory a component that begins with "#" and has a name counts as one.
+  Subject subject;
+  (void)subject.policy.IsWritableDataPath(L"C:\\a", true, nullptr);  // fills the roots
+  const WideString support = WideString(kPlayerRoot) + L"\\CORVA.EXAMPLE\\SUPPORT\\LUMENPLAYER\\SYS";
+  const std::pair<WideString, bool> supportRows[] = {
+      {L"\\#SITE\\SETTINGS.SOL", true},
+      {L"\\#\\SETTINGS.SOL", false},
+      {L"\\SITE\\SETTINGS.SOL", false},
+      {L"", false},
+      {L"X\\#A\\B", false},
+  };
+  for (const auto& [below, shared] : supportRows) {
+    EXPECT_EQ(subject.policy.IsSharedObjectsPath(support + below), shared) << ToUtf8(below);
+  }
+}
+
+TEST(PathPolicy, ObjectManagerLinksAreFollowed) {
+  Subject subject;
+  subject.system.AddObjectLink(L"\\RPC Control\\step", L"\\??\\C:\\Outside");
+  std::optional<WideString> target;
+  EXPECT_TRUE(subject.policy.ResolveOneLink(L"\\\\?\\GLOBALROOT\\RPC Control\\step", target));
+  EXPECT_EQ(ToUtf8(target.value_or(L"none")), "C:\\Outside");
+  // A name that is no link has directories that nobody can look at.
+  EXPECT_FALSE(subject.policy.ResolveOneLink(L"\\RPC Control\\other", target));
+  EXPECT_FALSE(target.has_value());
+}
+
+TEST(PathPolicy, AServerAloneHasNothingToResolve) {
+  const std::pair<WideView, bool> rows[] = {
+      {L"\\\\server", true}, {L"\\\\server\\", true},  {L"//server", true},  {L"\\\\", false},
+      {L"\\\\s\\t", false},  {L"\\\\\\server", false}, {L"\\server", false}, {L"C:\\", false},
+  };
+  for (const auto& [path, bare] : rows) EXPECT_EQ(BrokerPathPolicy::IsUncServerRoot(path), bare) << ToUtf8(path);
+}
+
+TEST(ReparseData, EveryTruncationIsNoLink) {
+  for (const uint32_t tag : {0xA000000Cu, 0xA0000003u}) {
+    const std::vector<uint8_t> whole = MakeReparseData(tag, L"\\??\\C:\\x");
+    ASSERT_EQ(ToUtf8(ParseReparseTarget(whole).value_or(L"none")), "\\??\\C:\\x");
+    for (size_t size = 0; size < whole.size(); ++size) {
+      EXPECT_FALSE(ParseReparseTarget({whole.data(), size}).has_value()) << size;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,286 @@
+#include "tests/support/MemoryPathOperations.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr WideView kPlayer = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player";
+constexpr WideView kPlayerUpper = L"C:\\USERS\\A\\APPDATA\\ROAMING\\HALCYONICS\\LUMEN PLAYER";
+
+bool IsSlash(wchar_t unit) {
+  return unit == L'\\' || unit == L'/';
+}
+
+std::vector<WideString> Split(WideView path) {
+  std::vector<WideString> parts;
+  while (!path.empty()) {
+    const size_t end = std::min(path.find_first_of(L"\\/"), path.size());
+    if (end > 0) parts.emplace_back(path.substr(0, end));
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return parts;
+}
+
+bool IsDeviceName(WideView component) {
+  WideString name = MemoryPathOperations::Upper(component.substr(0, component.find_first_of(L".:")));
+  while (name.ends_with(L' ')) name.pop_back();
+  for (const WideView device : {L"NUL", L"CON", L"AUX", L"PRN"}) {
+    if (name == device) return true;
+  }
+  return name.size() == 4 && (name.starts_with(L"COM") || name.starts_with(L"LPT")) && name[3] >= L'1' &&
+         name[3] <= L'9';
+}
+
+// The root that no ".." climbs above, and what follows it.
+struct Rooted {
+  WideString root;
+  WideString rest;
+  bool device = false;
+};
+
+Rooted TakeRoot(WideView path) {
+  const bool doubled = path.size() >= 2 && IsSlash(path[0]) && IsSlash(path[1]);
+  if (doubled && path.size() >= 4 && (path[2] == L'?' || path[2] == L'.') && IsSlash(path[3])) {
+    return {WideString(L"\\\\") + path[2] + L"\\", WideString(path.substr(4)), true};
+  }
+  if (doubled) {
+    const std::vector<WideString> parts = Split(path.substr(2));
+    WideString root = L"\\\\" + (parts.empty() ? WideString() : parts[0]);
+    WideString rest;
+    for (size_t i = 1; i < parts.size(); ++i) (i == 1 ? root += L"\\" + parts[i] : rest += L"\\" + parts[i]);
+    return {root + (parts.size() > 1 ? L"\\" : L""), rest};
+  }
+  if (path.size() >= 2 && path[1] == L':') {
+    const WideString drive = WideString(path.substr(0, 2)) + L"\\";
+    if (path.size() >= 3 && IsSlash(path[2])) return {drive, WideString(path.substr(2))};
+    const bool current = ToUpperAscii(path[0]) == L'C';
+    return {drive, (current ? L"Windows\\System32\\" : L"") + WideString(path.substr(2))};
+  }
+  if (!path.empty() && IsSlash(path[0])) return {L"C:\\", WideString(path)};
+  return {L"C:\\", L"Windows\\System32\\" + WideString(path)};
+}
+
+}  // namespace
+
+std::vector<uint8_t> MakeReparseData(uint32_t tag, WideView substitute) {
+  std::vector<uint8_t> data;
+  const auto put16 = [&data](size_t value) {
+    data.push_back(static_cast<uint8_t>(value));
+    data.push_back(static_cast<uint8_t>(value >> 8));
+  };
+  const bool symbolic = tag == 0xA000000C;
+  put16(tag & 0xFFFF);
+  put16(tag >> 16);
+  put16(substitute.size() * 2 + (symbolic ? 12 : 8));
+  put16(0);
+  put16(0);
+  put16(substitute.size() * 2);
+  put16(substitute.size() * 2);
+  put16(0);
+  if (symbolic) data.insert(data.end(), 4, 0);
+  for (const wchar_t unit : substitute) put16(unit);
+  return data;
+}
+
+WideString MemoryPathOperations::Upper(WideView text) {
+  WideString upper(text);
+  std::transform(upper.begin(), upper.end(), upper.begin(), ToUpperAscii);
+  return upper;
+}
+
+MemoryPathOperations::MemoryPathOperations() {
+  folders = {{ShellFolder::RoamingAppData, L"C:\\Users\\A\\AppData\\Roaming"},
+             {ShellFolder::LocalAppData, L"C:\\Users\\A\\AppData\\Local"},
+             {ShellFolder::System, L"C:\\Windows\\System32"},
+             {ShellFolder::SystemX86, L"C:\\Windows\\SysWOW64"}};
+  const WideString player(kPlayer);
+  const WideString upper(kPlayerUpper);
+  for (const WideView below : {L"\\sub", L"\\#SharedObjects\\X", L"\\corva.example\\sub", L"\\corva.examples",
+                               L"\\corva.exampl", L"\\long directory"}) {
+    AddDirectory(player + WideString(below));
+  }
+  for (const WideView path :
+       {L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player\\Icon Cache",
+        L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\sub",
+        L"C:\\Users\\A\\AppData\\Local\\Halcyonics\\Lumen Player\\corva.example",
+        L"C:\\Users\\A\\AppData\\Local\\Corva\\Lumen Player", L"C:\\Windows\\System32\\Halcyons\\Lumen",
+        L"C:\\Windows\\SysWOW64\\Halcyons\\Lumen", L"C:\\Outside\\sub", L"C:\\Users\\A\\AppData\\Roaming\\Other"}) {
+    AddDirectory(path);
+  }
+  AddFile(L"C:\\Windows\\System32\\Halcyons\\Lumen\\hms.cfg");
+  shortNames = {{L"LUMENP~1", L"LUMEN PLAYER"},
+                {L"HALCYO~1", L"HALCYONICS"},
+                {L"LONGDI~1", L"LONG DIRECTORY"},
+                {L"CORVA~1.EXA", L"CORVA.EXAMPLE"}};
+
+  AddLink(player + L"\\link-out", L"\\??\\C:\\Outside");
+  AddLink(player + L"\\mount-out", L"\\??\\C:\\Outside", true);
+  AddLink(player + L"\\link-in", L"\\??\\" + player + L"\\sub");
+  AddLink(player + L"\\LINK-UP", L"\\??\\" + upper + L"\\SUB");
+  AddLink(player + L"\\mount-up", L"\\??\\" + upper + L"\\SUB", true);
+  AddLink(player + L"\\link-settings", L"\\??\\" + upper + L"\\CORVA.EXAMPLE");
+  AddLink(player + L"\\cycle-a", upper + L"\\CYCLE-B");
+  AddLink(player + L"\\cycle-b", upper + L"\\CYCLE-A");
+  AddLink(player + L"\\self", upper + L"\\SELF");
+  AddLink(player + L"\\link-share", L"\\??\\UNC\\server\\share");
+  AddLink(player + L"\\link-relative", L"..\\..\\Outside");
+  AddLink(player + L"\\link-token", upper + L"S");
+  AddLink(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\link-out", L"\\??\\C:\\Outside");
+  AddReparsePoint(player + L"\\broken", std::nullopt);
+  AddReparsePoint(player + L"\\other-tag", MakeReparseData(0x8000001B, L"\\??\\C:\\Outside"));
+  std::vector<uint8_t> hostile = MakeReparseData(0xA000000C, L"\\??\\C:\\Outside");
+  hostile[10] = 0xFE;
+  hostile[11] = 0xFF;  // a name longer than the data
+  AddReparsePoint(player + L"\\hostile", hostile);
+  AddReparsePoint(player + L"\\file-link.sol", MakeReparseData(0xA000000C, L"\\??\\C:\\Outside\\evil.sol"), true);
+  nodes[Upper(player + L"\\file-link.sol")].target = L"C:\\Outside\\evil.sol";
+
+  // k16 -> k15 -> ... -> k1 -> a directory inside; o16 -> ... -> o1 -> outside.
+  const auto number = [](int n) { return WidenAscii(std::to_string(n)); };
+  for (int n = 1; n <= 16; ++n) {
+    AddLink(player + L"\\k" + number(n), n == 1 ? upper + L"\\SUB" : upper + L"\\K" + number(n - 1));
+    AddLink(player + L"\\o" + number(n), n == 1 ? WideString(L"C:\\OUTSIDE") : upper + L"\\O" + number(n - 1));
+  }
+  AddLink(player + L"\\chain16", upper + L"\\K15");
+  AddLink(player + L"\\chain17", upper + L"\\K16");
+  AddLink(player + L"\\chain16out", upper + L"\\O15");
+  AddLink(player + L"\\chain17out", upper + L"\\O16");
+  AddLink(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\chain17out", upper + L"\\O16");
+}
+
+void MemoryPathOperations::AddDirectory(WideView path) {
+  const std::vector<WideString> parts = Split(path);
+  WideString key;
+  for (const WideString& part : parts) {
+    key += (key.empty() ? L"" : L"\\") + Upper(part);
+    nodes.try_emplace(key, Node{part, kAttributeDirectory, {}, {}});
+  }
+}
+
+void MemoryPathOperations::AddFile(WideView path) {
+  nodes[Upper(path)] = Node{Split(path).back(), 0x20, {}, {}};
+}
+
+void MemoryPathOperations::AddLink(WideView path, WideView target, bool mountPoint) {
+  AddReparsePoint(path, MakeReparseData(mountPoint ? 0xA0000003 : 0xA000000C, target));
+  nodes[Upper(path)].target = target.starts_with(L"\\??\\") ? target.substr(4) : target;
+}
+
+void MemoryPathOperations::AddReparsePoint(WideView path, std::optional<std::vector<uint8_t>> data, bool file) {
+  const uint32_t kind = file ? 0x20 : kAttributeDirectory;
+  nodes[Upper(path)] = Node{Split(path).back(), kind | kAttributeReparsePoint, {}, std::move(data)};
+}
+
+std::optional<WideString> MemoryPathOperations::FullPath(WideView path) {
+  while (!path.empty() && path.back() == L' ') path.remove_suffix(1);
+  if (path.empty()) return std::nullopt;
+  const Rooted rooted = TakeRoot(path);
+  std::vector<WideString> parts;
+  const std::vector<WideString> given = Split(rooted.rest);
+  for (size_t i = 0; i < given.size(); ++i) {
+    WideString part = given[i];
+    const bool last = i + 1 == given.size() && !IsSlash(rooted.rest.back());
+    if (part == L".") continue;
+    if (part == L"..") {
+      if (!parts.empty()) parts.pop_back();
+      continue;
+    }
+    if (!rooted.device && last && IsDeviceName(part)) return L"\\\\.\\" + part.substr(0, part.find_first_of(L".: "));
+    if (last) {
+      while (part.ends_with(L'.') || part.ends_with(L' ')) part.pop_back();
+    } else if (part.ends_with(L'.')) {
+      part.pop_back();
+    }
+    if (!part.empty()) parts.push_back(part);
+  }
+  WideString full = rooted.root;
+  for (size_t i = 0; i < parts.size(); ++i) full += (i == 0 ? L"" : L"\\") + parts[i];
+  // Dots and blanks at the end go last, also those of a component that became the last one by folding.
+  const bool slashed = !rooted.rest.empty() && IsSlash(rooted.rest.back());
+  while (!slashed && full.size() > rooted.root.size() && (full.ends_with(L'.') || full.ends_with(L' ')))
+    full.pop_back();
+  if (slashed && !full.ends_with(L'\\')) full += L'\\';
+  if (full.size() >= 1040) return std::nullopt;
+  return full;
+}
+
+std::optional<WideString> MemoryPathOperations::Locate(WideView path, bool followLast, int depth) const {
+  if (depth > 63) return std::nullopt;
+  const std::vector<WideString> parts = Split(path);
+  WideString key;
+  for (size_t i = 0; i < parts.size(); ++i) {
+    WideString part = Upper(parts[i]);
+    const auto shortName = shortNames.find(part);
+    if (shortName != shortNames.end()) part = shortName->second;
+    key += (key.empty() ? L"" : L"\\") + part;
+    const auto node = nodes.find(key);
+    const bool last = i + 1 == parts.size();
+    if (node == nodes.end()) return last && !followLast ? std::nullopt : std::optional<WideString>();
+    if (node->second.target.empty() || (last && !followLast)) continue;
+    WideString rest = node->second.target;
+    for (size_t j = i + 1; j < parts.size(); ++j) rest += L"\\" + parts[j];
+    return Locate(rest, followLast, depth + 1);
+  }
+  return key;
+}
+
+std::optional<uint32_t> MemoryPathOperations::Attributes(WideView path) {
+  if (path.size() >= 260) return std::nullopt;
+  const std::optional<WideString> key = Locate(path, false);
+  if (!key) return std::nullopt;
+  const auto node = nodes.find(*key);
+  if (node == nodes.end()) return std::nullopt;
+  return node->second.attributes;
+}
+
+std::optional<WideString> MemoryPathOperations::LongPath(WideView path) {
+  if (!Attributes(path)) return std::nullopt;
+  const std::vector<WideString> parts = Split(path);
+  WideString key;
+  WideString shown;
+  for (const WideString& part : parts) {
+    const auto shortName = shortNames.find(Upper(part));
+    key += (key.empty() ? L"" : L"\\") + (shortName == shortNames.end() ? Upper(part) : shortName->second);
+    const auto node = nodes.find(key);
+    shown += (shown.empty() ? L"" : L"\\") + (node == nodes.end() ? part : node->second.name);
+  }
+  if (path.ends_with(L'\\') && !shown.ends_with(L'\\')) shown += L'\\';
+  return shown;
+}
+
+std::optional<WideString> MemoryPathOperations::ObjectLinkTarget(WideView objectPath) {
+  const auto link = objectLinks.find(Upper(objectPath));
+  if (link == objectLinks.end()) return std::nullopt;
+  return link->second;
+}
+
+std::optional<std::vector<uint8_t>> MemoryPathOperations::ReadReparsePoint(WideView path) {
+  const std::optional<WideString> key = Locate(path, false);
+  const auto node = key ? nodes.find(*key) : nodes.end();
+  return node == nodes.end() ? std::nullopt : node->second.reparseData;
+}
+
+std::optional<WideString> MemoryPathOperations::Folder(ShellFolder folder) {
+  const auto path = folders.find(folder);
+  if (path == folders.end()) return std::nullopt;
+  return path->second;
+}
+
+std::optional<WideString> MemoryPathOperations::OpenForReal(WideView path) {
+  std::optional<WideString> full = FullPath(path);
+  if (full && full->starts_with(L"\\\\?\\")) full->erase(0, 4);
+  for (int links = 0; full && links <= 63; ++links) {
+    if (full->size() >= 260 || full->find_first_of(L"*?\"|<>") != WideString::npos) return std::nullopt;
+    const size_t slash = full->find_last_of(L'\\');
+    if (slash == WideString::npos) return std::nullopt;
+    const std::optional<WideString> directory = Locate(WideView(*full).substr(0, slash), true);
+    const auto parent = directory ? nodes.find(*directory) : nodes.end();
+    if (parent == nodes.end() || (parent->second.attributes & kAttributeDirectory) == 0) return std::nullopt;
+    const WideString key = *directory + L"\\" + Upper(WideView(*full).substr(slash + 1));
+    const auto file = nodes.find(key);
+    if (file == nodes.end() || file->second.target.empty()) return key;
+    full = file->second.target;
+  }
+  return std::nullopt;
+}
