@@ -182,8 +182,12 @@ HRESULT CoLumenBrokerServer::BrokerWriteFile(ULONG p_fileCookie, SAFEARRAY* p_da
   const SafeArrayBytes slice(p_data);
   if (!slice.IsOpen()) return slice.LockResult();
 
-  CookieFileSource source(pathOperations.Kernel(), handle, *record);
-  HRESULT outcome = SniffSlice(*record, slice.Bytes(), source);
+  HRESULT outcome = S_OK;
+  {
+    // Closes the file again before it may have to be deleted.
+    CookieFileSource source(pathOperations.Kernel(), handle, *record);
+    outcome = SniffSlice(*record, slice.Bytes(), source);
+  }
   if (record->executableSeen != 0) {
     DropExecutable(*record, handle);
     return E_FAIL;

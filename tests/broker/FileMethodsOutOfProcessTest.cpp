@@ -1,4 +1,5 @@
-// Every file method through the real server, on real files: what is allowed, beside what is refused and with which code.
+// Every file method through the real server, on real files: what is allowed, beside what is refused and with which
+// code.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,6 +18,13 @@ constexpr HRESULT kSharing = static_cast<HRESULT>(0x80070020);
 
 class FileMethods : public BrokerProcessTest {
  protected:
+  // One apartment for the whole suite: the shell's file operations and COM's own end do not go together under Wine.
+  static void SetUpTestSuite() {
+    BrokerProcessTest::SetUpTestSuite();
+    suiteApartment = new ComInitializer;
+  }
+  static void TearDownTestSuite() { delete suiteApartment; }
+
   [[nodiscard]] WideString In(const wchar_t* name) const { return directory.Path() + L"\\" + name; }
   HRESULT Create(const WideString& path, bool read, ULONG& cookie, bool truncate = true) {
     return broker->BrokerCreateFile(BString(WideView(path)).Get(), read ? 1 : 0, truncate ? 1 : 0, &cookie);
@@ -32,8 +40,10 @@ class FileMethods : public BrokerProcessTest {
     return FAILED(result) ? "(failed)" : data.Text().substr(0, read);
   }
 
+  static ComInitializer* suiteApartment;
   CleanDirectory directory{PlayerDirectory()};
 };
+ComInitializer* FileMethods::suiteApartment = nullptr;
 
 TEST_F(FileMethods, WriteSeekReadAndClose) {
   ULONG cookie = 0;
@@ -96,14 +106,17 @@ TEST_F(FileMethods, OpeningIsRefusedByTheRightCode) {
     ULONG cookie = 99;
     const HRESULT result = Create(row.path, row.read, cookie);
     EXPECT_EQ(result, row.result) << row.why;
-    if (SUCCEEDED(result)) EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
-    else EXPECT_EQ(cookie, 0u) << row.why;
+    if (SUCCEEDED(result))
+      EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
+    else
+      EXPECT_EQ(cookie, 0u) << row.why;
   }
 }
 
 TEST_F(FileMethods, AFileInUseIsReadWithTheWiderSharing) {
   WriteWhole(In(L"a.sol"), "x");
-  FileHandle writer(CreateFileW(In(L"a.sol").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  FileHandle writer(
+      CreateFileW(In(L"a.sol").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
   ASSERT_TRUE(writer);
   ULONG cookie = 0;
   EXPECT_EQ(Create(In(L"a.sol"), true, cookie), S_OK);
@@ -198,7 +211,8 @@ TEST_F(FileMethods, DeletingMovingAndDirectories) {
   WriteWhole(In(L"a.exe"), "x");
   EXPECT_EQ(broker->BrokerDeleteFile(name(In(L"a.exe")).Get()), S_OK) << "no ending counts for deleting";
   EXPECT_EQ(broker->BrokerDeleteFile(name(In(L"a.exe")).Get()), kNotFound);
-  EXPECT_EQ(broker->BrokerDeleteFile(name(L"C:\\windows\\win.ini").Get()), E_FAIL) << "a refusal is a plain failure here";
+  EXPECT_EQ(broker->BrokerDeleteFile(name(L"C:\\windows\\win.ini").Get()), E_FAIL)
+      << "a refusal is a plain failure here";
 }
 
 TEST_F(FileMethods, AttributesAndWritability) {
@@ -235,7 +249,8 @@ TEST_F(FileMethods, ListingGivesEachNameOnceAndThenTheEnd) {
   ASSERT_EQ(first(In(L"*.sol")), S_OK);
   std::string names = ToUtf8(name.View());
   HRESULT result = S_OK;
-  while (SUCCEEDED(result = broker->BrokerFindNextFile(cookie, name.Receive(), &attributes))) names += " " + ToUtf8(name.View());
+  while (SUCCEEDED(result = broker->BrokerFindNextFile(cookie, name.Receive(), &attributes)))
+    names += " " + ToUtf8(name.View());
   EXPECT_EQ(result, kNoMoreFiles);
   EXPECT_EQ(names, "one.sol two.sol");
   EXPECT_EQ(broker->BrokerFindClose(cookie), S_OK);
