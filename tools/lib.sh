@@ -37,5 +37,9 @@ build() {
   fi
 }
 
-# Makes the Wine prefix once, and starts its server so that later programs find it warm.
-ensure_prefix() { tools/wine-prefix; }
+# Makes the Wine prefix once, and starts its server anew: one that an interrupted run left behind may still know classes of
+# processes that are gone.
+ensure_prefix() {
+  [ ! -d "$WINEPREFIX" ] || /usr/lib/wine/wineserver64 -k >/dev/null 2>&1 || true
+  tools/wine-prefix
+}
