@@ -1,9 +1,6 @@
 // Every file method through the real server, on real files: what is allowed, beside what is refused and with which
 // code.
-#include <windows.h>
-
 #include <gtest/gtest.h>
-#include <tlhelp32.h>
 
 #include <string>
 
@@ -18,16 +15,6 @@ using namespace testing_files;  // NOLINT(google-build-using-namespace): a test'
 constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
 constexpr HRESULT kNoMoreFiles = static_cast<HRESULT>(0x80070012);
 constexpr HRESULT kSharing = static_cast<HRESULT>(0x80070020);
-
-// Sends the quit message that the last release would have sent.
-void QuitServer(HANDLE server) {
-  const KernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-  THREADENTRY32 entry = {};
-  entry.dwSize = sizeof(entry);
-  for (BOOL more = Thread32First(snapshot.Get(), &entry); more; more = Thread32Next(snapshot.Get(), &entry)) {
-    if (entry.th32OwnerProcessID == GetProcessId(server)) PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
-  }
-}
 
 class FileMethods : public BrokerProcessTest {
  protected:
@@ -297,39 +284,6 @@ TEST_F(FileMethods, TheLowTempDirectoryTakesAnyEnding) {
   EXPECT_EQ(Create(low.Path() + L"\\a.bin", false, cookie), S_OK);
   EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
   EXPECT_EQ(Create(WideString(temp) + L"a.bin", false, cookie), E_ACCESSDENIED);
-}
-
-TEST_F(FileMethods, TwoClientsHaveTablesOfTheirOwn) {
-  ComPtr<ILumenBroker6> other;
-  ASSERT_EQ(broker_process::Activate(other), S_OK);
-  ULONG mine = 0, theirs = 0;
-  ASSERT_EQ(Create(In(L"a.sol"), false, mine), S_OK);
-  ASSERT_EQ(other->BrokerCreateFile(BString(WideView(In(L"b.sol"))).Get(), 0, 1, &theirs), S_OK);
-  EXPECT_EQ(mine, 1u);
-  EXPECT_EQ(theirs, 1u);
-  EXPECT_EQ(other->BrokerCloseHandle(theirs), S_OK);
-  EXPECT_EQ(other->BrokerCloseHandle(mine), E_INVALIDARG);
-  EXPECT_EQ(Write(mine, "still mine"), S_OK);
-  EXPECT_EQ(broker->BrokerCloseHandle(mine), S_OK);
-  EXPECT_EQ(ReadWhole(In(L"a.sol")), "still mine");
-}
-
-TEST_F(FileMethods, AKilledClientLeavesTheServerServingOthers) {
-  {
-    broker_process::Client client(In(L"held.sol"));
-    ASSERT_TRUE(client.IsHolding());
-    ULONG cookie = 0;
-    EXPECT_EQ(Create(In(L"held.sol"), false, cookie), kSharing) << "the other client holds it";
-    client.Kill();
-  }
-  ULONG cookie = 0;
-  EXPECT_EQ(Create(In(L"other.sol"), false, cookie), S_OK);
-  EXPECT_EQ(Write(cookie, "served"), S_OK);
-  EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
-  EXPECT_EQ(ReadWhole(In(L"other.sol")), "served");
-  // The platform takes minutes to notice that a client died, and Wine never does. Ended in its own way, the server takes
-  // its class object back; ended by force it would leave that behind for every later activation.
-  QuitServer(server.Get());
 }
 
 }  // namespace

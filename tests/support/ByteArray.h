@@ -10,7 +10,8 @@
 
 class ByteArray {
  public:
-  explicit ByteArray(const std::string& bytes) : array_(SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()))) {
+  explicit ByteArray(const std::string& bytes)
+      : array_(SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()))) {
     void* data = nullptr;
     SafeArrayAccessData(array_, &data);
     if (!bytes.empty()) std::memcpy(data, bytes.data(), bytes.size());

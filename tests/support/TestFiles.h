@@ -19,9 +19,13 @@ inline WideString Folder(int csidl) {
   return path;
 }
 
-inline WideString PlayerDirectory() { return Folder(CSIDL_APPDATA) + L"\\Halcyonics\\Lumen Player"; }
+inline WideString PlayerDirectory() {
+  return Folder(CSIDL_APPDATA) + L"\\Halcyonics\\Lumen Player";
+}
 
-inline void MakeDirectories(const WideString& path) { SHCreateDirectoryExW(nullptr, path.c_str(), nullptr); }
+inline void MakeDirectories(const WideString& path) {
+  SHCreateDirectoryExW(nullptr, path.c_str(), nullptr);
+}
 
 inline void WriteWhole(const WideString& path, const std::string& content) {
   const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
@@ -30,8 +34,8 @@ inline void WriteWhole(const WideString& path, const std::string& content) {
 }
 
 inline std::string ReadWhole(const WideString& path) {
-  const FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr));
+  const FileHandle file(
+      CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
   if (!file) return "(no file)";
   std::string content(GetFileSize(file.Get(), nullptr), 0);
   DWORD read = 0;
@@ -39,7 +43,9 @@ inline std::string ReadWhole(const WideString& path) {
   return content;
 }
 
-inline bool Exists(const WideString& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+inline bool Exists(const WideString& path) {
+  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
 
 // Deletes a directory with all in it, now and at the end of the scope.
 class CleanDirectory {
