@@ -25,8 +25,11 @@ static_assert(std::size(kAllowedExtensions) == 25);
 // Below the user's data folders, where directories may be made.
 constexpr WideView kAllowedDirectorySuffixes[] = {L"\\HALCYONICS", L"\\CORVA"};
 
-bool Holds(WideView text, WideView part) {
-  return text.find(part) != WideView::npos;
+// One pass, since every check of every client comes through here.
+bool HoldsForbidden(WideView path) {
+  return std::any_of(path.begin(), path.end(), [](wchar_t unit) {
+    return unit == L'*' || unit == L'?' || unit == L'"' || unit == L'|' || unit == L'<' || unit == L'>' || unit == L'/';
+  });
 }
 
 bool IsDriveLetter(wchar_t unit) {
@@ -52,7 +55,14 @@ bool HasOnlyDriveColon(WideView path) {
 
 // No component may begin or end with a dot, also not with one that a later decoding would bring out.
 bool ObeysDotRules(WideView path) {
-  return !Holds(path, L"\\.") && !Holds(path, L".\\") && !Holds(path, L"\\%2E") && !Holds(path, L"%2E\\");
+  constexpr WideView kEncoded = L"%2E";
+  for (size_t slash = path.find(L'\\'); slash != WideView::npos; slash = path.find(L'\\', slash + 1)) {
+    const WideView before = path.substr(0, slash);
+    const WideView behind = path.substr(slash + 1);
+    if (before.ends_with(L'.') || behind.starts_with(L'.')) return false;
+    if (before.ends_with(kEncoded) || behind.starts_with(kEncoded)) return false;
+  }
+  return true;
 }
 
 WideString WithoutLastComponent(WideView path) {
@@ -83,12 +93,12 @@ std::optional<WideString> BrokerPathPolicy::SanitizePath(WideView path, bool upp
     if (settled) break;
   }
   if (!full) return std::nullopt;
-  const std::optional<WideString> upperCased = operations.UpperCase(*full);
+  std::optional<WideString> upperCased = operations.UpperCase(*full);
   if (!upperCased) return std::nullopt;
 
-  WideString result = upper ? *upperCased : *full;
+  WideString result = upper ? *upperCased : std::move(*full);
   DropVerbatimPrefix(result, *upperCased);
-  if (result.find_first_of(L"*?\"|<>/") != WideString::npos) return std::nullopt;
+  if (HoldsForbidden(result)) return std::nullopt;
   if (!HasOnlyDriveColon(result)) return std::nullopt;
   if (upper && !ObeysDotRules(result)) return std::nullopt;
   return result;

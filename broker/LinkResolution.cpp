@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "broker/BrokerPathPolicy.h"
-#include "broker/PathParts.h"
 #include "broker/ReparseData.h"
 
 namespace {
@@ -15,6 +14,12 @@ constexpr int kMostLinksOpened = 64;
 
 bool IsSlash(wchar_t unit) {
   return unit == L'\\' || unit == L'/';
+}
+
+size_t LastSlash(WideView path) {
+  size_t at = path.size();
+  while (at > 0 && !IsSlash(path[at - 1])) --at;
+  return at == 0 ? WideView::npos : at - 1;
 }
 
 WideString WithoutObjectPrefix(WideString target) {
@@ -32,9 +37,9 @@ bool BrokerPathPolicy::IsUncServerRoot(WideView path) {
 
 bool BrokerPathPolicy::ResolveOneLink(WideView path, std::optional<WideString>& targetOut) {
   targetOut.reset();
-  const std::optional<WideString> upper = operations.UpperCase(path);
-  if (!upper) return true;
-  if (upper->starts_with(kGlobalRoot)) path.remove_prefix(kGlobalRoot.size() - 1);
+  const std::optional<WideString> beginning = operations.UpperCase(path.substr(0, kGlobalRoot.size()));
+  if (!beginning) return true;
+  if (*beginning == kGlobalRoot) path.remove_prefix(kGlobalRoot.size() - 1);
   if (std::optional<WideString> target = operations.ObjectLinkTarget(path)) {
     targetOut = WithoutObjectPrefix(std::move(*target));
     return true;
@@ -42,13 +47,13 @@ bool BrokerPathPolicy::ResolveOneLink(WideView path, std::optional<WideString>& 
 
   // The file's own place first: nothing may be written through a link that stands there, and nothing need stand there.
   // Then each directory above it, of which every one must answer; only the topmost is asked for with its slash.
-  const size_t drive = SplitPath(path).drive.size();
+  const size_t drive = path.size() >= 2 && path[1] == L':' ? 2 : 0;
   for (size_t end = path.size();;) {
     const WideView place = path.substr(0, end);
     const std::optional<uint32_t> attributes = operations.Attributes(place);
     if (!attributes && end != path.size()) return IsUncServerRoot(place);
     if (attributes && (*attributes & kAttributeReparsePoint) != 0) return ReadLink(place, path.substr(end), targetOut);
-    const size_t slash = place.find_last_of(L"\\/");
+    const size_t slash = LastSlash(place);
     if (slash == WideView::npos || slash < drive) return true;
     const size_t above = slash == drive ? drive + 1 : slash;
     if (above >= end) return true;

@@ -110,6 +110,7 @@ function(lumen_fuzz name)
 endfunction()
 
 # lumen_bench(NAME SOURCE file LINK target...): built in the bench preset, run by tools/bench.
+add_custom_target(benchmarks)
 function(lumen_bench name)
   cmake_parse_arguments(B "" "" "SOURCE;LINK" ${ARGN})
   if(NOT LUMEN_BENCHMARKS)
@@ -118,4 +119,5 @@ function(lumen_bench name)
   add_executable(${name} ${B_SOURCE})
   target_link_libraries(${name} PRIVATE lumen_flags ${B_LINK})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/programs)
+  add_dependencies(benchmarks ${name})
 endfunction()

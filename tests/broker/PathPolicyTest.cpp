@@ -116,7 +116,7 @@ TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
     Subject subject(localAppData);
     for (int round = 0; round < 15000; ++round) {
       WideString path(pieces[random() % 4]);
-      for (unsigned n = random() % 7; n > 0; --n) path += pieces[random() % std::size(pieces)];
+      for (auto n = random() % 7; n > 0; --n) path += pieces[random() % std::size(pieces)];
       if (!subject.policy.IsWritableDataPath(path.c_str(), false, nullptr)) continue;
       ++accepted;
       const auto opened = subject.system.OpenForReal(path);
