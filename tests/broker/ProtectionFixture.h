@@ -1,0 +1,74 @@
+// The stand-ins of enterprise data protection, in place for a suite. See ProtectionTestMain.cpp for how they get there.
+#pragma once
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "broker/BrokerFileProtectionInfo.h"
+#include "broker/CoLumenBrokerServer.h"
+#include "broker/Task.h"
+#include "engine/ComSupport.h"
+#include "tests/fakes/FakeControls.h"
+#include "tests/support/TestFiles.h"
+
+// The controls of a stand-in that is loaded already, or can be.
+template <class Controls>
+Controls& ControlsOf(const wchar_t* library) {
+  const HMODULE module = LoadLibraryW(library);
+  using Get = Controls*();
+  return *reinterpret_cast<Get*>(reinterpret_cast<void*>(GetProcAddress(module, "GetControls")))();
+}
+
+// Makes this thread serve a call of a client, as COM does for the length of a real one.
+class ServedCall final : public IServerSecurity {
+ public:
+  ServedCall() { CoSwitchCallContext(this, &previous_); }
+  ~ServedCall() {
+    IUnknown* self = nullptr;
+    CoSwitchCallContext(previous_, &self);
+  }
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
+    *out = static_cast<IServerSecurity*>(this);
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+  ULONG STDMETHODCALLTYPE Release() override { return 1; }
+  HRESULT STDMETHODCALLTYPE QueryBlanket(DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**, DWORD*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE ImpersonateClient() override {
+    return ImpersonateSelf(SecurityImpersonation) ? S_OK : E_FAIL;
+  }
+  HRESULT STDMETHODCALLTYPE RevertToSelf() override { return ::RevertToSelf() ? S_OK : E_FAIL; }
+  BOOL STDMETHODCALLTYPE IsImpersonating() override { return FALSE; }
+
+ private:
+  IUnknown* previous_ = nullptr;
+};
+
+class ProtectionTest : public testing::Test {
+ protected:
+  ProtectionTest()
+      : srp(ControlsOf<SrpControls>(L"C:\\windows\\system32\\srpapi.dll")),
+        efs(ControlsOf<EfsControls>(L"C:\\windows\\system32\\efswrt.dll")),
+        data(ControlsOf<EnterpriseControls>(L"C:\\windows\\system32\\lumenfake.dll")) {
+    srp = {};
+    efs = {};
+    data = {};
+    testing_files::WriteWhole(path, "content");
+  }
+  ~ProtectionTest() override { StopTask(); }
+
+  // A broker object whose server has the identities set so far.
+  static ComPtr<ILumenBroker6> NewBroker() { return Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr)); }
+
+  ComInitializer apartment;
+  SrpControls& srp;
+  EfsControls& efs;
+  EnterpriseControls& data;
+  testing_files::CleanDirectory directory{testing_files::PlayerDirectory()};
+  WideString path = directory.Path() + L"\\a.sol";
+};

@@ -1,0 +1,193 @@
+// What a client's identity decides in opening, the audited open, and the marks of the internet.
+#include "tests/broker/ProtectionFixture.h"
+
+#include "broker/ZoneMarks.h"
+#include "tests/fakes/ShellFakes.h"
+
+namespace {
+
+using Step = EnterpriseControls::Step;
+using shell_fakes::g_record;
+
+class ProtectedFiles : public ProtectionTest {
+ protected:
+  ProtectedFiles() {
+    srp.mode = SrpControls::Normal;
+    data.identity = L"contoso.example";
+  }
+  // Opens as a client with these identities, on a server with those.
+  HRESULT Open(const wchar_t* client, const wchar_t* server, bool read, const WideString& file) {
+    srp.serverIds[0] = server;
+    srp.clientIds[0] = client;
+    const ComPtr<ILumenBroker6> broker = NewBroker();
+    const ServedCall call;
+    ULONG cookie = 0;
+    const HRESULT result = broker->BrokerCreateFile(BString(WideView(file)).Get(), read ? 1 : 0, 0, &cookie);
+    if (SUCCEEDED(result)) EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
+    return result;
+  }
+};
+
+TEST_F(ProtectedFiles, ReadingByIdentity) {
+  const struct {
+    const char* why;
+    const wchar_t* client;
+    const wchar_t* server;
+    int status;
+    const wchar_t* owner;
+    HRESULT result;
+  } rows[] = {
+      {"nobody has an identity", nullptr, nullptr, 3, L"contoso.example", S_OK},
+      {"the client has the file's", L"contoso.example", nullptr, 3, L"contoso.example", S_OK},
+      {"it has another", L"other.example", nullptr, 3, L"contoso.example", E_ACCESSDENIED},
+      {"case counts", L"Contoso.example", nullptr, 3, L"contoso.example", E_ACCESSDENIED},
+      {"the file is not protected", L"other.example", nullptr, 1, L"", S_OK},
+      {"it is, without an identity", L"other.example", nullptr, 3, L"", S_OK},
+      {"only the server has one, and the file is protected", nullptr, L"contoso.example", 3, L"contoso.example",
+       E_ACCESSDENIED},
+      {"only the server has one", nullptr, L"contoso.example", 1, L"", S_OK},
+  };
+  for (const auto& row : rows) {
+    data.status = row.status;
+    data.identity = row.owner;
+    EXPECT_EQ(Open(row.client, row.server, true, path), row.result) << row.why;
+  }
+}
+
+TEST_F(ProtectedFiles, ANewSharedObjectIsProtectedToItsClientBeforeItIsOpened) {
+  testing_files::MakeDirectories(directory.Path() + L"\\#SharedObjects");
+  const WideString shared = directory.Path() + L"\\#SharedObjects\\b.sol";
+  EXPECT_EQ(Open(L"client.example", L"server.example", false, shared), S_OK);
+  EXPECT_EQ(efs.calls, 1);
+  EXPECT_EQ(ToUtf8(efs.identity), "client.example");
+  EXPECT_EQ(Open(L"client.example", L"server.example", false, shared), S_OK);
+  EXPECT_EQ(efs.calls, 1) << "one that is there stays as it is";
+  EXPECT_EQ(Open(L"client.example", L"server.example", false, directory.Path() + L"\\c.sol"), S_OK);
+  EXPECT_EQ(Open(nullptr, L"server.example", false, directory.Path() + L"\\#SharedObjects\\d.sol"), S_OK);
+  EXPECT_EQ(Open(L"client.example", nullptr, false, directory.Path() + L"\\#SharedObjects\\e.sol"), S_OK);
+  EXPECT_EQ(efs.calls, 1) << "not elsewhere, nor without either identity";
+  efs.result = E_UNEXPECTED;
+  EXPECT_EQ(Open(L"client.example", L"server.example", false, directory.Path() + L"\\#SharedObjects\\f.sol"),
+            E_UNEXPECTED);
+}
+
+struct AuditRow {
+  const char* why;
+  const wchar_t* server;
+  int status;
+  const wchar_t* owner;
+  bool trustedWindow;
+  Step fails;
+  int evaluation;
+  HRESULT result;
+};
+
+TEST_F(ProtectedFiles, TheAuditedOpenNeedsEveryStep) {
+  const AuditRow rows[] = {
+      {"consent", L"contoso.example", 3, L"contoso.example", true, Step::None, 0, S_OK},
+      {"blocked", L"contoso.example", 3, L"contoso.example", true, Step::None, 1, E_ACCESSDENIED},
+      {"still to be asked", L"contoso.example", 3, L"contoso.example", true, Step::None, 2, E_ACCESSDENIED},
+      {"no identity of the server's", nullptr, 3, L"contoso.example", true, Step::None, 0, E_ACCESSDENIED},
+      {"another's file", L"other.example", 3, L"contoso.example", true, Step::None, 0, E_ACCESSDENIED},
+      {"protected without an identity", L"contoso.example", 3, L"", true, Step::None, 0, E_ACCESSDENIED},
+      {"a window of nobody's", L"contoso.example", 3, L"contoso.example", false, Step::None, 0, E_ACCESSDENIED},
+      {"no audit entry", L"contoso.example", 3, L"contoso.example", true, Step::AuditCreate, 0, E_ACCESSDENIED},
+      {"no audit class", L"contoso.example", 3, L"contoso.example", true, Step::AuditFactory, 0, E_ACCESSDENIED},
+      {"no policy manager", L"contoso.example", 3, L"contoso.example", true, Step::PolicyFactory, 0, E_ACCESSDENIED},
+      {"the request fails", L"contoso.example", 3, L"contoso.example", true, Step::RequestStart, 0, E_ACCESSDENIED},
+      {"its handler is refused", L"contoso.example", 3, L"contoso.example", true, Step::RequestHandler, 0,
+       E_ACCESSDENIED},
+      {"it ends in an error", L"contoso.example", 3, L"contoso.example", true, Step::RequestState, 0, E_ACCESSDENIED},
+      {"it has no result", L"contoso.example", 3, L"contoso.example", true, Step::RequestResults, 0, E_ACCESSDENIED},
+  };
+  // A message window belongs to this very program, which the fixture's child was started as from a program folder or
+  // not.
+  const HWND own = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  const auto trusted = static_cast<ULONG>(reinterpret_cast<uintptr_t>(own));
+  for (const AuditRow& row : rows) {
+    for (const bool elsewhere : {false, true}) {
+      data = {};
+      data.status = row.status;
+      data.identity = row.owner;
+      data.fails = row.fails;
+      data.evaluation = row.evaluation;
+      data.onAnotherThread = elsewhere;
+      srp.serverIds[0] = row.server;
+      // A client without an identity may not read it plainly while the server has one; one with another may not at all.
+      srp.clientIds[0] = L"client.example";
+      const ComPtr<ILumenBroker6> broker = NewBroker();
+      const ServedCall call;
+      ULONG cookie = 0;
+      const ULONG window = row.trustedWindow ? trusted : 0;
+      // Protection without an identity is passed over by the plain open, so that row opens there.
+      const bool plain = row.owner[0] == 0;
+      EXPECT_EQ(broker->BrokerOpenFileWithAuditingInfo(BString(WideView(path)).Get(), BString(L"https://remote/").Get(),
+                                                       window, &cookie),
+                plain ? S_OK : row.result)
+          << row.why;
+      if (row.result == S_OK) {
+        EXPECT_EQ(ToUtf8(data.source) + " " + ToUtf8(data.target), "contoso.example client.example");
+        EXPECT_EQ(ToUtf8(data.auditData) + " " + ToUtf8(data.auditTarget), "a.sol https://remote/");
+      }
+      if (cookie != 0) EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
+    }
+  }
+}
+
+class Marks : public ProtectionTest {
+ protected:
+  Marks() { g_record = {}; }
+  HRESULT MarkUnsafe(BSTR file, const wchar_t* source, const wchar_t* referrer) {
+    return NewBroker()->BrokerMarkFileUnsafe(file, BString(source).Get(), BString(referrer).Get());
+  }
+  shell_fakes::Registered<shell_fakes::Zone> zones{shell_fakes::kZoneClass};
+  shell_fakes::Registered<shell_fakes::Attachment> attachments{__uuidof(AttachmentServices)};
+};
+
+using Calls = std::vector<std::string>;
+
+TEST_F(Marks, AFileWithoutAMarkGetsOne) {
+  LumenBrokerZoneIdentifier::Mark(L"C:\\a");
+  LumenBrokerAttachmentExecute::Mark(L"C:\\x\\..\\a");
+  EXPECT_EQ(g_record.calls,
+            (Calls{"SetId 3", "ZoneSave C:\\a remember", "SetLocalPath C:\\a", "SetSource http://", "Save"}));
+}
+
+TEST_F(Marks, AMarkThatIsThereStays) {
+  g_record.loads = S_OK;
+  g_record.zone = 4;
+  LumenBrokerZoneIdentifier::Mark(L"C:\\a");
+  LumenBrokerAttachmentExecute::Mark(L"C:\\a");
+  EXPECT_EQ(g_record.calls, Calls{});
+  g_record.zone = 0;
+  LumenBrokerZoneIdentifier::Mark(L"C:\\a");
+  EXPECT_EQ(g_record.calls.size(), 2u) << "a mark of zone 0 is none";
+}
+
+TEST_F(Marks, MarkingUnsafeTellsWhatItKnowsInOrder) {
+  const BString file(L"C:\\a");
+  EXPECT_EQ(MarkUnsafe(file.Get(), L"http://s", L"http://r"), S_OK);
+  EXPECT_EQ(g_record.calls, (Calls{"SetLocalPath C:\\a", "SetReferrer http://r", "SetSource http://s", "Save"}));
+  g_record.calls.clear();
+  EXPECT_EQ(MarkUnsafe(file.Get(), L"", nullptr), S_OK);
+  EXPECT_EQ(g_record.calls, (Calls{"SetLocalPath C:\\a", "Save"}));
+  EXPECT_EQ(MarkUnsafe(nullptr, L"", L""), E_INVALIDARG);
+  for (const char* const failing : {"SetLocalPath", "SetReferrer", "SetSource", "Save"}) {
+    g_record.failing = failing;
+    EXPECT_EQ(MarkUnsafe(file.Get(), L"http://s", L"http://r"), E_UNEXPECTED) << failing;
+  }
+}
+
+TEST_F(Marks, WritingMarksAFileAndReadingDoesNot) {
+  const ComPtr<ILumenBroker6> broker = NewBroker();
+  ULONG cookie = 0;
+  const BString file{WideView(path)};
+  ASSERT_EQ(broker->BrokerCreateFile(file.Get(), 1, 0, &cookie), S_OK);
+  EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
+  EXPECT_EQ(g_record.calls, Calls{});
+  ASSERT_EQ(broker->BrokerCreateFile(file.Get(), 0, 0, &cookie), S_OK);
+  EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
+  EXPECT_EQ(g_record.calls, (Calls{"SetId 3", "ZoneSave " + ToUtf8(path) + " remember"}));
+}
+
+}  // namespace
