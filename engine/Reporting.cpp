@@ -1,14 +1,5 @@
 #include "engine/Reporting.h"
 
-#ifdef _WIN32
-#include "engine/HostCallbacks.h"
-
-void Report(HostCallbacks* host, Severity severity, ReportCode code, const MString& text) {
-  if (host == nullptr) return;
-  host->ReportMessage(0, static_cast<uint32_t>(severity), static_cast<uint32_t>(code), text);
-}
-#endif
-
 MString PathAndError(const MString& path, uint32_t error, ErrorRadix radix) {
   MString text = path;
   text.Append(MString(L" "));

@@ -1,0 +1,133 @@
+// The path policy on the real file system: what its own corpus says in memory, said again by real folders, links and
+// names.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <winternl.h>
+
+#include <random>
+
+#include "broker/BrokerPathPolicy.h"
+#include "broker/Win32PathOperations.h"
+#include "tests/support/TestFiles.h"
+
+namespace {
+
+using namespace testing_files;  // NOLINT(google-build-using-namespace): a test's own vocabulary
+
+// Runs a program of the machine under Wine, which is how the prefix gets real links.
+void RunOutside(const WideString& arguments) {
+  WideString command = L"start.exe /wait /unix " + arguments;
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof(startup);
+  PROCESS_INFORMATION child = {};
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child)) return;
+  const KernelHandle process(child.hProcess);
+  const KernelHandle thread(child.hThread);
+  WaitForSingleObject(process.Get(), 20000);
+}
+
+// Where the prefix's drive lies outside.
+WideString OutsidePath(const WideString& path) {
+  using Convert = char* CDECL(const WCHAR*);
+  auto* const convert = reinterpret_cast<Convert*>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+  char* const outside = convert(path.c_str());
+  const WideString wide = FromUtf8(outside);
+  HeapFree(GetProcessHeap(), 0, outside);
+  return wide;
+}
+
+class RealPaths : public testing::Test {
+ protected:
+  [[nodiscard]] bool Writable(const WideString& path, bool extension = true) {
+    return policy.IsWritableDataPath(path.c_str(), extension, nullptr);
+  }
+
+  CleanDirectory player{PlayerDirectory()};
+  CleanDirectory outside{L"C:\\lumen-test-outside"};
+  Win32PathOperations platform;
+  BrokerPathPolicy policy{platform, true};
+};
+
+TEST_F(RealPaths, RootsEndingsDotsAndStreams) {
+  MakeDirectories(player.Path() + L"\\sub");
+  MakeDirectories(player.Path() + L"\\corva.example");
+  const struct {
+    const wchar_t* below;
+    bool writable;
+  } rows[] = {{L"\\a.sol", true},          {L"\\sub\\..\\a.sol", true}, {L"/sub/a.sol", true},
+              {L"\\a.exe", false},         {L"\\a.sol:b.sol", false},   {L"\\..\\a.sol", false},
+              {L"\\none\\a.sol", false},   {L"\\.a.sol", false},        {L"\\corva.example\\a.sol", false},
+              {L"\\nul", false},           {L"\\aux.txt", false},       {L"s\\a.sol", false},
+              {L"\\%2E%2E\\a.sol", false}, {L"\\a.sol.", true},         {L"\\a*.sol", false}};
+  for (const auto& row : rows) EXPECT_EQ(Writable(player.Path() + row.below), row.writable) << ToUtf8(row.below);
+  EXPECT_TRUE(Writable(L"\\\\?\\" + player.Path() + L"\\a.sol"));
+  EXPECT_FALSE(Writable(L"\\\\.\\" + player.Path() + L"\\a.sol"));
+  EXPECT_FALSE(Writable(outside.Path() + L"\\a.sol", false));
+}
+
+TEST_F(RealPaths, ALinkedDirectoryIsRefusedSinceItsDataCannotBeRead) {
+  RunOutside(L"/bin/ln -s \"" + OutsidePath(outside.Path()) + L"\" \"" + OutsidePath(player.Path()) + L"/link\"");
+  ASSERT_NE(GetFileAttributesW((player.Path() + L"\\link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
+  ASSERT_TRUE(Exists(player.Path() + L"\\link"));
+  EXPECT_FALSE(Writable(player.Path() + L"\\link\\a.sol"));
+  EXPECT_FALSE(Writable(player.Path() + L"\\link\\none\\a.sol"));
+  EXPECT_TRUE(Writable(player.Path() + L"\\a.sol"));
+  RunOutside(L"/bin/rm \"" + OutsidePath(player.Path()) + L"/link\"");
+}
+
+TEST_F(RealPaths, AShortNameDoesNotSlipPastARoot) {
+  const WideString longer = player.Path() + L"\\a long directory name";
+  MakeDirectories(longer);
+  wchar_t shorter[MAX_PATH] = {};
+  ASSERT_NE(GetShortPathNameW(longer.c_str(), shorter, MAX_PATH), 0u);
+  ASSERT_NE(WideView(shorter), WideView(longer));
+  EXPECT_TRUE(Writable(longer + L"\\a.sol"));
+  EXPECT_FALSE(Writable(WideString(shorter) + L"\\a.sol"));
+}
+
+TEST_F(RealPaths, AnObjectManagerLinkIsReadAndFollowed) {
+  using CreateLink = NTSTATUS WINAPI(HANDLE*, ACCESS_MASK, OBJECT_ATTRIBUTES*, UNICODE_STRING*);
+  auto* const create = reinterpret_cast<CreateLink*>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtCreateSymbolicLinkObject")));
+  wchar_t name[] = L"\\??\\LumenTestLink";
+  wchar_t target[] = L"\\??\\C:\\lumen-test-outside";
+  UNICODE_STRING nameText = {sizeof(name) - 2, sizeof(name), name};
+  UNICODE_STRING targetText = {sizeof(target) - 2, sizeof(target), target};
+  OBJECT_ATTRIBUTES attributes = {};
+  attributes.Length = sizeof(attributes);
+  attributes.ObjectName = &nameText;
+  attributes.Attributes = 0x40;
+  KernelHandle link;
+  ASSERT_GE(create(link.Receive(), 0xF0001, &attributes, &targetText), 0);
+  std::optional<WideString> found;
+  EXPECT_TRUE(policy.ResolveOneLink(L"\\\\?\\GLOBALROOT\\??\\lumentestlink", found));
+  EXPECT_EQ(ToUtf8(found.value_or(L"none")), "C:\\lumen-test-outside");
+}
+
+// What is accepted is opened, and the platform is asked where it really is.
+TEST_F(RealPaths, WhateverIsAcceptedOpensUnderARoot) {
+  MakeDirectories(player.Path() + L"\\sub");
+  const WideView pieces[] = {L"\\..",  L"\\.",     L"/",       L"\\sub", L"...",
+                             L" ",     L"\\a.sol", L".sol",    L":s",    L"\\Lumen Player",
+                             L"\\nul", L"%2E",     L"\\a.exe", L"x",     L"\\\\?\\"};
+  std::mt19937 random(7);
+  int opened = 0;
+  for (int round = 0; round < 3000; ++round) {
+    WideString path = player.Path();
+    for (auto n = random() % 5; n > 0; --n) path += pieces[random() % std::size(pieces)];
+    if (!Writable(path)) continue;
+    const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr));
+    if (!file) continue;
+    ++opened;
+    wchar_t final[1040] = {};
+    GetFinalPathNameByHandleW(file.Get(), final, static_cast<DWORD>(std::size(final)), FILE_NAME_NORMALIZED);
+    const WideString upper = *platform.UpperCase(final);
+    EXPECT_TRUE(upper.starts_with(L"\\\\?\\" + *platform.UpperCase(player.Path()) + L"\\"))
+        << ToUtf8(path) << " -> " << ToUtf8(upper);
+  }
+  EXPECT_GT(opened, 20);
+}
+
+}  // namespace
