@@ -34,6 +34,7 @@ CoLumenBrokerServer::CoLumenBrokerServer(HostCallbacks* hostCallbacks)
 // Files and searches that the client left open stay open until the process ends: closing them would be a guess at what
 // their cookies stand for.
 CoLumenBrokerServer::~CoLumenBrokerServer() {
+  lcdAccessor.reset();
   if (Factory* const factory = CurrentFactory()) factory->CountObject(-1);
   cookies.FreeAll();
   fontLink.Reset();

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "broker/CookieTable.h"
 #include "broker/EnterpriseIdentityList.h"
 #include "broker/Win32PathOperations.h"
+#include "connections/ILcdAccessor.h"
 #include "engine/ComSupport.h"
 #include "engine/DllHelpers.h"
 #include "engine/Handles.h"
@@ -214,11 +216,14 @@ class CoLumenBrokerServer final : public ILumenBroker6 {
   // a record may come with no handle.
   [[nodiscard]] BrokerCookieRecord* ResolveFileHandle(uint32_t cookie, HANDLE& handle, bool noDeferredOpen);
   void DropExecutable(BrokerCookieRecord& record, HANDLE handle);
+  // The connection directory, opened at the first call; null without memory.
+  [[nodiscard]] ILcdAccessor* Directory();
   [[nodiscard]] MMNotificationClient* FindNotificationClient(LONG_PTR cookie) const;
 
   std::atomic<int32_t> refCount{1};
   ComPtr<ITypeInfo> typeInfo;  // null when the type library could not be loaded
   Advapi32DllHelper advapi32;
+  std::unique_ptr<ILcdAccessor> lcdAccessor;  // null until the first BrokerLcd call
   Win32PathOperations pathOperations;
   BrokerPathPolicy policy;
   CookieTable cookies;

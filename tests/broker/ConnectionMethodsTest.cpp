@@ -1,0 +1,80 @@
+// The directory through the broker: two objects find one another and pass a message, and every code of the family.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/BrokerProcess.h"
+#include "tests/support/ByteArray.h"
+
+namespace {
+
+class ConnectionMethods : public BrokerProcessTest {
+ protected:
+  HRESULT Dispatch(const std::string& bytes, ULONG version = 8, ULONG format = 1) {
+    return broker->BrokerLcdDispatchMessage(ByteArray(bytes).Get(), version, format, 0);
+  }
+  const BString name{L"player-\x00E9"};
+  const std::string message{"\x02\0\x09player-\xC3\xA9 hello", 18};
+};
+
+TEST_F(ConnectionMethods, TwoPlayersPassAMessage) {
+  ComPtr<ILumenBroker6> other;
+  ASSERT_EQ(broker_process::Activate(other), S_OK);
+  BString target;
+  EXPECT_EQ(Dispatch(message), E_INVALIDARG) << "nobody listens";
+  EXPECT_EQ(other->BrokerLcdTryAddConnection(name.Get(), 0, 0, '3'), S_OK);
+  EXPECT_EQ(broker->BrokerLcdTryAddConnection(name.Get(), 2, 2, '3'), S_FALSE) << "the name is taken";
+  LONG format = 0;
+  EXPECT_EQ(broker->BrokerLcdFindConnectionFormat(name.Get(), 0, &format), S_OK);
+  EXPECT_EQ(format, 3);
+  EXPECT_EQ(broker->BrokerLcdFindConnectionFormat(name.Get(), 1, &format), S_FALSE);
+  EXPECT_EQ(format, 0);
+
+  EXPECT_EQ(other->BrokerLcdGetMessageTarget(target.Receive()), S_FALSE);
+  EXPECT_EQ(Dispatch(message, 11, 3), S_OK);
+  EXPECT_EQ(Dispatch(message, 11, 3), S_FALSE) << "the slot is taken";
+  EXPECT_EQ(other->BrokerLcdGetMessageTarget(target.Receive()), S_OK);
+  EXPECT_EQ(target.View(), name.View());
+  ByteArray data(nullptr);
+  EXPECT_EQ(other->BrokerLcdGetMessageData(data.Receive()), S_OK);
+  EXPECT_EQ(data.Text(), message);
+  EXPECT_EQ(other->BrokerLcdPruneDeadMessage(), S_FALSE);
+  EXPECT_EQ(other->BrokerLcdClearMessage(), S_OK);
+  ByteArray none(nullptr);
+  EXPECT_EQ(other->BrokerLcdGetMessageData(none.Receive()), S_FALSE);
+  EXPECT_EQ(Dispatch(message, 11, 9), E_INVALIDARG) << "another format";
+  EXPECT_EQ(other->BrokerLcdRemoveConnection(name.Get(), 0), S_OK);
+  EXPECT_EQ(other->BrokerLcdRemoveConnection(name.Get(), 0), S_FALSE);
+}
+
+TEST_F(ConnectionMethods, TheLockNestsAndKeepsItsTime) {
+  LONG count = 0, time = 0, again = 0, timeout = 0;
+  EXPECT_EQ(broker->BrokerLcdLock(&count), S_OK);
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(broker->BrokerLcdLockTime(&time), S_OK);
+  EXPECT_EQ(broker->BrokerLcdLock(&count), S_OK);
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(broker->BrokerLcdLockTime(&again), S_OK);
+  EXPECT_EQ(again, time);
+  EXPECT_EQ(broker->BrokerLcdUnlock(&count), S_OK);
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(broker->BrokerLcdUnlock(&count), S_OK);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(broker->BrokerLcdMessageTimeout(&timeout), S_OK);
+  EXPECT_EQ(timeout, 5000);
+}
+
+TEST_F(ConnectionMethods, MessagesThatAreNone) {
+  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}};
+  SAFEARRAYBOUND fromOne = {4, 1};
+  EXPECT_EQ(broker->BrokerLcdDispatchMessage(nullptr, 8, 1, 0), E_FAIL);
+  EXPECT_EQ(broker->BrokerLcdDispatchMessage(ByteArray(SafeArrayCreate(VT_UI1, 2, two)).Get(), 8, 1, 0), E_FAIL);
+  EXPECT_EQ(broker->BrokerLcdDispatchMessage(ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)).Get(), 8, 1, 0), E_FAIL);
+  EXPECT_EQ(Dispatch(std::string(40961, 'x')), E_FAIL);
+  EXPECT_EQ(Dispatch(std::string(40960, 'x')), S_OK);
+  EXPECT_EQ(broker->BrokerLcdClearMessage(), S_OK);
+  EXPECT_EQ(broker->BrokerLcdTryAddConnection(BString(L"a").Get(), 0, 0, 1), S_OK);
+  EXPECT_EQ(broker->BrokerLcdRemoveConnection(BString(L"a").Get(), 0), S_OK);
+}
+
+}  // namespace

@@ -1,0 +1,328 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/connections/MemoryLcdAccessor.h"
+
+namespace {
+
+class Directory : public testing::Test {
+ protected:
+  ~Directory() override {
+    EXPECT_EQ(accessor.holds, 0) << "every operation gives back what it took";
+    EXPECT_TRUE(accessor.GuardsAreWhole());
+  }
+  void PutList(const std::string& bytes) { std::memcpy(accessor.List(), bytes.data(), bytes.size()); }
+  LcdDispatch Send(const std::vector<uint8_t>& message, int32_t version = 8, int32_t format = 1, uint32_t realm = 0) {
+    return accessor.DispatchMessage(message.data(), static_cast<int32_t>(message.size()), version, format, realm);
+  }
+  std::string Target(size_t size = 1024) {
+    std::vector<char> buffer(size + 1, '#');
+    if (!accessor.GetMessageTarget(buffer.data(), size)) return "(none)";
+    EXPECT_EQ(buffer[size], '#');
+    return buffer.data();
+  }
+
+  MemoryLcdAccessor accessor;
+};
+
+TEST_F(Directory, AnEntryIsWrittenByteForByte) {
+  ASSERT_TRUE(accessor.TryAddConnection("name", 0, 2, 0x132));
+  const std::string expected("name\0::\x32\0::3\0", 13);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(accessor.List()), 14), expected + '\0');
+  EXPECT_EQ(accessor.FindConnectionFormat("name", 0), 2);
+  ASSERT_TRUE(accessor.TryAddConnection("plain", 0, 0, 2));
+  EXPECT_EQ(accessor.FindConnectionFormat("plain", 0), -46) << "a plain number is stored as it stands";
+}
+
+TEST_F(Directory, RealmsFormTwoFamilies) {
+  for (uint32_t entry = 0; entry <= 4; ++entry) {
+    for (uint32_t sought = 0; sought <= 4; ++sought) {
+      MemoryLcdAccessor fresh;
+      ASSERT_TRUE(fresh.TryAddConnection("a", 3, entry, '1'));
+      const bool hidden = (sought == 1 && (entry == 0 || entry == 2)) || (entry == 1 && (sought == 0 || sought == 2));
+      EXPECT_EQ(fresh.FindConnectionFormat("a", sought) != 0, !hidden) << entry << " sought in " << sought;
+    }
+  }
+}
+
+TEST_F(Directory, OneNameInBothFamiliesIsTwoEntriesThatGoOneByOne) {
+  ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '1'));
+  EXPECT_FALSE(accessor.TryAddConnection("a", 2, 2, '1'));
+  ASSERT_TRUE(accessor.TryAddConnection("a", 1, 1, '1'));
+  EXPECT_TRUE(accessor.RemoveConnection("a", 3));
+  EXPECT_EQ(accessor.FindConnectionFormat("a", 0), 0) << "the first is gone";
+  EXPECT_TRUE(accessor.RemoveConnection("a", 3));
+  EXPECT_FALSE(accessor.RemoveConnection("a", 3));
+  EXPECT_EQ(*accessor.List(), 0);
+}
+
+TEST_F(Directory, EntriesOfOtherWritersNeedNoSuffixes) {
+  PutList(std::string("bare\0fmt\0::5\0both\0::4\0::2\0half\0:x\0last\0\0", 40));
+  EXPECT_EQ(accessor.FindConnectionFormat("bare", 1), 1);
+  EXPECT_EQ(accessor.FindConnectionFormat("fmt", 1), 5);
+  EXPECT_EQ(accessor.FindConnectionFormat("both", 1), 4);
+  EXPECT_EQ(accessor.FindConnectionFormat("both", 0), 0);
+  EXPECT_EQ(accessor.FindConnectionFormat("half", 0), 1);
+  EXPECT_TRUE(accessor.RemoveConnection("half", 0));
+  EXPECT_EQ(accessor.FindConnectionFormat(":x", 0), 1) << "a lone colon is no suffix and stays";
+  EXPECT_TRUE(accessor.RemoveConnection("fmt", 0));
+  EXPECT_TRUE(accessor.RemoveConnection("bare", 0));
+  EXPECT_EQ(accessor.FindConnectionFormat("both", 1), 4);
+  EXPECT_EQ(accessor.FindConnectionFormat("::4", 1), 2) << "suffixes are walked as strings";
+}
+
+TEST_F(Directory, AnEmptyNameIsNeverFoundAndAddsNothing) {
+  ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '1'));
+  EXPECT_EQ(accessor.FindConnectionFormat("", 0), 0);
+  EXPECT_TRUE(accessor.TryAddConnection("", 0, 0, '1'));
+  EXPECT_FALSE(accessor.RemoveConnection("", 0));
+  EXPECT_TRUE(accessor.TryAddConnection("b", 0, 0, '1'));
+  EXPECT_EQ(accessor.FindConnectionFormat("b", 0), 1);
+}
+
+TEST_F(Directory, TheLastEntryMayRunFiveBytesPastTheList) {
+  // One filler whose terminator leaves exactly `room` for name and suffixes by the bound.
+  for (const size_t over : {0u, 1u}) {
+    MemoryLcdAccessor fresh;
+    const std::string name(100, 'n');
+    const size_t offset = LcdSegment::kListBytes - name.size() - 5 + over;
+    std::memset(fresh.List(), 'f', offset - 1);
+    fresh.List()[offset - 1] = 0;
+    fresh.List()[offset] = 0;
+    EXPECT_EQ(fresh.TryAddConnection(name.c_str(), 0, 0, '7'), over == 0);
+    EXPECT_TRUE(fresh.GuardsAreWhole());
+    EXPECT_EQ(fresh.FindConnectionFormat(name.c_str(), 0), over == 0 ? 7 : 0);
+  }
+}
+
+TEST_F(Directory, AListWithoutATerminatorEndsWithTheMapping) {
+  std::memset(accessor.List(), 'x', LcdSegment::kListBytes + kLcdOverrun);
+  EXPECT_EQ(accessor.FindConnectionFormat("x", 0), 0);
+  EXPECT_FALSE(accessor.TryAddConnection("y", 0, 0, '1'));
+  EXPECT_FALSE(accessor.RemoveConnection("x", 0));
+  PutList(std::string("x\0", 2));
+  EXPECT_EQ(accessor.FindConnectionFormat("x", 0), 1);
+  EXPECT_FALSE(accessor.RemoveConnection("x", 0)) << "there is no terminator to move";
+}
+
+TEST_F(Directory, TargetsInBothEncodings) {
+  const struct {
+    const char* why;
+    std::vector<uint8_t> message;
+    const char* target;
+  } rows[] = {
+      {"two-byte length", MessageFor("abc", "x"), "abc"},
+      {"four-byte length", MessageFor("abc", "x", true), "abc"},
+      {"no name", MessageFor(""), ""},
+      {"one byte", {2}, "(none)"},
+      {"unknown encoding", {3, 0, 1, 'a'}, "(none)"},
+      {"longer than the message", {2, 0, 2, 'a'}, "(none)"},
+      {"exactly the message", {2, 0, 1, 'a'}, "a"},
+      {"all ones", {12, 0xFF, 0xFF, 0xFF, 0xFF, 'a'}, "(none)"},
+      {"wraps with its header", {12, 0xFF, 0xFF, 0xFF, 0xFE, 'a'}, "(none)"},
+  };
+  for (const auto& row : rows) {
+    (void)accessor.ClearMessage();
+    accessor.At().messageSize = static_cast<uint32_t>(row.message.size());
+    std::copy(row.message.begin(), row.message.end(), accessor.At().messageArea);
+    EXPECT_EQ(Target(), row.target) << row.why;
+  }
+  (void)accessor.ClearMessage();
+  (void)accessor.TryAddConnection(std::string(1023, 'n').c_str(), 0, 0, '1');
+  EXPECT_EQ(Send(MessageFor(std::string(1023, 'n'))), LcdDispatch::Posted);
+  EXPECT_EQ(Target().size(), 1023u);
+  EXPECT_EQ(Target(1023), "(none)");
+}
+
+TEST_F(Directory, DispatchByVersionAndFormat) {
+  const struct {
+    int32_t version;
+    int32_t format;
+    bool listening;
+    LcdDispatch outcome;
+    bool stays;
+  } rows[] = {
+      {8, 5, true, LcdDispatch::Posted, true},    {9, 2, true, LcdDispatch::Posted, true},
+      {9, 5, true, LcdDispatch::Refused, true},   {10, 5, true, LcdDispatch::Refused, true},
+      {11, 5, true, LcdDispatch::Refused, false}, {11, 2, true, LcdDispatch::Posted, true},
+      {-1, 5, true, LcdDispatch::Posted, true},   {8, 5, false, LcdDispatch::Refused, false},
+  };
+  for (const auto& row : rows) {
+    MemoryLcdAccessor fresh;
+    if (row.listening) ASSERT_TRUE(fresh.TryAddConnection("a", 0, 0, '2'));
+    const auto message = MessageFor("a", "payload");
+    EXPECT_EQ(fresh.DispatchMessage(message.data(), static_cast<int32_t>(message.size()), row.version, row.format, 0),
+              row.outcome);
+    EXPECT_EQ(fresh.At().messageSize != 0, row.stays) << row.version << "/" << row.format;
+  }
+}
+
+TEST_F(Directory, TheSlotTakesOneMessage) {
+  ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '1'));
+  EXPECT_EQ(Send({}), LcdDispatch::Posted) << "of no bytes, which leaves the slot free";
+  EXPECT_EQ(accessor.At().messageTime, accessor.now);
+  EXPECT_EQ(Send({7}), LcdDispatch::Posted) << "for nobody that can be read";
+  EXPECT_EQ(Send(MessageFor("a")), LcdDispatch::NotPosted);
+  EXPECT_TRUE(accessor.ClearMessage());
+  const std::vector<uint8_t> largest(LcdSegment::kMessageBytes, 7);
+  EXPECT_EQ(Send(largest), LcdDispatch::Posted);
+  const uint8_t* data = nullptr;
+  int32_t size = 0;
+  EXPECT_TRUE(accessor.GetMessageData(&data, &size));
+  EXPECT_EQ(std::vector<uint8_t>(data, data + size), largest);
+  EXPECT_EQ(*accessor.List(), 'a');
+  EXPECT_TRUE(accessor.ClearMessage());
+  EXPECT_EQ(accessor.DispatchMessage(largest.data(), LcdSegment::kMessageBytes + 1, 8, 1, 0), LcdDispatch::NotPosted);
+  EXPECT_EQ(accessor.DispatchMessage(largest.data(), -1, 8, 1, 0), LcdDispatch::NotPosted);
+  for (const uint32_t hostile : {0x80000000u, 0xFFFFFFFFu, 40961u}) {
+    accessor.At().messageSize = hostile;
+    EXPECT_FALSE(accessor.GetMessageData(&data, &size)) << hostile;
+    EXPECT_EQ(data, nullptr);
+  }
+}
+
+TEST_F(Directory, AgeIsSignedAndStrict) {
+  const struct {
+    uint32_t stamp;
+    uint32_t now;
+    bool dead;
+  } rows[] = {
+      {1000, 6000, false},           {1000, 6001, true},     {6000, 1000, false},    {0xFFFFFF00u, 0x1300u, true},
+      {0xFFFFFF00u, 0x1000u, false}, {0, 0x7FFFFFFFu, true}, {0, 0x80000000u, false}};
+  for (const auto& row : rows) {
+    MemoryLcdAccessor fresh;
+    ASSERT_TRUE(fresh.TryAddConnection("a", 0, 0, '1'));
+    ASSERT_TRUE(fresh.TryAddConnection("a", 1, 1, '1'));
+    ASSERT_TRUE(fresh.TryAddConnection("b", 0, 0, '1'));
+    fresh.now = row.stamp;
+    const auto message = MessageFor("a");
+    ASSERT_EQ(fresh.DispatchMessage(message.data(), 4, 8, 1, 0), LcdDispatch::Posted);
+    fresh.now = row.now;
+    EXPECT_EQ(fresh.PruneDeadMessage(), row.dead) << row.stamp << " at " << row.now;
+    EXPECT_EQ(fresh.FindConnectionFormat("a", 3) == 0, row.dead) << "every entry of the name goes with it";
+    EXPECT_EQ(fresh.FindConnectionFormat("b", 0), 1);
+    EXPECT_EQ(fresh.At().messageSize == 0, row.dead);
+  }
+  accessor.At().messageSize = 1;  // for nobody that can be read: only the message goes
+  accessor.At().messageTime = accessor.now - 5001;
+  EXPECT_TRUE(accessor.PruneDeadMessage());
+  EXPECT_FALSE(accessor.PruneDeadMessage());
+}
+
+TEST_F(Directory, WithoutTheLockNothingIsTouched) {
+  ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '1'));
+  const std::vector<uint8_t> before(accessor.List(), accessor.List() + 100);
+  accessor.lockable = false;
+  const uint8_t* data = before.data();
+  int32_t size = 77;
+  EXPECT_EQ(accessor.FindConnectionFormat("a", 0), 0);
+  EXPECT_FALSE(accessor.RemoveConnection("a", 0));
+  EXPECT_FALSE(accessor.TryAddConnection("b", 0, 0, '1'));
+  EXPECT_FALSE(accessor.ClearMessage());
+  EXPECT_FALSE(accessor.PruneDeadMessage());
+  EXPECT_FALSE(accessor.GetMessageData(&data, &size));
+  EXPECT_EQ(data, before.data());
+  EXPECT_EQ(size, 77);
+  EXPECT_EQ(Send(MessageFor("a")), LcdDispatch::NotPosted);
+  EXPECT_EQ(std::vector<uint8_t>(accessor.List(), accessor.List() + 100), before);
+}
+
+TEST_F(Directory, OnlyLayoutOneIsValid) {
+  EXPECT_TRUE(accessor.IsSegmentValid());
+  accessor.At().layoutVersion = 2;
+  EXPECT_FALSE(accessor.IsSegmentValid());
+  accessor.AttachSegment(nullptr, true, 0);
+  EXPECT_FALSE(accessor.IsSegmentValid());
+  EXPECT_EQ(accessor.FindConnectionFormat("a", 0), 0);
+  EXPECT_FALSE(accessor.TryAddConnection("a", 0, 0, '1'));
+}
+
+// A directory as anyone would describe it: names with a realm and a format, and at most one message.
+struct Model {
+  struct Entry {
+    std::string name;
+    uint32_t realm;
+    int format;
+  };
+  std::vector<Entry> entries;
+  std::optional<std::pair<std::string, uint32_t>> message;  // target, stamp
+  size_t used = 0;
+
+  static bool Sees(uint32_t sought, uint32_t realm) {
+    if (sought >= 3) return true;
+    return (sought == 1) == (realm == 1);
+  }
+  std::vector<Entry>::iterator Find(const std::string& name, uint32_t sought) {
+    return std::find_if(entries.begin(), entries.end(),
+                        [&](const Entry& e) { return e.name == name && Sees(sought, e.realm); });
+  }
+  bool Remove(const std::string& name, uint32_t sought) {
+    const auto found = Find(name, sought);
+    if (found == entries.end()) return false;
+    used -= name.size() + 9;
+    entries.erase(found);
+    return true;
+  }
+};
+
+TEST_F(Directory, AgreesWithASimpleModelOverManySteps) {
+  std::mt19937 random(42);
+  Model model;
+  const auto pick = [&random](uint32_t n) { return static_cast<uint32_t>(random() % n); };
+  for (int step = 0; step < 100000; ++step) {
+    const uint32_t number = pick(1200);
+    const std::string name = "n" + std::to_string(number) + std::string(number % 40, 'x');
+    const uint32_t realm = pick(3);
+    accessor.now += pick(700);
+    switch (pick(6)) {
+      case 0:
+      case 1: {
+        const bool fits = model.used + name.size() + 5 <= LcdSegment::kListBytes;
+        const bool expected = model.Find(name, realm) == model.entries.end() && fits;
+        const int format = static_cast<int>(pick(9)) + 1;
+        ASSERT_EQ(accessor.TryAddConnection(name.c_str(), realm, realm, format + 0x30), expected) << step;
+        if (!expected) break;
+        model.entries.push_back({name, realm, format});
+        model.used += name.size() + 9;
+        break;
+      }
+      case 2: {
+        const uint32_t sought = pick(4);
+        ASSERT_EQ(accessor.RemoveConnection(name.c_str(), sought), model.Remove(name, sought)) << step;
+        break;
+      }
+      case 3: {
+        const auto found = model.Find(name, realm);
+        ASSERT_EQ(accessor.FindConnectionFormat(name.c_str(), realm), found == model.entries.end() ? 0 : found->format);
+        break;
+      }
+      case 4: {
+        const auto found = model.Find(name, realm);
+        LcdDispatch expected = LcdDispatch::NotPosted;
+        if (!model.message) {
+          expected = found == model.entries.end() ? LcdDispatch::Refused : LcdDispatch::Posted;
+          if (expected == LcdDispatch::Posted) model.message = {name, accessor.now};
+        }
+        ASSERT_EQ(Send(MessageFor(name, "payload", number % 2 == 0), 8, 1, realm), expected) << step;
+        break;
+      }
+      default: {
+        const bool dead = model.message && static_cast<int32_t>(accessor.now - model.message->second) > 5000;
+        ASSERT_EQ(accessor.PruneDeadMessage(), dead) << step;
+        if (!dead) break;
+        while (model.Remove(model.message->first, 3)) {
+        }
+        model.message.reset();
+        break;
+      }
+    }
+    ASSERT_EQ(Target(), model.message ? model.message->first : "(none)") << step;
+  }
+  EXPECT_GT(model.entries.size(), 100u) << "the list must have been in use";
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+// A participant of another make: plain Win32, written from the segment's layout alone, sharing no code with the
+// product. Listens under a name, takes COUNT messages and checks that each sender's come once and in order.
+//
+//     PlainParticipant NAME COUNT
+//
+// A message is 2, the name's length in two bytes, the name, then the sender's number and a 4-byte count.
+#include <windows.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr DWORD kList = 40976;
+
+void Listen(unsigned char* segment, const char* name) {
+  unsigned char* at = segment + kList;
+  while (*at != 0) at += std::strlen(reinterpret_cast<char*>(at)) + 1;
+  std::strcpy(reinterpret_cast<char*>(at), name);  // no suffixes: format 1, every realm
+  at[std::strlen(name) + 1] = 0;
+}
+
+// The message if it is ours: 1 taken in order, -1 out of order, 0 not ours.
+int Take(unsigned char* segment, const char* name, DWORD* next) {
+  DWORD size = 0;
+  std::memcpy(&size, segment + 12, 4);
+  const unsigned char* const message = segment + 16;
+  const size_t length = std::strlen(name);
+  if (size < 3 + length + 5 || message[0] != 2 || message[1] != 0 || message[2] != length) return 0;
+  if (std::memcmp(message + 3, name, length) != 0) return 0;
+  const unsigned char sender = message[3 + length];
+  DWORD count = 0;
+  std::memcpy(&count, message + 4 + length, 4);
+  std::memset(segment + 8, 0, 8);
+  return sender < 4 && count == next[sender]++ ? 1 : -1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 9;
+  const HANDLE mutex = CreateMutexA(nullptr, FALSE, "HalcyonicsMutexOmega");
+  if (WaitForSingleObject(mutex, 30000) != WAIT_OBJECT_0) return 8;
+  const HANDLE mapping =
+      CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 64528, "HalcyonicsFMOmega");
+  const bool first = GetLastError() != ERROR_ALREADY_EXISTS;
+  auto* const segment = static_cast<unsigned char*>(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 64528));
+  if (segment == nullptr) return 7;
+  if (first) {
+    std::memset(segment, 0, 16);
+    segment[0] = segment[4] = 1;
+    segment[kList] = 0;
+  }
+  Listen(segment, argv[1]);
+  ReleaseMutex(mutex);
+  SetEvent(CreateEventA(nullptr, TRUE, FALSE, (argv[1])));
+
+  DWORD next[4] = {};
+  const DWORD begin = GetTickCount();
+  for (int wanted = std::atoi(argv[2]); wanted > 0;) {
+    if (GetTickCount() - begin > 60000) return 6;
+    if (WaitForSingleObject(mutex, 30000) != WAIT_OBJECT_0) return 8;
+    const int taken = Take(segment, argv[1], next);
+    ReleaseMutex(mutex);
+    if (taken < 0) return 5;
+    wanted -= taken;
+    if (taken == 0) SwitchToThread();
+  }
+  return 0;
+}
