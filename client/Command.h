@@ -43,7 +43,7 @@ struct Context {
 };
 
 struct Command {
-  std::string_view name;
+  std::string_view name;      // one word or more
   std::string_view synopsis;  // what follows the name
   std::string_view summary;   // one line
   std::string_view details;   // the rest of -h, may be empty
@@ -56,10 +56,13 @@ struct Command {
 // The families.
 [[nodiscard]] std::span<const Command> FileCommands();
 [[nodiscard]] std::span<const Command> DirectoryCommands();
+[[nodiscard]] std::span<const Command> LcdCommands();
+[[nodiscard]] std::span<const Command> ServiceCommands();
 
 // All commands, family by family.
 [[nodiscard]] std::vector<const Command*> AllCommands();
-[[nodiscard]] const Command* FindCommand(std::string_view name);
+// The command whose name the first words spell, one to three of them; `used` tells how many. Null when there is none.
+[[nodiscard]] const Command* FindCommand(const std::vector<std::string>& words, size_t& used);
 
 // UTF-8 to standard output, whatever the console's code page.
 void Print(std::string_view text);

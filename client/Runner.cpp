@@ -31,7 +31,7 @@ std::string Padded(std::string_view text, size_t width) {
 void PrintUsage() {
   std::string text(kUsage);
   for (const Command* const command : AllCommands()) {
-    text += "  " + Padded(command->name, 15) + std::string(command->summary) + "\n";
+    text += "  " + Padded(command->name, 22) + std::string(command->summary) + "\n";
   }
   Print(text + std::string(kExitCodes));
 }
@@ -118,9 +118,10 @@ std::string ExpandEnvironment(const std::string& word) {
 std::optional<Outcome> RunStep(const AccountStep& step, ILumenBroker6* broker) {
   std::vector<std::string> words;
   std::transform(step.words.begin(), step.words.end(), std::back_inserter(words), ExpandEnvironment);
-  const Command* const command = FindCommand(words.front());
+  size_t used = 0;
+  const Command* const command = FindCommand(words, used);
   if (command == nullptr) return std::nullopt;
-  words.erase(words.begin());
+  words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(used));
   return RunCommand(*command, broker, Arguments(words, command->options), false, true);
 }
 
@@ -185,15 +186,19 @@ ExitCode RunAccount(const std::vector<std::string>& words) {
 
 std::vector<const Command*> AllCommands() {
   std::vector<const Command*> all;
-  for (const auto family : {FileCommands(), DirectoryCommands()}) {
+  for (const auto family : {FileCommands(), DirectoryCommands(), LcdCommands(), ServiceCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;
 }
 
-const Command* FindCommand(std::string_view name) {
-  for (const Command* const command : AllCommands()) {
-    if (command->name == name) return command;
+const Command* FindCommand(const std::vector<std::string>& words, size_t& used) {
+  const std::vector<const Command*> all = AllCommands();
+  for (used = std::min<size_t>(words.size(), 3); used > 0; --used) {
+    std::string name = words[0];
+    for (size_t i = 1; i < used; ++i) name += " " + words[i];
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Command* c) { return c->name == name; });
+    if (found != all.end()) return *found;
   }
   return nullptr;
 }
@@ -218,9 +223,10 @@ ExitCode RunCommandLine(const std::vector<std::string>& words) {
     PrintUsage();
     return words.empty() ? ExitCode::Usage : ExitCode::Done;
   }
-  const std::vector<std::string> rest(words.begin() + 1, words.end());
-  if (words[0] == "run") return RunAccount(rest);
-  const Command* const command = FindCommand(words[0]);
+  if (words[0] == "run") return RunAccount({words.begin() + 1, words.end()});
+  size_t used = 0;
+  const Command* const command = FindCommand(words, used);
+  const std::vector<std::string> rest(words.begin() + static_cast<std::ptrdiff_t>(used), words.end());
   if (command == nullptr) {
     PrintError("lumenctl: no such command: " + words[0] + "\nlumenctl -h lists them.\n");
     return ExitCode::Usage;

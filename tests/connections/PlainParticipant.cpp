@@ -2,10 +2,12 @@
 // product. Listens under a name, takes COUNT messages and checks that each sender's come once and in order.
 //
 //     PlainParticipant NAME COUNT
+//     PlainParticipant NAME text      takes one message and prints what follows the name in it
 //
 // A message is 2, the name's length in two bytes, the name, then the sender's number and a 4-byte count.
 #include <windows.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -35,10 +37,24 @@ int Take(unsigned char* segment, const char* name, DWORD* next) {
   return sender < 4 && count == next[sender]++ ? 1 : -1;
 }
 
+// Prints the text of a message of ours and takes it. Whether there was one.
+bool TakeText(unsigned char* segment, const char* name) {
+  DWORD size = 0;
+  std::memcpy(&size, segment + 12, 4);
+  const unsigned char* const message = segment + 16;
+  const size_t length = std::strlen(name);
+  if (size < 3 + length || size > 40960 || message[0] != 2 || message[1] != 0 || message[2] != length) return false;
+  if (std::memcmp(message + 3, name, length) != 0) return false;
+  std::printf("%.*s\n", static_cast<int>(size - 3 - length), reinterpret_cast<const char*>(message + 3 + length));
+  std::memset(segment + 8, 0, 8);
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 3) return 9;
+  const bool text = std::strcmp(argv[2], "text") == 0;
   const HANDLE mutex = CreateMutexA(nullptr, FALSE, "HalcyonicsMutexOmega");
   if (WaitForSingleObject(mutex, 30000) != WAIT_OBJECT_0) return 8;
   const HANDLE mapping =
@@ -57,10 +73,10 @@ int main(int argc, char** argv) {
 
   DWORD next[4] = {};
   const DWORD begin = GetTickCount();
-  for (int wanted = std::atoi(argv[2]); wanted > 0;) {
+  for (int wanted = text ? 1 : std::atoi(argv[2]); wanted > 0;) {
     if (GetTickCount() - begin > 60000) return 6;
     if (WaitForSingleObject(mutex, 30000) != WAIT_OBJECT_0) return 8;
-    const int taken = Take(segment, argv[1], next);
+    const int taken = text ? TakeText(segment, argv[1]) : Take(segment, argv[1], next);
     ReleaseMutex(mutex);
     if (taken < 0) return 5;
     wanted -= taken;
