@@ -1,0 +1,190 @@
+// Audio notification with a device enumerator of the test's own, which calls back from a thread of its own.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <mmdeviceapi.h>
+
+#include <thread>
+
+#include "broker/CoLumenBrokerServer.h"
+#include "tests/fakes/ShellFakes.h"
+
+namespace {
+
+struct Devices {
+  IMMNotificationClient* client = nullptr;
+  bool counts = false;  // whether registering takes a reference, as some platforms do
+  HRESULT registering = S_OK;
+  EDataFlow flow = eRender;
+  HRESULT device = S_OK;
+};
+Devices g_devices;
+
+class Device final : public shell_fakes::Counted<IMMDevice, IMMEndpoint> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    if (iid == __uuidof(IMMEndpoint))
+      *out = static_cast<IMMEndpoint*>(this);
+    else
+      *out = static_cast<IMMDevice*>(this);
+    AddRef();
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE Activate(REFIID, DWORD, PROPVARIANT*, void**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD, IPropertyStore**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetId(LPWSTR*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetState(DWORD*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetDataFlow(EDataFlow* flow) override {
+    *flow = g_devices.flow;
+    return S_OK;
+  }
+};
+
+class Enumerator final : public shell_fakes::Counted<IMMDeviceEnumerator> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
+    *out = static_cast<IMMDeviceEnumerator*>(this);
+    AddRef();
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow, DWORD, IMMDeviceCollection**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow, ERole, IMMDevice**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetDevice(LPCWSTR, IMMDevice** device) override {
+    if (FAILED(g_devices.device)) return g_devices.device;
+    *device = new Device;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE RegisterEndpointNotificationCallback(IMMNotificationClient* client) override {
+    if (FAILED(g_devices.registering)) return g_devices.registering;
+    g_devices.client = client;
+    if (g_devices.counts) client->AddRef();
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE UnregisterEndpointNotificationCallback(IMMNotificationClient* client) override {
+    if (g_devices.client != client) return E_INVALIDARG;
+    g_devices.client = nullptr;
+    if (g_devices.counts) client->Release();
+    return S_OK;
+  }
+};
+
+class Audio : public testing::Test {
+ protected:
+  Audio() { g_devices = {}; }
+
+  // Calls back from another thread and tells which of the two events came.
+  template <class Call>
+  std::string Signalled(Call call) {
+    std::thread([&] {
+      if (g_devices.client != nullptr) call(g_devices.client);
+    }).join();
+    std::string seen;
+    if (WaitForSingleObject(changed.Get(), 0) == WAIT_OBJECT_0) seen += "default ";
+    if (WaitForSingleObject(state.Get(), 0) == WAIT_OBJECT_0) seen += "state ";
+    return seen;
+  }
+  std::string DefaultChanges(EDataFlow flow, ERole role) {
+    return Signalled([=](IMMNotificationClient* client) { client->OnDefaultDeviceChanged(flow, role, L"id"); });
+  }
+  LONG_PTR Create() {
+    LONG_PTR cookie = 0;
+    EXPECT_EQ(broker->BrokerMMNotificationClientCreate(reinterpret_cast<LONG_PTR>(GetCurrentProcess()), &cookie), S_OK);
+    return cookie;
+  }
+  HRESULT SetBoth(LONG_PTR cookie) {
+    const HRESULT first = broker->BrokerMMNotificationClientSetDefaultDeviceChangeEvent(
+        cookie, reinterpret_cast<LONG_PTR>(changed.Get()));
+    const HRESULT second =
+        broker->BrokerMMNotificationClientSetDeviceStateChangeEvent(cookie, reinterpret_cast<LONG_PTR>(state.Get()));
+    return first == second ? first : E_UNEXPECTED;
+  }
+
+  ComInitializer apartment;
+  shell_fakes::Registered<Enumerator> enumerator{__uuidof(MMDeviceEnumerator)};
+  KernelHandle changed{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+  KernelHandle state{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+  ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
+};
+
+TEST_F(Audio, WhichChangesSignal) {
+  const LONG_PTR cookie = Create();
+  EXPECT_EQ(DefaultChanges(eRender, eConsole), "") << "no event is set";
+  ASSERT_EQ(SetBoth(cookie), S_OK);
+  EXPECT_EQ(DefaultChanges(eRender, eConsole), "default ");
+  EXPECT_EQ(DefaultChanges(eRender, eCommunications), "default ");
+  EXPECT_EQ(DefaultChanges(eCapture, eConsole), "");
+  EXPECT_EQ(DefaultChanges(eCapture, eMultimedia), "default ");
+  const auto stateChanges = [](IMMNotificationClient* client) {
+    EXPECT_EQ(client->OnDeviceStateChanged(L"id", 1), S_OK);
+  };
+  EXPECT_EQ(Signalled(stateChanges), "state ");
+  g_devices.flow = eCapture;
+  EXPECT_EQ(Signalled(stateChanges), "");
+  g_devices.flow = eRender;
+  g_devices.device = E_FAIL;
+  EXPECT_EQ(Signalled(stateChanges), "");
+  EXPECT_EQ(Signalled([](IMMNotificationClient* client) {
+              client->OnDeviceAdded(L"id");
+              client->OnDeviceRemoved(L"id");
+              client->OnPropertyValueChanged(L"id", {});
+            }),
+            "");
+}
+
+TEST_F(Audio, CookiesAndEventsThatAreNone) {
+  const LONG_PTR cookie = Create();
+  EXPECT_EQ(SetBoth(cookie + 8), S_FALSE);
+  EXPECT_EQ(SetBoth(0), S_FALSE);
+  EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie + 8), S_FALSE);
+  EXPECT_EQ(broker->BrokerMMNotificationClientSetDefaultDeviceChangeEvent(cookie, 0), S_FALSE);
+  EXPECT_EQ(broker->BrokerMMNotificationClientSetDefaultDeviceChangeEvent(cookie, 0x7ffff0), S_FALSE);
+  EXPECT_EQ(broker->BrokerMMNotificationClientCreate(reinterpret_cast<LONG_PTR>(GetCurrentProcess()), nullptr), S_OK);
+  EXPECT_EQ(SetBoth(cookie), S_OK);
+  EXPECT_EQ(SetBoth(cookie), S_OK) << "an event may be replaced";
+}
+
+TEST_F(Audio, AClientWithoutAnEnumeratorExistsAndStaysSilent) {
+  g_devices.registering = E_FAIL;
+  const LONG_PTR cookie = Create();
+  EXPECT_EQ(SetBoth(cookie), S_OK);
+  EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
+}
+
+// The entry stays in the list: a second destroy passes the lookup and releases again, and so does the object's own end.
+TEST_F(Audio, DestroyingTwiceIsAnsweredAndTouchesNothingThatIsGone) {
+  for (const bool counts : {false, true}) {
+    g_devices = {};
+    g_devices.counts = counts;
+    const LONG_PTR cookie = Create();
+    ASSERT_EQ(SetBoth(cookie), S_OK);
+    EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
+    EXPECT_EQ(DefaultChanges(eRender, eConsole), counts ? "default " : "") << "the enumerator may still hold it";
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
+    EXPECT_EQ(DefaultChanges(eRender, eConsole), "");
+    EXPECT_EQ(SetBoth(cookie), S_FALSE) << "a client that has ended takes no events";
+  }
+  broker.Reset();
+}
+
+TEST_F(Audio, TheObjectsEndLeavesTheEnumerator) {
+  ASSERT_EQ(SetBoth(Create()), S_OK);
+  ASSERT_NE(g_devices.client, nullptr);
+  broker.Reset();
+  EXPECT_EQ(g_devices.client, nullptr);
+}
+
+TEST_F(Audio, ManyClientsLeaveNoHandles) {
+  const auto round = [this] {
+    const LONG_PTR cookie = Create();
+    EXPECT_EQ(SetBoth(cookie), S_OK);
+    EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
+  };
+  round();
+  DWORD before = 0, after = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &before);
+  for (int i = 0; i < 500; ++i) round();
+  GetProcessHandleCount(GetCurrentProcess(), &after);
+  EXPECT_LE(after, before + 2);
+}
+
+}  // namespace

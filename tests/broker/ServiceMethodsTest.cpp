@@ -1,0 +1,197 @@
+// Preferences, small services and shortcuts, on the real registry, real drives and real files.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <shlobj.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "broker/CoLumenBrokerServer.h"
+#include "engine/ProductKeys.h"
+#include "engine/Registry.h"
+#include "tests/support/ByteArray.h"
+#include "tests/support/TestFiles.h"
+
+namespace {
+
+constexpr HRESULT kRefused = static_cast<HRESULT>(0x80010010);
+
+class Services : public testing::Test {
+ protected:
+  Services() { Clear(); }
+  ~Services() override { Clear(); }
+  static void Clear() { (void)DeleteKeyTree(HKEY_CURRENT_USER, L"Software\\Halcyonics"); }
+  static RegistryKey Preferences() { return CreateKey(HKEY_CURRENT_USER, kPlayerKey, KEY_ALL_ACCESS); }
+
+  ComInitializer apartment;
+  ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
+};
+
+TEST_F(Services, ThePendingVersionIsGivenAndTakenAway) {
+  BString version;
+  EXPECT_EQ(broker->BrokerPrefGetLumenPlayerVersion(nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerPrefGetLumenPlayerVersion(version.Receive()), E_FAIL);
+  EXPECT_EQ(broker->BrokerPrefDeleteLumenPlayerVersion(), E_FAIL) << "no key at all";
+  ASSERT_EQ(WriteText(Preferences().Get(), "LumenPlayerVersion", "28.0.0.1"), 0);
+  EXPECT_EQ(broker->BrokerPrefGetLumenPlayerVersion(version.Receive()), S_OK);
+  EXPECT_EQ(broker->BrokerPrefGetAndDeleteLumenPlayerVersion(version.Receive()), S_OK);
+  EXPECT_EQ(ToUtf8(version.View()), "28.0.0.1");
+  EXPECT_EQ(broker->BrokerPrefGetAndDeleteLumenPlayerVersion(version.Receive()), E_FAIL);
+  EXPECT_EQ(version.Get(), nullptr);
+  ASSERT_EQ(WriteText(Preferences().Get(), "LumenPlayerVersion", "x"), 0);
+  EXPECT_EQ(broker->BrokerPrefDeleteLumenPlayerVersion(), S_OK);
+  EXPECT_EQ(broker->BrokerPrefDeleteLumenPlayerVersion(), S_OK) << "blanking makes it again, so removal works";
+}
+
+TEST_F(Services, TheDialogSizeNeedsBothValues) {
+  ULONG width = 0, height = 0;
+  EXPECT_EQ(broker->BrokerPrefSetExceptionDialogSize(640, 480), E_FAIL) << "the key is not made here";
+  const RegistryKey key = Preferences();
+  EXPECT_EQ(broker->BrokerPrefSetExceptionDialogSize(640, 480), S_OK);
+  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, &height), S_OK);
+  EXPECT_EQ(width, 640u);
+  EXPECT_EQ(height, 480u);
+  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(nullptr, &height), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, nullptr), E_INVALIDARG);
+  ASSERT_EQ(DeleteValue(HKEY_CURRENT_USER, kPlayerKey, "Exception Dialog Height"), 0);
+  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, &height), E_FAIL);
+}
+
+TEST_F(Services, AnUpdateIsMarkedThroughTheBroker) {
+  EXPECT_EQ(broker->BrokerPrefMarkAutoUpdaterForRun(nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerPrefMarkAutoUpdaterForRun(BString(L"<update version=\"29.0\">").Get()), S_OK);
+  EXPECT_EQ(ReadText(HKEY_CURRENT_USER, "Software\\Halcyonics\\LumenPlayerUpdate", "description").value_or(""),
+            "<update version=\"29.0\">");
+  (void)DeleteValue(HKEY_CURRENT_USER, kRunOnceKey, "LumenPlayerUpdate");
+}
+
+TEST_F(Services, DrivesByTheirLetterAlone) {
+  const struct {
+    const wchar_t* root;
+    HRESULT result;
+  } rows[] = {{L"C:", S_OK},        {L"c:\\some\\path", S_OK}, {L"C:nonsense", S_OK},  {L"Y:", S_FALSE},
+              {L"C", E_INVALIDARG}, {L"", E_INVALIDARG},       {L"CC:", E_INVALIDARG}, {L"\x00E9:", S_FALSE}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(broker->BrokerIsDriveAvailable(const_cast<wchar_t*>(row.root)), row.result) << ToUtf8(row.root);
+  }
+  EXPECT_EQ(broker->BrokerIsDriveAvailable(nullptr), E_INVALIDARG);
+}
+
+TEST_F(Services, ControllersAndTheScreenSaver) {
+  ULONG count = 77;
+  EXPECT_EQ(broker->BrokerGetDirectInputCount(nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerGetDirectInputCount(&count), S_OK);
+  EXPECT_LT(count, 77u);
+  UINT before = 0, after = 0;
+  SystemParametersInfoW(SPI_GETSCREENSAVETIMEOUT, 0, &before, 0);
+  SystemParametersInfoW(SPI_SETSCREENSAVETIMEOUT, 300, nullptr, 0);
+  EXPECT_EQ(broker->BrokerDelayScreensaver(), S_OK);
+  SystemParametersInfoW(SPI_GETSCREENSAVETIMEOUT, 0, &after, 0);
+  EXPECT_EQ(after, 300u);
+  SystemParametersInfoW(SPI_SETSCREENSAVETIMEOUT, 0, nullptr, 0);
+  EXPECT_EQ(broker->BrokerDelayScreensaver(), E_FAIL);
+  SystemParametersInfoW(SPI_SETSCREENSAVETIMEOUT, before, nullptr, 0);
+}
+
+std::string ReadBytes(const std::string& name) {
+  std::ifstream in(std::string(LUMEN_SOURCE_DIR) + "/tests/delivery/anchor/" + name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class Shortcuts : public Services {
+ protected:
+  static WideString Cache() { return testing_files::Folder(CSIDL_APPDATA) + L"\\Corva\\Lumen Player\\Icon Cache"; }
+  static WideString Menu(const wchar_t* name) { return testing_files::Folder(CSIDL_PROGRAMS) + L"\\" + name; }
+  HRESULT Make(const wchar_t* name, const wchar_t* address, const WideString& iconPath, const std::string& granted,
+               const std::string& proof, ULONG flags) {
+    return broker->BrokerCreateInternetShortcut(BString(name).Get(), BString(address).Get(),
+                                                BString(WideView(iconPath)).Get(), ByteArray(proof).Get(),
+                                                ByteArray(granted).Get(), flags);
+  }
+  const std::string strings = ReadBytes("shortcut.content");
+  const std::string message = ReadBytes("shortcut.p7m");
+  const wchar_t* const url = L"https://www.corva.example/games/my-game";
+  const WideString icon = Cache() + L"\\My Game (2).ico";
+};
+
+TEST_F(Shortcuts, IconNamesAreFreeUnlessOneIsToBeOverwritten) {
+  const testing_files::CleanDirectory cache(Cache());
+  BString path;
+  EXPECT_EQ(broker->BrokerCreateIconPath(BString(L"Game").Get(), path.Receive()), S_OK);
+  EXPECT_EQ(path.View(), WideView(Cache() + L"\\Game.ico"));
+  testing_files::WriteWhole(Cache() + L"\\Game.ico", "x");
+  EXPECT_EQ(broker->BrokerCreateIconPath(BString(L"Game").Get(), path.Receive()), S_OK);
+  EXPECT_EQ(path.View(), WideView(Cache() + L"\\Game (2).ico"));
+  EXPECT_EQ(broker->BrokerCreateIconPathV2(BString(L"Game").Get(), path.Receive(), 2), S_OK);
+  EXPECT_EQ(path.View(), WideView(Cache() + L"\\Game (2).ico")) << "only 1 overwrites";
+  EXPECT_EQ(broker->BrokerCreateIconPathV2(BString(L"Game").Get(), path.Receive(), 1), S_OK);
+  EXPECT_EQ(path.View(), WideView(Cache() + L"\\Game.ico"));
+  EXPECT_EQ(broker->BrokerCreateIconPath(BString(WideView(WideString(300, L'n'))).Get(), path.Receive()), E_FAIL);
+  EXPECT_EQ(path.Get(), nullptr);
+  EXPECT_EQ(broker->BrokerCreateIconPath(BString(L"Game").Get(), nullptr), E_INVALIDARG);
+}
+
+TEST_F(Shortcuts, AnEntitledShortcutIsARealLinkToTheBrowser) {
+  DeleteFileW(Menu(L"My Game.lnk").c_str());
+  DeleteFileW(Menu(L"My Game (2).lnk").c_str());
+  ASSERT_EQ(Make(L"My Game", url, icon, strings, message, 2), S_OK);
+  ASSERT_TRUE(testing_files::Exists(Menu(L"My Game.lnk")));
+  ComPtr<IShellLinkW> link;
+  ComPtr<IPersistFile> file;
+  ASSERT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                             reinterpret_cast<void**>(link.GetAddressOf())),
+            S_OK);
+  ASSERT_EQ(link.As(&file), S_OK);
+  ASSERT_EQ(file->Load(Menu(L"My Game.lnk").c_str(), STGM_READ), S_OK);
+  wchar_t text[MAX_PATH] = {};
+  int index = 7;
+  EXPECT_EQ(link->GetArguments(text, MAX_PATH), S_OK);
+  EXPECT_EQ(ToUtf8(text), ToUtf8(url));
+  EXPECT_EQ(link->GetIconLocation(text, MAX_PATH, &index), S_OK);
+  EXPECT_EQ(ToUtf8(text), ToUtf8(icon));
+  EXPECT_EQ(index, 0);
+  EXPECT_EQ(link->GetPath(text, MAX_PATH, nullptr, 0), S_OK);
+  EXPECT_TRUE(WideView(text).ends_with(L".exe")) << ToUtf8(text);
+  EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 2), S_OK);
+  EXPECT_TRUE(testing_files::Exists(Menu(L"My Game (2).lnk"))) << "one that is there stays";
+  EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 8), S_OK) << "a pin without its place makes nothing";
+  DeleteFileW(Menu(L"My Game.lnk").c_str());
+  DeleteFileW(Menu(L"My Game (2).lnk").c_str());
+}
+
+TEST_F(Shortcuts, EveryRefusalAnswersAlike) {
+  std::string changedStrings = strings;
+  changedStrings[0] = '[';
+  std::string changedMessage = message;
+  changedMessage[changedMessage.size() / 2] ^= 1;
+  const WideString elsewhere = L"C:\\My Game.ico";
+  EXPECT_EQ(Make(L"", url, icon, strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", L"", icon, strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", url, L"", strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 0), kRefused);
+  EXPECT_EQ(Make(L"..\\a", url, icon, strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"Other", url, Cache() + L"\\Other.ico", strings, message, 2), kRefused) << "not entitled";
+  EXPECT_EQ(Make(L"My Game", L"https://evil.example/", icon, strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", L"ftp://a/", icon, strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", url, elsewhere, strings, message, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", url, icon, changedStrings, message, 2), kRefused) << "not what was signed";
+  EXPECT_EQ(Make(L"My Game", url, icon, strings, changedMessage, 2), kRefused);
+  EXPECT_EQ(Make(L"My Game", url, icon, strings, "", 2), kRefused);
+  EXPECT_EQ(broker->BrokerCreateInternetShortcut(BString(L"My Game").Get(), BString(url).Get(),
+                                                 BString(WideView(icon)).Get(), nullptr, ByteArray(strings).Get(), 2),
+            kRefused);
+  EXPECT_FALSE(testing_files::Exists(Menu(L"My Game.lnk")));
+}
+
+// Wine's internet shortcut has no link interface, so an accepted call gets as far as asking for it.
+TEST_F(Shortcuts, DesktopShortcutsComeOneInThreeSeconds) {
+  const BString redirect(L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=x");
+  const auto make = [&](const wchar_t* name) {
+    return broker->BrokerCreateDesktopShortcut(BString(name).Get(), redirect.Get(), nullptr, 1);
+  };
+  EXPECT_EQ(make(L"My_Game"), E_NOINTERFACE);
+  EXPECT_EQ(make(L"My_Game"), kRefused) << "too soon";
+}
+
+}  // namespace
