@@ -11,5 +11,7 @@
 #define LUMEN_BROKER_INTERFACE_ID_6 "{299817DA-1FAC-4CE2-8F48-A108237013BD}"
 // Lets the browser's protected mode start the server without asking.
 #define LUMEN_BROKER_ELEVATION_POLICY_ID "{FAF199D2-BFA7-4394-A4DE-044A08E59B32}"
+// The player's ActiveX control. A browser honours the control's kill switch under this id.
+#define LUMEN_CONTROL_CLASS_ID "{7B1C3F52-4D0A-11CF-96B8-5A1E0C2D7F10}"
 // What the automation marshaller of the platform is registered as.
 #define AUTOMATION_MARSHALLER_ID "{00020424-0000-0000-C000-000000000046}"

@@ -7,5 +7,7 @@
 #define LUMEN_VENDOR_DOMAIN_UPPER L"CORVA.EXAMPLE"
 // Host names of downloads must end in this.
 #define LUMEN_VENDOR_URL_SUFFIX ".corva.example/"
+// Where Add/Remove Programs sends people; page paths follow.
+#define LUMEN_VENDOR_HOME_PAGE L"https://www.corva.example"
 // Registry name of the NPAPI plug-in.
 #define LUMEN_PLUGIN_ID L"@corva.example/LumenPlayer"

@@ -12,6 +12,7 @@
 #include "engine/ProductKind.h"
 #include "engine/Registry.h"
 #include "engine/Reporting.h"
+#include "engine/SystemVersion.h"
 
 namespace {
 
@@ -24,13 +25,6 @@ MStringList* ListOf(InstallEngine* engine, MStringList InstallEngine::*list) {
 
 bool AddTo(InstallEngine* engine, MStringList InstallEngine::*list, const MString& name) {
   return engine != nullptr && (engine->*list).Add(name);
-}
-
-bool IsAtLeastVista() {
-  OSVERSIONINFOEXW wanted = {};
-  wanted.dwOSVersionInfoSize = sizeof(wanted);
-  wanted.dwMajorVersion = 6;
-  return VerifyVersionInfoW(&wanted, VER_MAJORVERSION, VerSetConditionMask(0, VER_MAJORVERSION, VER_GREATER_EQUAL));
 }
 
 }  // namespace
@@ -61,7 +55,7 @@ MString* LumenBrokerShim::LoadString(MString* out, uint32_t id, uint8_t useHost)
 }
 
 bool LumenBrokerShim::IsUacEnabled() noexcept {
-  if (!IsAtLeastVista()) return false;
+  if (!IsVistaOrLater()) return false;
   const auto enabled =
       ReadNumber(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\System", "EnableLUA");
   return static_cast<int32_t>(enabled.value_or(0)) > 0;
