@@ -16,11 +16,6 @@
 
 namespace {
 
-// A window handle travels as its low 32 bits and comes back sign-extended.
-HWND ToWindow(ULONG value) {
-  return reinterpret_cast<HWND>(static_cast<intptr_t>(static_cast<int32_t>(value)));
-}
-
 WideString LeafName(const WideString& path) {
   const size_t slash = path.find_last_of(L"\\/");
   return slash == WideString::npos ? path : path.substr(slash + 1);
