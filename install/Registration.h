@@ -1,6 +1,5 @@
-// Makes an installed kind known to the system: the Add/Remove Programs entry, the inventory, the browsers'
-// registrations and the control's own. Values go under the machine hive; a series stops at its first failure, which is
-// reported. Host's thread.
+// Makes an installed kind known to the system: the Add/Remove Programs entry, the inventory and the plug-in's entry.
+// Values go under the machine hive; a series stops at its first failure, which is reported. Host's thread.
 #pragma once
 
 #include <cstdint>
@@ -24,19 +23,6 @@ bool WritePluginRegistry(LumenBrokerShim* shim, const MString& path);
 // The plug-in's entry with its subkeys; false, reported as 1037, when that failed or there is none.
 [[nodiscard]] bool DeletePluginRegistry(HostCallbacks* host);
 
-// Loads the control's library and calls its DllRegisterServer, a second time after StopPlayers when it fails.
-[[nodiscard]] bool RegisterControl(LumenBrokerShim* shim, const MString& path);
-// Loads the library and calls its DllUnregisterServer. Failures are passed over. The class keys that earlier versions
-// left are not touched.
-void CallUnregisterServer(const MString& path);
-
-// Options that the system keeps by a program's file name.
-[[nodiscard]] MString ImageExecutionKey(const MString& fileName);
+// The options that the system keeps by a program's file name; false, reported as 1037, when there are none. An empty
+// name deletes nothing.
 bool DeleteImageExecutionKey(HostCallbacks* host, const MString& fileName);
-
-// Fills the engine's plug-in directories from what browsers left in the registry, and adds `fallback`. Works once.
-void RefreshPluginDirectories(LumenBrokerShim* shim, const MString& fallback);
-
-// Has every running browser read its elevation policies again: starts the host's utility in the user's context of each.
-// Neither waits nor reports.
-void AskBrowsersToRefresh(HostCallbacks* host);

@@ -18,6 +18,8 @@ class HostCallbacks;
 // A text is plain or expandable; it is given as it stands. A value of another type counts as not readable.
 [[nodiscard]] std::optional<MString> ReadRegistryText(HostCallbacks* host, HKEY root, const MString& key,
                                                       const MString& name);
+// The text of a value by one path: what follows the last backslash is its name.
+[[nodiscard]] std::optional<MString> ReadRegistryTextByPath(HostCallbacks* host, HKEY root, const MString& path);
 [[nodiscard]] std::optional<uint32_t> ReadRegistryNumber(HostCallbacks* host, HKEY root, const MString& key,
                                                          const MString& name);
 // Create the key when it is not there.
