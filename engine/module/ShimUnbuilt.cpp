@@ -19,9 +19,6 @@ bool LumenBrokerShim::RegisterProduct(uint32_t /*kind*/, MString /*playerPath*/,
                                       MString /*ignored*/, uint8_t /*writeUninstallEntry*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RemoveUpdateService(void* /*ignored*/, MString /*directory*/) noexcept {
-  return false;
-}
 bool LumenBrokerShim::RemoveProductKind(uint32_t /*kind*/, MString /*directory*/, uint8_t /*removeSafeVersions*/,
                                         uint8_t /*removeService*/) noexcept {
   return false;
