@@ -1,4 +1,4 @@
-// The bytes of a SAFEARRAY argument, locked for a scope.
+// The bytes of a SAFEARRAY argument, locked for a scope; and bytes as a reply.
 #pragma once
 
 #include <windows.h>
@@ -6,6 +6,8 @@
 #include <oleauto.h>
 
 #include <cstdint>
+#include <cstring>
+#include <optional>
 #include <span>
 
 // One dimension, elements of one byte, lower bound 0. A null array is not well-formed.
@@ -36,6 +38,11 @@ class SafeArrayBytes {
     if (array_ == nullptr) return {};
     return {static_cast<const uint8_t*>(data_), array_->rgsabound[0].cElements};
   }
+  // The same, with absence told from emptiness.
+  [[nodiscard]] std::optional<std::span<const uint8_t>> Argument() const {
+    if (array_ == nullptr) return std::nullopt;
+    return Bytes();
+  }
   // The same, for the few callers that decode in place.
   [[nodiscard]] uint8_t* Data() const { return static_cast<uint8_t*>(data_); }
 
@@ -44,3 +51,14 @@ class SafeArrayBytes {
   void* data_ = nullptr;
   HRESULT result_ = E_FAIL;
 };
+
+// Gives `out`, whose content is not looked at, an array of its own with these bytes. E_OUTOFMEMORY leaves it alone.
+[[nodiscard]] inline HRESULT ReplyWithBytes(std::span<const uint8_t> bytes, VARIANT* out) {
+  SAFEARRAY* const array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
+  if (array == nullptr) return E_OUTOFMEMORY;
+  std::memcpy(array->pvData, bytes.data(), bytes.size());
+  VariantInit(out);
+  out->vt = VT_ARRAY | VT_UI1;
+  out->parray = array;
+  return S_OK;
+}

@@ -1,0 +1,133 @@
+// The fills of several calls: their order, that what they change is put back and what they make is deleted, and that
+// wrong arrays draw nothing.
+#include "broker/CompositeFills.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "tests/support/RecordingRelay.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using Calls = std::vector<std::string>;
+
+constexpr DrawingHandle kDc = 77;
+
+Bytes Rect(int32_t left, int32_t top, int32_t right, int32_t bottom) {
+  const DrawingRect rect = {left, top, right, bottom};
+  Bytes bytes(sizeof(rect));
+  std::memcpy(bytes.data(), &rect, sizeof(rect));
+  return bytes;
+}
+
+// Arrays that both fills would take but for the header's length.
+struct Arrays {
+  explicit Arrays(size_t headerBytes) : header(headerBytes) {
+    const BitmapHeader fields = {40, 4, 2, 1, 32, 0, 0, 0, 0, 0, 0};
+    std::memcpy(header.data(), &fields, sizeof(fields));
+  }
+  [[nodiscard]] BitmapArrays Get() const { return {target, source, pixels, header}; }
+
+  Bytes target = Rect(1, 2, 30, 40);
+  Bytes source = Rect(0, 0, 4, 2);
+  Bytes pixels = Bytes(32);
+  Bytes header;
+};
+
+class CompositeFills : public testing::Test {
+ protected:
+  void TearDown() override {
+    EXPECT_TRUE(relay.living.empty()) << "an object was not deleted";
+    EXPECT_EQ(relay.selected, RecordingRelay::kStock);
+    EXPECT_EQ(relay.depth, 0);
+  }
+  RecordingRelay relay;
+};
+
+TEST_F(CompositeFills, Rectangle) {
+  EXPECT_EQ(AddRectangle(relay, kDc, Rect(1, 2, 3, 4), 0x00FF80), result::Ok);
+  EXPECT_EQ(relay.calls, (Calls{"brush 00ff80", "select new", "rectangle 1,2,3,4", "select old", "delete"}));
+}
+
+TEST_F(CompositeFills, RectangleOfAnotherLengthDrawsNothing) {
+  EXPECT_EQ(AddRectangle(relay, kDc, Bytes(15), 0), result::Fail);
+  EXPECT_EQ(AddRectangle(relay, kDc, Bytes(17), 0), result::Fail);
+  EXPECT_EQ(AddRectangle(relay, kDc, std::nullopt, 0), result::Fail);
+  EXPECT_EQ(relay.calls, Calls());
+}
+
+TEST_F(CompositeFills, PathFilledAndStroked) {
+  FillPathSolid(relay, kDc, 0x0000FF);
+  StrokePathSolid(relay, kDc, 9, 0xFF0000);
+  EXPECT_EQ(relay.calls, (Calls{"brush 0000ff", "select new", "fill", "select old", "delete",  //
+                                "pen ff0000 9", "select new", "stroke", "select old", "delete"}));
+}
+
+TEST_F(CompositeFills, BitmapClippedToThePathOrLeftToTheClient) {
+  const Arrays arrays(44);
+  const std::string stretch = "stretch 1,2,30,40 from 0,0,4,2 by 00cc0020";
+  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), true), result::Ok);
+  EXPECT_EQ(relay.calls, (Calls{"save", "clip", stretch, "restore"}));
+  relay.calls.clear();
+  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
+  EXPECT_EQ(relay.calls, (Calls{stretch}));
+}
+
+TEST_F(CompositeFills, BitmapAsAPatternsMask) {
+  EXPECT_EQ(FillPathThroughBitmap(relay, kDc, Arrays(48).Get(), 0x123456, 0x00B8074A), result::Ok);
+  EXPECT_EQ(relay.calls, (Calls{"save", "brush 123456", "select new", "clip",
+                                "stretch 1,2,30,40 from 0,0,4,2 by 00b8074a", "select old", "delete", "restore"}));
+}
+
+TEST_F(CompositeFills, WrongBitmapArraysDrawNothing) {
+  for (const size_t header : {kFillHeaderBytes, kTransparentFillHeaderBytes}) {
+    const auto fill = [&](const BitmapArrays& arrays) {
+      return header == kFillHeaderBytes ? FillPathWithBitmap(relay, kDc, arrays, true)
+                                        : FillPathThroughBitmap(relay, kDc, arrays, 0, 0);
+    };
+    const Arrays good(header);
+    const Bytes other(header == kFillHeaderBytes ? 48 : 44);
+    const Bytes shorter(15);
+    const Bytes few(31);
+    const auto with = [&](ByteArgument BitmapArrays::*member, const ByteArgument& value) {
+      BitmapArrays arrays = good.Get();
+      arrays.*member = value;
+      return arrays;
+    };
+    EXPECT_EQ(fill(with(&BitmapArrays::header, other)), result::Fail) << "the other fill's header";
+    EXPECT_EQ(fill(with(&BitmapArrays::header, std::nullopt)), result::Fail);
+    EXPECT_EQ(fill(with(&BitmapArrays::target, shorter)), result::Fail);
+    EXPECT_EQ(fill(with(&BitmapArrays::target, std::nullopt)), result::Fail);
+    EXPECT_EQ(fill(with(&BitmapArrays::source, shorter)), result::Fail);
+    EXPECT_EQ(fill(with(&BitmapArrays::pixels, few)), result::Fail);
+    EXPECT_EQ(fill(with(&BitmapArrays::pixels, std::nullopt)), result::Fail);
+    EXPECT_EQ(relay.calls, Calls());
+    EXPECT_EQ(fill(good.Get()), result::Ok);
+    relay.calls.clear();
+  }
+}
+
+TEST_F(CompositeFills, BitmapThatCannotBeDrawnIsASuccessWithoutDrawing) {
+  Arrays arrays(44);
+  const BitmapHeader fields = {40, 4, INT_MIN, 1, 32, 0, 0, 0, 0, 0, 0};
+  std::memcpy(arrays.header.data(), &fields, sizeof(fields));
+  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), true), result::Ok);
+  EXPECT_EQ(relay.calls, (Calls{"save", "clip", "restore"}));
+}
+
+TEST_F(CompositeFills, TenThousandFillsLeaveNothingBehind) {
+  relay.recording = false;
+  const Arrays arrays(48);
+  const Bytes rect = Rect(0, 0, 1, 1);
+  for (int i = 0; i < 2500; ++i) {
+    FillPathSolid(relay, kDc, 1);
+    StrokePathSolid(relay, kDc, 1, 1);
+    EXPECT_EQ(AddRectangle(relay, kDc, rect, 1), result::Ok);
+    EXPECT_EQ(FillPathThroughBitmap(relay, kDc, arrays.Get(), 1, 1), result::Ok);
+  }
+  EXPECT_EQ(relay.created, 10000u);
+}
+
+}  // namespace
