@@ -30,15 +30,18 @@ class LumenBrokerShim {
   // The installer window, not yet shown; null in this build. Ended by DestroyUI, before Destroy.
   virtual MorphUI* CreateUI() noexcept;
   virtual void DestroyUI(void* ignored, MorphUI* ui) noexcept;
-  // From here to RemovePatternFiles: not in this build, false. CheckInstallAllowed therefore refuses, with `code` as it
-  // was.
+  // Whether the installed release type is `expected`; true when nothing is installed or no kind is named. Of several
+  // kinds the last one decides, in the order ActiveX, plug-in, PPAPI.
   virtual bool ReleaseTypeMatches(uint32_t kinds, uint32_t expected) noexcept;
   // Whether this build may be installed over what is there. On refusal `code` is 1161 (release type), 1013 (version,
   // mode 1) or 1162 (version, any other mode); otherwise it is left alone.
   virtual bool CheckInstallAllowed(uint32_t kinds, uint32_t* code, uint32_t mode) noexcept;
   // Windows 6.0 or later with the policy EnableLUA above 0.
   virtual bool IsUacEnabled() noexcept;
+  // Not in this build, false; likewise RemoveUpdateService to RemovePatternFiles.
   virtual bool UninstallProduct(uint32_t kind, MString file, uint8_t removeSafeVersions) noexcept;
+  // Makes one kind known to the system; its files are in place. False when the control could not be registered: then
+  // neither the Add/Remove entry nor the inventory is written. Failures of those two are reported and do not count.
   virtual bool RegisterProduct(uint32_t kind, MString playerPath, MString uninstallerPath, MString ignored,
                                uint8_t writeUninstallEntry) noexcept;
   virtual bool RemoveUpdateService(void* ignored, MString directory) noexcept;
@@ -49,12 +52,15 @@ class LumenBrokerShim {
   virtual bool RemovePatternFiles(uint32_t kinds, MString directory) noexcept;
   // Asks the browser to read its elevation policies again. False when the platform has no such operation.
   virtual bool RefreshElevationPolicy() noexcept;
-  // Writes the broker's COM registration for `path` when `kind` is the ActiveX kind; other kinds do nothing. True. This
-  // build does not yet protect the server's file, nor ask running browsers to read their policies again.
+  // Writes the broker's COM registration for `path`, protects that file and has running browsers read their policies
+  // again, when `kind` is the ActiveX kind; other kinds do nothing. True.
   virtual bool RegisterBrokerServer(MString path, uint32_t kind) noexcept;
-  // These three: not in this build, false.
+  // Has the control at `path` register itself, a second time after StopPlayers when it fails, and protects the file.
+  // False, reported as 1032 to 1034, when it did not register.
   virtual bool RegisterActiveXControl(MString path) noexcept;
+  // Writes the NPAPI plug-in's entry; failures are reported. True.
   virtual bool RegisterPluginEntry(MString path) noexcept;
+  // Not in this build: false.
   virtual bool UnregisterActiveXControl(uint8_t removeSafeVersions, MString ignored) noexcept;
   // Reports that players are being stopped. True.
   virtual bool StopPlayers() noexcept;
@@ -100,7 +106,7 @@ class LumenBrokerShim {
   virtual bool OpenControlPanelApplet() noexcept;
   // A media player of version 6 that the installer must not run beside.
   virtual bool IsBadRealPlayer() noexcept;
-  // Not in this build: 0, not installed.
+  // 0 not installed, 1 older than this build, 2 the same, 3 newer.
   virtual uint32_t GetInstalledVersionState(uint32_t kind) noexcept;
   // Tells a failed registration from one never attempted.
   virtual uint8_t WasRegistrationReached() noexcept;

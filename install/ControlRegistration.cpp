@@ -5,6 +5,7 @@
 #include "engine/Handles.h"
 #include "engine/LumenBrokerShim.h"
 #include "engine/Reporting.h"
+#include "install/ClassKeys.h"
 
 namespace {
 
@@ -42,9 +43,11 @@ bool RegisterControl(LumenBrokerShim* shim, const MString& path) {
   return false;
 }
 
-void CallUnregisterServer(const MString& path) {
-  const LibraryHandle library(LoadLibraryW(path.Data()));
-  if (!library) return;
-  EntryPoint* const unregisterServer = FindEntryPoint(library, "DllUnregisterServer");
-  if (unregisterServer != nullptr) unregisterServer();
+bool UnregisterControl(const MString& path) {
+  if (const LibraryHandle library(LoadLibraryW(path.Data())); library) {
+    EntryPoint* const unregisterServer = FindEntryPoint(library, "DllUnregisterServer");
+    if (unregisterServer != nullptr) unregisterServer();
+  }
+  DeleteClassKeys(ClassKeySelection::Control);
+  return true;
 }

@@ -7,6 +7,6 @@ class LumenBrokerShim;
 
 // Loads the control's library and calls its DllRegisterServer, a second time after StopPlayers when it fails.
 [[nodiscard]] bool RegisterControl(LumenBrokerShim* shim, const MString& path);
-// Loads the library and calls its DllUnregisterServer. Failures are passed over. The class keys that earlier versions
-// left are not touched.
-void CallUnregisterServer(const MString& path);
+// Loads the library, calls its DllUnregisterServer and deletes the class keys that the control has left in all its
+// versions. What fails is passed over: true.
+bool UnregisterControl(const MString& path);

@@ -5,7 +5,6 @@
 
 #include "broker/BrokerRegistration.h"
 #include "broker/BrokerServer.h"
-#include "engine/DllHelpers.h"
 #include "engine/HostCallbacks.h"
 #include "engine/InstallEngine.h"
 #include "engine/ProductKeys.h"
@@ -13,6 +12,8 @@
 #include "engine/Registry.h"
 #include "engine/Reporting.h"
 #include "engine/SystemVersion.h"
+#include "install/BrowserRefresh.h"
+#include "install/FileProtection.h"
 
 namespace {
 
@@ -61,19 +62,11 @@ bool LumenBrokerShim::IsUacEnabled() noexcept {
   return static_cast<int32_t>(enabled.value_or(0)) > 0;
 }
 
-bool LumenBrokerShim::RefreshElevationPolicy() noexcept {
-  const LibraryHandle library(LoadSystemLibrary(L"ieframe.dll"));
-  if (!library) return false;
-  using Refresh = HRESULT WINAPI();
-  auto* const refresh =
-      reinterpret_cast<Refresh*>(reinterpret_cast<void*>(GetProcAddress(library.Get(), "IERefreshElevationPolicy")));
-  if (refresh == nullptr) return false;
-  refresh();  // whatever it says: the browser has been asked
-  return true;
-}
-
 bool LumenBrokerShim::RegisterBrokerServer(MString path, uint32_t kind) noexcept {
-  if (kind == product_kind::ActiveX) WriteBrokerRegistration(path.Narrow().get(), true);
+  if (kind != product_kind::ActiveX) return true;
+  WriteBrokerRegistration(path.Narrow().get(), true);
+  ProtectFile(path, true);
+  AskBrowsersToRefresh(host);
   return true;
 }
 

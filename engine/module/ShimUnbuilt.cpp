@@ -6,20 +6,7 @@ MorphUI* LumenBrokerShim::CreateUI() noexcept {
 }
 void LumenBrokerShim::DestroyUI(void* /*ignored*/, MorphUI* /*ui*/) noexcept {}
 
-bool LumenBrokerShim::ReleaseTypeMatches(uint32_t /*kinds*/, uint32_t /*expected*/) noexcept {
-  return false;
-}
-bool LumenBrokerShim::CheckInstallAllowed(uint32_t /*kinds*/, uint32_t* /*code*/, uint32_t /*mode*/) noexcept {
-  return false;
-}
 bool LumenBrokerShim::UninstallProduct(uint32_t /*kind*/, MString /*file*/, uint8_t /*removeSafeVersions*/) noexcept {
-  return false;
-}
-bool LumenBrokerShim::RegisterProduct(uint32_t /*kind*/, MString /*playerPath*/, MString /*uninstallerPath*/,
-                                      MString /*ignored*/, uint8_t /*writeUninstallEntry*/) noexcept {
-  return false;
-}
-bool LumenBrokerShim::RemoveUpdateService(void* /*ignored*/, MString /*directory*/) noexcept {
   return false;
 }
 bool LumenBrokerShim::RemoveProductKind(uint32_t /*kind*/, MString /*directory*/, uint8_t /*removeSafeVersions*/,
@@ -35,12 +22,6 @@ bool LumenBrokerShim::RemoveOneFile(MString /*name*/, MString /*path*/) noexcept
 bool LumenBrokerShim::RemovePatternFiles(uint32_t /*kinds*/, MString /*directory*/) noexcept {
   return false;
 }
-bool LumenBrokerShim::RegisterActiveXControl(MString /*path*/) noexcept {
-  return false;
-}
-bool LumenBrokerShim::RegisterPluginEntry(MString /*path*/) noexcept {
-  return false;
-}
 bool LumenBrokerShim::UnregisterActiveXControl(uint8_t /*removeSafeVersions*/, MString /*ignored*/) noexcept {
   return false;
 }
@@ -53,7 +34,4 @@ MStringList* LumenBrokerShim::FindConflicts(uint32_t /*kinds*/) noexcept {
 }
 bool LumenBrokerShim::FindDefaultBrowser() noexcept {
   return false;
-}
-uint32_t LumenBrokerShim::GetInstalledVersionState(uint32_t /*kind*/) noexcept {
-  return 0;
 }
