@@ -4,8 +4,9 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <span>
 
-#include "engine/Handles.h"
+#include "ui/toolkit/GdiSupport.h"
 #include "ui/toolkit/MRegion.h"
 
 class HostCallbacks;
@@ -26,7 +27,6 @@ class MImage {
   MImage() = default;
   MImage(const MImage&) = delete;
   MImage& operator=(const MImage&) = delete;
-  ~MImage();
 
   // Loads resource `id` of `module`. What is missing or cannot be read leaves the image empty; regions that show it
   // then draw nothing. `host` serves the compressed form alone and may be null for the other.
@@ -38,11 +38,10 @@ class MImage {
   [[nodiscard]] int32_t Height() const { return height; }
 
  private:
-  void Decode(const uint8_t* data, size_t size);
+  void Decode(std::span<const uint8_t> data);
 
-  DrawingContext slot = nullptr;  // the context in `dc`, where ImageRef finds it
-  MemoryDc dc;
-  GdiObject bitmap;
+  DrawingContext slot = nullptr;  // the context of `dc`, where ImageRef finds it
+  BitmapDc dc;
   int32_t width = 0;
   int32_t height = 0;
 };

@@ -13,8 +13,8 @@
 
 class MTooltipArea final : public MSkinnedSection {
  public:
-  // Covers `control`, a native child of `parent`, within this region's bounds, which are relative to the control.
-  MTooltipArea(MWindow* inWindow, HWND parent, HWND control, HMODULE module);
+  // Covers `control`, a native child of `ownerWindow`, within this region's bounds, which are relative to the control.
+  MTooltipArea(MWindow* inWindow, HWND ownerWindow, HWND control, HMODULE module);
   ~MTooltipArea() override;
   // While active, moves the tip to where the bounds are now.
   void Layout() override;
