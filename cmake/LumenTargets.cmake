@@ -56,9 +56,10 @@ endfunction()
 # One executable, one CTest entry; its cases are counted from the XML it leaves in <build>/results.
 # LOCK names what the tests share with others: registry, broker, display, printer, proxy, services.
 # NEEDS names what must be set up first, beside the Wine prefix: broker.
+# DISPLAY runs the test with a display of its own, for windows that have pixels; see tests/support/TestDesktop.h.
 # BARE gives no main of its own: the file list holds one.
 function(lumen_test name)
-  cmake_parse_arguments(T "BARE" "TIMEOUT" "PORTABLE;WINDOWS;LINK;LOCK;NEEDS" ${ARGN})
+  cmake_parse_arguments(T "BARE;DISPLAY" "TIMEOUT" "PORTABLE;WINDOWS;LINK;LOCK;NEEDS" ${ARGN})
   set(sources ${T_PORTABLE})
   if(WIN32)
     list(APPEND sources ${T_WINDOWS})
@@ -72,7 +73,11 @@ function(lumen_test name)
     target_link_libraries(${name} PRIVATE lumen_test_main)
   endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 --gtest_output=xml:results/${name}.xml
+  set(command ${name})
+  if(WIN32 AND T_DISPLAY)
+    set(command ${CMAKE_SOURCE_DIR}/tools/with-display $<TARGET_FILE:${name}>)
+  endif()
+  add_test(NAME ${name} COMMAND ${command} --gtest_brief=1 --gtest_output=xml:results/${name}.xml
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 240)
