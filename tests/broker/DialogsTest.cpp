@@ -35,7 +35,8 @@ TEST(DialogOwner, ByTheProgramThatOwnsTheWindow) {
     bool allowed;
   } rows[] = {
       {"an installed program", Trusted(L"player.exe"), true},
-      {"the folder of 32-bit programs", testing_files::Folder(CSIDL_PROGRAM_FILESX86) + L"\\Lumen Owner Test\\player.exe", true},
+      {"the folder of 32-bit programs",
+       testing_files::Folder(CSIDL_PROGRAM_FILESX86) + L"\\Lumen Owner Test\\player.exe", true},
       {"a folder beside it", testing_files::Folder(CSIDL_PROGRAM_FILES) + L" Too\\player.exe", false},
       {"anywhere else", L"C:\\lumen-owner\\player.exe", false},
       {"a browser's name anywhere", L"C:\\lumen-owner\\MicrosoftEdge.exe", true},

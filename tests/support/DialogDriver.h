@@ -15,9 +15,9 @@
 
 class DialogDriver {
  public:
-  static constexpr int kFileName = 1152;       // the file dialogs' edit control
-  static constexpr int kFileType = 1136;       // their list of filters
-  static constexpr DWORD kPatience = 30000;    // milliseconds; far more than anything here needs
+  static constexpr int kFileName = 1152;     // the file dialogs' edit control
+  static constexpr int kFileType = 1136;     // their list of filters
+  static constexpr DWORD kPatience = 30000;  // milliseconds; far more than anything here needs
   using Act = std::function<void(DialogDriver&)>;
 
   // Starts to wait for the first visible dialog on the desktop, and then runs `act`, on a thread of its own.

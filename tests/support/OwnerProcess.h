@@ -14,8 +14,8 @@ class OwnerProcess {
   // Copies WindowOwner.exe to `image`, making its folder, and runs it there.
   explicit OwnerProcess(WideString image) : image_(std::move(image)) {
     static int count = 0;
-    const WideString name = WidenAscii("LumenOwner" + std::to_string(GetCurrentProcessId()) + "n" +
-                                       std::to_string(++count));
+    const WideString name =
+        WidenAscii("LumenOwner" + std::to_string(GetCurrentProcessId()) + "n" + std::to_string(++count));
     testing_files::MakeDirectories(image_.substr(0, image_.rfind(L'\\')));
     CopyFileW((broker_process::BuildFolder() + L"\\tests\\WindowOwner.exe").c_str(), image_.c_str(), FALSE);
     const KernelHandle ready(CreateEventW(nullptr, TRUE, FALSE, (name + L"ready").c_str()));
