@@ -1,10 +1,10 @@
 #include "broker/BrokerPathPolicy.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
-#include "broker/PathParts.h"
 #include "engine/Vendor.h"
 
 namespace {
@@ -25,11 +25,16 @@ static_assert(std::size(kAllowedExtensions) == 25);
 // Below the user's data folders, where directories may be made.
 constexpr WideView kAllowedDirectorySuffixes[] = {L"\\HALCYONICS", L"\\CORVA"};
 
-// One pass, since every check of every client comes through here.
+// One pass over a table, since every check of every client comes through here.
+constexpr auto kForbidden = [] {
+  std::array<bool, 128> table{};
+  for (const char unit : {'*', '?', '"', '|', '<', '>', '/'}) table[static_cast<size_t>(unit)] = true;
+  return table;
+}();
+
 bool HoldsForbidden(WideView path) {
-  return std::any_of(path.begin(), path.end(), [](wchar_t unit) {
-    return unit == L'*' || unit == L'?' || unit == L'"' || unit == L'|' || unit == L'<' || unit == L'>' || unit == L'/';
-  });
+  return std::any_of(path.begin(), path.end(),
+                     [](wchar_t unit) { return unit < kForbidden.size() && kForbidden[unit]; });
 }
 
 bool IsDriveLetter(wchar_t unit) {
@@ -65,9 +70,35 @@ bool ObeysDotRules(WideView path) {
   return true;
 }
 
+// A path behind this prefix is opened as it is spelled, though its full name is folded like any other.
+bool IsVerbatim(WideView path) {
+  return path.starts_with(L"\\\\?\\");
+}
+
+// The dot rule for names as they were given, since the full name has lost most dots at their ends. "." and ".." alone
+// are no names but directions.
+bool GivenNameEndsWithDot(WideView path) {
+  path = path.substr(0, path.find_last_not_of(L' ') + 1);
+  const auto isEdge = [path](size_t at) { return at >= path.size() || path[at] == L'\\' || path[at] == L'/'; };
+  for (size_t dot = path.find(L'.'); dot != WideView::npos; dot = path.find(L'.', dot + 1)) {
+    if (!isEdge(dot + 1)) continue;
+    const bool one = isEdge(dot - 1);  // also in front of the path, where the index wraps around
+    const bool two = !one && path[dot - 1] == L'.' && isEdge(dot - 2);
+    if (!one && !two) return true;
+  }
+  return false;
+}
+
+bool ClimbsUp(WideView path) {
+  return path.find(L"\\..") != WideView::npos || path.find(L"/..") != WideView::npos;
+}
+
 WideString WithoutLastComponent(WideView path) {
   const size_t slash = path.find_last_of(L"\\/");
-  return WideString(path.substr(0, slash == WideView::npos ? path.size() : slash));
+  if (slash == WideView::npos) return WideString(path);
+  // Without its slash a drive would be the directory that happens to be current on it.
+  const bool ofDrive = slash == 2 && path[1] == L':';
+  return WideString(path.substr(0, ofDrive ? slash + 1 : slash));
 }
 
 }  // namespace
@@ -85,19 +116,23 @@ std::optional<WideString> BrokerPathPolicy::ExpandBrokerPath(const wchar_t* path
 std::optional<WideString> BrokerPathPolicy::SanitizePath(WideView path, bool upper) {
   // Until a round changes nothing: a path that a second canonicalisation would read differently settles first.
   std::optional<WideString> full = operations.FullPath(path);
+  bool asOpened = full && (!IsVerbatim(path) || *full == path);
   for (int round = 1; full && round < kMostRounds; ++round) {
     std::optional<WideString> again = operations.FullPath(*full);
     if (!again) return std::nullopt;
     const bool settled = *again == *full;
+    asOpened = asOpened && settled;
     full = std::move(again);
     if (settled) break;
   }
   if (!full) return std::nullopt;
+  // Opening the path canonicalises it once, or not at all: a name that settles later is not the one that is opened.
+  if (upper && (!asOpened || GivenNameEndsWithDot(path))) return std::nullopt;
   std::optional<WideString> upperCased = operations.UpperCase(*full);
   if (!upperCased) return std::nullopt;
 
-  WideString result = upper ? *upperCased : std::move(*full);
-  DropVerbatimPrefix(result, *upperCased);
+  WideString result = upper ? std::move(*upperCased) : std::move(*full);
+  DropVerbatimPrefix(result, upper ? result : *upperCased);
   if (HoldsForbidden(result)) return std::nullopt;
   if (!HasOnlyDriveColon(result)) return std::nullopt;
   if (upper && !ObeysDotRules(result)) return std::nullopt;
@@ -170,6 +205,8 @@ bool BrokerPathPolicy::IsSearchablePath(const wchar_t* path) {
   if (attributes && (*attributes & kAttributeDirectory) == 0) {
     searched = WithoutLastComponent(searched);
   } else if (const size_t wildcard = searched.find_first_of(L"*?"); wildcard != WideString::npos) {
+    // Behind the pattern a ".." would fold it away, and take the search out of the directory that is judged here.
+    if (ClimbsUp(WideView(searched).substr(wildcard))) return false;
     // The pattern goes first, since no path with a wildcard in it is canonical.
     searched = WithoutLastComponent(WideView(searched).substr(0, wildcard));
   }
@@ -189,11 +226,12 @@ bool BrokerPathPolicy::IsSystemPlayerPath(WideView path) {
 }
 
 std::optional<WideString> BrokerPathPolicy::TryGetLongPath(WideView path) {
-  const PathParts parts = SplitPath(path);
-  const WideString directory = parts.drive + parts.directory;
-  std::optional<WideString> longer = operations.LongPath(directory);
-  if (!longer || longer->size() == directory.size()) return std::nullopt;
-  *longer += parts.name + parts.extension;
+  const size_t drive = path.size() >= 2 && path[1] == L':' ? 2 : 0;
+  const size_t slash = path.find_last_of(L"\\/");
+  const size_t name = slash == WideView::npos ? drive : slash + 1;
+  std::optional<WideString> longer = operations.LongPath(path.substr(0, name));
+  if (!longer || longer->size() == name) return std::nullopt;
+  *longer += path.substr(name);
   return longer;
 }
 

@@ -70,6 +70,7 @@ class BrokerPathPolicy {
   bool FillWritableRoots();
   enum class RootMatch { None, Data, Temp };
   [[nodiscard]] RootMatch MatchRoot(WideView path) const;
+  [[nodiscard]] bool FollowChain(WideString current, WideString target, std::optional<WideString>& targetOut);
   [[nodiscard]] bool LongChainStaysInside(WideString current);
   [[nodiscard]] bool ReadLink(WideView place, WideView remainder, std::optional<WideString>& targetOut);
   [[nodiscard]] Cached FolderWithoutSlash(ShellFolder folder);

@@ -22,9 +22,18 @@ size_t LastSlash(WideView path) {
   return at == 0 ? WideView::npos : at - 1;
 }
 
-WideString WithoutObjectPrefix(WideString target) {
+// Win32 calls drop dots and blanks at a name's end, and everything behind a null, where the kernel that follows a link
+// keeps them. Asked about such a place they would tell of another one, behind which a link could hide.
+bool IsAskedAboutByItsOwnName(WideView place) {
+  return place.empty() || (place.back() != L'.' && place.back() != L' ');
+}
+
+// Takes over a target without the prefix of the object manager; false when it cannot be asked about.
+bool SetTarget(WideString&& target, std::optional<WideString>& targetOut) {
+  if (target.find(L'\0') != WideString::npos) return false;
   if (target.starts_with(L"\\??\\")) target.erase(0, 4);
-  return target;
+  targetOut = std::move(target);
+  return true;
 }
 
 }  // namespace
@@ -37,12 +46,12 @@ bool BrokerPathPolicy::IsUncServerRoot(WideView path) {
 
 bool BrokerPathPolicy::ResolveOneLink(WideView path, std::optional<WideString>& targetOut) {
   targetOut.reset();
-  const std::optional<WideString> beginning = operations.UpperCase(path.substr(0, kGlobalRoot.size()));
+  const size_t compared = path.starts_with(L"\\\\?\\") ? kGlobalRoot.size() : 0;
+  const std::optional<WideString> beginning = operations.UpperCase(path.substr(0, compared));
   if (!beginning) return true;
   if (*beginning == kGlobalRoot) path.remove_prefix(kGlobalRoot.size() - 1);
   if (std::optional<WideString> target = operations.ObjectLinkTarget(path)) {
-    targetOut = WithoutObjectPrefix(std::move(*target));
-    return true;
+    return SetTarget(std::move(*target), targetOut);
   }
 
   // The file's own place first: nothing may be written through a link that stands there, and nothing need stand there.
@@ -50,9 +59,13 @@ bool BrokerPathPolicy::ResolveOneLink(WideView path, std::optional<WideString>& 
   const size_t drive = path.size() >= 2 && path[1] == L':' ? 2 : 0;
   for (size_t end = path.size();;) {
     const WideView place = path.substr(0, end);
+    if (!IsAskedAboutByItsOwnName(place)) return false;
     const std::optional<uint32_t> attributes = operations.Attributes(place);
     if (!attributes && end != path.size()) return IsUncServerRoot(place);
-    if (attributes && (*attributes & kAttributeReparsePoint) != 0) return ReadLink(place, path.substr(end), targetOut);
+    if (attributes && (*attributes & kAttributeReparsePoint) != 0) {
+      // A place asked for with its slash shares that with what follows it.
+      return ReadLink(place, path.substr(end > 0 && IsSlash(place.back()) ? end - 1 : end), targetOut);
+    }
     const size_t slash = LastSlash(place);
     if (slash == WideView::npos || slash < drive) return true;
     const size_t above = slash == drive ? drive + 1 : slash;
@@ -61,38 +74,43 @@ bool BrokerPathPolicy::ResolveOneLink(WideView path, std::optional<WideString>& 
   }
 }
 
-// A link whose data cannot be read could lead anywhere, so it fails the walk; any other kind of reparse point is no
-// link.
+// A link whose data cannot be read or does not add up could lead anywhere, so it fails the walk; any other kind of
+// reparse point is no link.
 bool BrokerPathPolicy::ReadLink(WideView place, WideView remainder, std::optional<WideString>& targetOut) {
   const std::optional<std::vector<uint8_t>> data = operations.ReadReparsePoint(place);
   if (!data) return false;
-  if (std::optional<WideString> target = ParseReparseTarget(*data)) {
-    *target += remainder;
-    targetOut = WithoutObjectPrefix(std::move(*target));
-  }
-  return true;
+  if (!IsLinkTag(*data)) return true;
+  std::optional<WideString> target = ParseReparseTarget(*data);
+  if (!target) return false;
+  *target += remainder;
+  return SetTarget(std::move(*target), targetOut);
 }
 
 bool BrokerPathPolicy::ResolveAllLinks(WideView path, std::optional<WideString>& targetOut) {
   targetOut.reset();
-  WideString current(path);
+  std::optional<WideString> first;
+  if (!ResolveOneLink(path, first)) return false;
+  if (!first) return true;  // nearly always, so nothing is copied up to here
+  return FollowChain(WideString(path), std::move(*first), targetOut);
+}
+
+bool BrokerPathPolicy::FollowChain(WideString current, WideString target, std::optional<WideString>& targetOut) {
   std::vector<WideString> history;
-  std::optional<WideString> found;
   for (;;) {
-    std::optional<WideString> target;
-    if (!ResolveOneLink(current, target)) return false;
-    if (!target) {
-      targetOut = std::move(found);
-      return true;
-    }
     // A cycle leads nowhere when it is opened, so the path it had goes on to be judged by the roots.
-    if (*target == current || std::find(history.begin(), history.end(), *target) != history.end()) return true;
+    if (target == current || std::find(history.begin(), history.end(), target) != history.end()) return true;
     // So does the path behind too long a chain, but the platform follows more links than this: the chain must stay
     // inside.
-    if (history.size() == kMostEarlierTargets) return LongChainStaysInside(std::move(*target));
+    if (history.size() == kMostEarlierTargets) return LongChainStaysInside(std::move(target));
     history.push_back(std::move(current));
-    current = *target;
-    found = std::move(target);
+    current = std::move(target);
+    std::optional<WideString> next;
+    if (!ResolveOneLink(current, next)) return false;
+    if (!next) {
+      targetOut = std::move(current);
+      return true;
+    }
+    target = std::move(*next);
   }
 }
 
@@ -103,7 +121,8 @@ bool BrokerPathPolicy::LongChainStaysInside(WideString current) {
     if (!ResolveOneLink(current, target)) return false;
     if (!target) {
       const std::optional<WideString> end = SanitizePath(current, true);
-      return end && FillWritableRoots() && MatchRoot(*end) != RootMatch::None;
+      return end && FillWritableRoots() && MatchRoot(*end) != RootMatch::None &&
+             !IsPathUnderRoot(*end, *vendorSettingsRoot);
     }
     current = std::move(*target);
   }

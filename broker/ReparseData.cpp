@@ -15,12 +15,20 @@ uint32_t Read16(std::span<const uint8_t> data, size_t at) {
   return static_cast<uint32_t>(data[at]) | static_cast<uint32_t>(data[at + 1]) << 8;
 }
 
+// Zero, which is no tag, when there is not even that.
+uint32_t TagOf(std::span<const uint8_t> data) {
+  return data.size() < 4 ? 0 : Read16(data, 0) | Read16(data, 2) << 16;
+}
+
 }  // namespace
 
+bool IsLinkTag(std::span<const uint8_t> data) {
+  return TagOf(data) == kSymbolicLink || TagOf(data) == kMountPoint;
+}
+
 std::optional<WideString> ParseReparseTarget(std::span<const uint8_t> data) {
-  if (data.size() < kMountPointNames) return std::nullopt;
-  const uint32_t tag = Read16(data, 0) | Read16(data, 2) << 16;
-  if (tag != kSymbolicLink && tag != kMountPoint) return std::nullopt;
+  if (data.size() < kMountPointNames || !IsLinkTag(data)) return std::nullopt;
+  const uint32_t tag = TagOf(data);
   const size_t begin =
       (tag == kSymbolicLink ? kSymbolicLinkNames : kMountPointNames) + Read16(data, kSubstituteOffsetAt);
   const size_t length = Read16(data, kSubstituteLengthAt) / 2 * 2;

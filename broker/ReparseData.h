@@ -8,5 +8,7 @@
 
 #include "engine/WideText.h"
 
+// Do the data say that they are a symbolic link's or a mount point's?
+[[nodiscard]] bool IsLinkTag(std::span<const uint8_t> data);
 // The substitute name of a symbolic link or a mount point; nothing for any other tag or for data that does not add up.
 [[nodiscard]] std::optional<WideString> ParseReparseTarget(std::span<const uint8_t> data);

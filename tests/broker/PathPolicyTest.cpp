@@ -63,6 +63,8 @@ TEST(PathPolicy, JudgesTheSameWithWarmCaches) {
 // Paths made of the pieces that attacks are made of.
 TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
   const WideView pieces[] = {L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
+                             L"\\\\?\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
+                             L"\\\\?\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics",
                              L"C:\\Users\\A\\AppData\\Local\\Temp\\Low",
                              L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player",
                              L"C:\\Outside",
@@ -106,16 +108,25 @@ TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
                              L"\\link-relative",
                              L"\\broken",
                              L"\\link-settings",
+                             L"\\trap",
+                             L"\\trap ",
+                             L"\\pit.",
+                             L"\\link-trap",
+                             L"\\link-pit",
+                             L"\\link-up-dots",
+                             L"\\link-null",
                              L"x",
                              L"\x0130",
                              L"*",
                              L"?"};
   std::mt19937 random(20261121);
   int accepted = 0;
-  for (const bool localAppData : {false, true}) {
+  for (const int setting : {0, 1, 2, 3}) {
+    const bool localAppData = (setting & 1) != 0;
     Subject subject(localAppData);
-    for (int round = 0; round < 15000; ++round) {
-      WideString path(pieces[random() % 4]);
+    subject.system.foldsVerbatim = (setting & 2) != 0;
+    for (int round = 0; round < 8000; ++round) {
+      WideString path(pieces[random() % 6]);
       for (auto n = random() % 7; n > 0; --n) path += pieces[random() % std::size(pieces)];
       if (!subject.policy.IsWritableDataPath(path.c_str(), false, nullptr)) continue;
       ++accepted;
@@ -187,6 +198,27 @@ TEST(PathPolicy, ObjectManagerLinksAreFollowed) {
   // A name that is no link has directories that nobody can look at.
   EXPECT_FALSE(subject.policy.ResolveOneLink(L"\\RPC Control\\other", target));
   EXPECT_FALSE(target.has_value());
+}
+
+TEST(PathPolicy, ALinkAtTheTopKeepsTheSlashOfWhatFollows) {
+  Subject subject;
+  subject.system.AddLink(L"M:", L"\\??\\C:\\Outside", true);
+  std::optional<WideString> target;
+  EXPECT_TRUE(subject.policy.ResolveOneLink(L"M:\\SUB\\F.SOL", target));
+  EXPECT_EQ(ToUtf8(target.value_or(L"none")), "C:\\Outside\\SUB\\F.SOL");
+}
+
+// A sandbox that can make a null in a name is asked about with the part in front of it.
+TEST(PathPolicy, ATargetWithANullInItIsRefused) {
+  Subject subject;
+  const WideString hidden = WideString(kPlayerRoot) + L"\\SUB" + WideString(1, L'\0') + L"\\X";
+  subject.system.AddObjectLink(L"\\RPC Control\\null", hidden);
+  subject.system.AddObjectLink(L"\\RPC Control\\plain", WideString(kPlayerRoot) + L"\\SUB");
+  std::optional<WideString> target;
+  EXPECT_FALSE(subject.policy.ResolveOneLink(L"\\RPC Control\\null", target));
+  EXPECT_FALSE(target.has_value());
+  EXPECT_TRUE(subject.policy.ResolveOneLink(L"\\RPC Control\\plain", target));
+  EXPECT_TRUE(target.has_value());
 }
 
 TEST(PathPolicy, AServerAloneHasNothingToResolve) {

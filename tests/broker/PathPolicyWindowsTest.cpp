@@ -60,9 +60,11 @@ TEST_F(RealPaths, RootsEndingsDotsAndStreams) {
               {L"\\a.exe", false},         {L"\\a.sol:b.sol", false},   {L"\\..\\a.sol", false},
               {L"\\none\\a.sol", false},   {L"\\.a.sol", false},        {L"\\corva.example\\a.sol", false},
               {L"\\nul", false},           {L"\\aux.txt", false},       {L"s\\a.sol", false},
-              {L"\\%2E%2E\\a.sol", false}, {L"\\a.sol.", true},         {L"\\a*.sol", false}};
+              {L"\\%2E%2E\\a.sol", false}, {L"\\a.sol.", false},        {L"\\a*.sol", false},
+              {L"\\sub.\\a.sol", false},   {L"\\sub\\a.sol", true},     {L"\\a.sol ", true}};
   for (const auto& row : rows) EXPECT_EQ(Writable(player.Path() + row.below), row.writable) << ToUtf8(row.below);
   EXPECT_TRUE(Writable(L"\\\\?\\" + player.Path() + L"\\a.sol"));
+  EXPECT_FALSE(Writable(L"\\\\?\\" + player.Path() + L"\\sub\\..\\a.sol"));
   EXPECT_FALSE(Writable(L"\\\\.\\" + player.Path() + L"\\a.sol"));
   EXPECT_FALSE(Writable(outside.Path() + L"\\a.sol", false));
 }
@@ -75,6 +77,20 @@ TEST_F(RealPaths, ALinkedDirectoryIsRefusedSinceItsDataCannotBeRead) {
   EXPECT_FALSE(Writable(player.Path() + L"\\link\\none\\a.sol"));
   EXPECT_TRUE(Writable(player.Path() + L"\\a.sol"));
   RunOutside(L"/bin/rm \"" + OutsidePath(player.Path()) + L"/link\"");
+}
+
+// Asking about "trap " tells of "trap", while a file behind it opens behind the link.
+TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
+  MakeDirectories(player.Path() + L"\\trap");
+  RunOutside(L"/bin/ln -s \"" + OutsidePath(outside.Path()) + L"\" \"" + OutsidePath(player.Path()) + L"/trap \"");
+  ASSERT_EQ(GetFileAttributesW((player.Path() + L"\\trap ").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
+  const WideString through = player.Path() + L"\\trap \\a.sol";
+  ASSERT_TRUE(FileHandle(CreateFileW(through.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)));
+  ASSERT_TRUE(Exists(outside.Path() + L"\\a.sol"));
+  EXPECT_FALSE(Writable(through));
+  EXPECT_FALSE(Writable(L"\\\\?\\" + through));
+  EXPECT_TRUE(Writable(player.Path() + L"\\trap\\a.sol"));
+  RunOutside(L"/bin/rm \"" + OutsidePath(player.Path()) + L"/trap \"");
 }
 
 TEST_F(RealPaths, AShortNameDoesNotSlipPastARoot) {

@@ -126,6 +126,17 @@ MemoryPathOperations::MemoryPathOperations() {
   AddLink(player + L"\\link-share", L"\\??\\UNC\\server\\share");
   AddLink(player + L"\\link-relative", L"..\\..\\Outside");
   AddLink(player + L"\\link-token", upper + L"S");
+  // Names that only a verbatim path can make, each beside the plain one that it is mistaken for.
+  AddDirectory(player + L"\\trap");
+  AddLink(player + L"\\trap ", L"\\??\\C:\\Outside");
+  AddDirectory(player + L"\\pit");
+  AddLink(player + L"\\pit.", L"\\??\\C:\\Outside");
+  AddLink(player + L"\\link-trap", upper + L"\\TRAP ");
+  AddLink(player + L"\\link-pit", upper + L"\\PIT.");
+  AddLink(player + L"\\link-up-dots", upper + L"\\SUB\\..\\..\\..");
+  AddDirectory(L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics.\\Lumen Player");
+  // The object manager takes a name with a null in it, of which the platform's calls see the beginning.
+  AddLink(player + L"\\link-null", WideString(L"\\??\\") + upper + L"\\SUB" + WideString(1, L'\0') + L"\\X");
   AddLink(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\link-out", L"\\??\\C:\\Outside");
   AddReparsePoint(player + L"\\broken", std::nullopt);
   AddReparsePoint(player + L"\\other-tag", MakeReparseData(0x8000001B, L"\\??\\C:\\Outside"));
@@ -146,6 +157,9 @@ MemoryPathOperations::MemoryPathOperations() {
   AddLink(player + L"\\chain17", upper + L"\\K16");
   AddLink(player + L"\\chain16out", upper + L"\\O15");
   AddLink(player + L"\\chain17out", upper + L"\\O16");
+  AddLink(player + L"\\t1", upper + L"\\CORVA.EXAMPLE");
+  for (int n = 2; n <= 16; ++n) AddLink(player + L"\\t" + number(n), upper + L"\\T" + number(n - 1));
+  AddLink(player + L"\\chain17settings", upper + L"\\T16");
   AddLink(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\chain17out", upper + L"\\O16");
 }
 
@@ -173,6 +187,7 @@ void MemoryPathOperations::AddReparsePoint(WideView path, std::optional<std::vec
 }
 
 std::optional<WideString> MemoryPathOperations::FullPath(WideView path) {
+  if (!foldsVerbatim && path.starts_with(L"\\\\?\\")) return WideString(path);
   while (!path.empty() && path.back() == L' ') path.remove_suffix(1);
   if (path.empty()) return std::nullopt;
   const Rooted rooted = TakeRoot(path);
@@ -205,6 +220,14 @@ std::optional<WideString> MemoryPathOperations::FullPath(WideView path) {
   return full;
 }
 
+// Every function that takes a file's name folds it first, save behind the prefix that turns that off.
+std::optional<WideString> MemoryPathOperations::Opened(WideView path) {
+  if (path.find(L'\0') != WideView::npos) return std::nullopt;
+  if (!path.starts_with(L"\\\\?\\")) return FullPath(path);
+  if (path.find(L'/') != WideView::npos) return std::nullopt;
+  return WideString(path.substr(4));
+}
+
 std::optional<WideString> MemoryPathOperations::Locate(WideView path, bool followLast, int depth) const {
   if (depth > 63) return std::nullopt;
   const std::vector<WideString> parts = Split(path);
@@ -227,7 +250,8 @@ std::optional<WideString> MemoryPathOperations::Locate(WideView path, bool follo
 
 std::optional<uint32_t> MemoryPathOperations::Attributes(WideView path) {
   if (path.size() >= 260) return std::nullopt;
-  const std::optional<WideString> key = Locate(path, false);
+  const std::optional<WideString> opened = Opened(path);
+  const std::optional<WideString> key = opened ? Locate(*opened, false) : std::nullopt;
   if (!key) return std::nullopt;
   const auto node = nodes.find(*key);
   if (node == nodes.end()) return std::nullopt;
@@ -256,7 +280,8 @@ std::optional<WideString> MemoryPathOperations::ObjectLinkTarget(WideView object
 }
 
 std::optional<std::vector<uint8_t>> MemoryPathOperations::ReadReparsePoint(WideView path) {
-  const std::optional<WideString> key = Locate(path, false);
+  const std::optional<WideString> opened = Opened(path);
+  const std::optional<WideString> key = opened ? Locate(*opened, false) : std::nullopt;
   const auto node = key ? nodes.find(*key) : nodes.end();
   return node == nodes.end() ? std::nullopt : node->second.reparseData;
 }
@@ -268,8 +293,7 @@ std::optional<WideString> MemoryPathOperations::Folder(ShellFolder folder) {
 }
 
 std::optional<WideString> MemoryPathOperations::OpenForReal(WideView path) {
-  std::optional<WideString> full = FullPath(path);
-  if (full && full->starts_with(L"\\\\?\\")) full->erase(0, 4);
+  std::optional<WideString> full = Opened(path);
   for (int links = 0; full && links <= 63; ++links) {
     if (full->size() >= 260 || full->find_first_of(L"*?\"|<>") != WideString::npos) return std::nullopt;
     const size_t slash = full->find_last_of(L'\\');

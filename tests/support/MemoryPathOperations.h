@@ -38,6 +38,8 @@ class MemoryPathOperations final : public PathOperations {
 
   WideString tempPath = L"C:\\Users\\A\\AppData\\Local\\Temp\\";
   std::map<ShellFolder, WideString> folders;
+  // Whether full names fold dots behind "\\?\" too, although opening such a path does not.
+  bool foldsVerbatim = true;
 
  private:
   struct Node {
@@ -46,6 +48,8 @@ class MemoryPathOperations final : public PathOperations {
     WideString target;
     std::optional<std::vector<uint8_t>> reparseData;
   };
+  // The absolute path, without a prefix, that the platform's calls make of `path`.
+  std::optional<WideString> Opened(WideView path);
   // The node's key after links and short names of everything above it, or nothing.
   std::optional<WideString> Locate(WideView path, bool followLast, int depth = 0) const;
 
