@@ -10,6 +10,9 @@ namespace SASM {
 
 class FileManager {
  public:
+  // Room that a listing starts with.
+  static constexpr uint32_t kListingCapacity = 10;
+
   virtual ~FileManager() = default;
 
   // Deletes a file or a whole tree without asking. What is not there counts as deleted.
@@ -27,7 +30,8 @@ class FileManager {
   [[nodiscard]] virtual const char* GetCacheDirectoryPath() = 0;
   [[nodiscard]] virtual const char* GetPlayerDataPath() = 0;
   [[nodiscard]] virtual const char* GetPrivateDataPath() = 0;
-  // Adds the names in a directory, sorted; without "." and "..". False when it cannot be listed.
+  // Adds the names in a directory to `names`, made with kListingCapacity, and sorts them; without "." and "..". False
+  // when it cannot be listed.
   [[nodiscard]] virtual bool ListDirectory(const char* directory, StringVector& names) = 0;
 };
 

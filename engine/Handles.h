@@ -61,7 +61,7 @@ struct KeyTraits {
 struct LibraryTraits {
   using Value = HMODULE;
   static Value Empty() { return nullptr; }
-  static bool IsValid(Value library) { return library != nullptr; }
+  static bool IsValid(Value library) { return library != nullptr && library != INVALID_HANDLE_VALUE; }
   static void Close(Value library) { FreeLibrary(library); }
 };
 struct ServiceTraits {

@@ -29,13 +29,17 @@ std::optional<
     std::basic_string<Unit, std::conditional_t<std::is_same_v<Unit, wchar_t>, WideTraits, std::char_traits<Unit>>>>
 AskDirectory(Function* function) {
   Unit buffer[MAX_PATH] = {};
-  if (function == nullptr) return std::nullopt;
   const UINT length = function(buffer, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return std::nullopt;
   return {{buffer, length}};
 }
 
 }  // namespace
+
+std::optional<WideString> BoundedPath(WideView root, WideView below) {
+  if (root.size() + below.size() >= MAX_PATH) return std::nullopt;
+  return WideString(root) + WideString(below);
+}
 
 std::optional<WideString> FolderPath(ShellFolder folder) {
   wchar_t buffer[MAX_PATH] = {};
@@ -45,20 +49,16 @@ std::optional<WideString> FolderPath(ShellFolder folder) {
 
 std::optional<WideString> GetSystem32Path() {
   if (RunsUnderWow64()) {
-    if (auto path =
-            AskDirectory<wchar_t>(FromKernel32<decltype(::GetSystemWow64DirectoryW)>("GetSystemWow64DirectoryW"))) {
-      return path;
-    }
+    auto* const wow64 = FromKernel32<decltype(::GetSystemWow64DirectoryW)>("GetSystemWow64DirectoryW");
+    if (wow64 != nullptr) return AskDirectory<wchar_t>(wow64);
   }
   return AskDirectory<wchar_t>(&GetSystemDirectoryW);
 }
 
 std::optional<std::string> GetSystem32PathNarrow() {
   if (RunsUnderWow64()) {
-    if (auto path =
-            AskDirectory<char>(FromKernel32<decltype(::GetSystemWow64DirectoryA)>("GetSystemWow64DirectoryA"))) {
-      return path;
-    }
+    auto* const wow64 = FromKernel32<decltype(::GetSystemWow64DirectoryA)>("GetSystemWow64DirectoryA");
+    if (wow64 != nullptr) return AskDirectory<char>(wow64);
   }
   return AskDirectory<char>(&GetSystemDirectoryA);
 }
@@ -69,9 +69,9 @@ std::optional<WideString> GetPlayerRoots(bool local) {
 }
 
 std::optional<WideString> ProductDirectory() {
-  auto path = FolderPath(ShellFolder::RoamingAppData);
-  if (path) *path += L"\\Halcyonics\\Lumen Player\\" LUMEN_VENDOR_DOMAIN L"\\bin";
-  return path;
+  const auto root = FolderPath(ShellFolder::RoamingAppData);
+  if (!root) return std::nullopt;
+  return BoundedPath(*root, L"\\Halcyonics\\Lumen Player\\" LUMEN_VENDOR_DOMAIN L"\\bin");
 }
 
 WideString DigestPath(WideView settingsDirectory, WideView packageName) {
@@ -81,14 +81,15 @@ WideString DigestPath(WideView settingsDirectory, WideView packageName) {
 std::optional<WideString> SystemConfigPath() {
   auto path = AskDirectory<wchar_t>(&GetSystemWow64DirectoryW);
   if (!path) path = AskDirectory<wchar_t>(&GetSystemDirectoryW);
-  if (path) *path += L"\\Halcyons\\Lumen\\hms.cfg";
-  return path;
+  if (!path) return std::nullopt;
+  return BoundedPath(*path, L"\\Halcyons\\Lumen\\hms.cfg");
 }
 
 SystemConfigFile ReadSystemConfig() {
   const auto path = SystemConfigPath();
   if (!path) return {};
-  const FileHandle file(CreateFileW(path->c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  const FileHandle file(
+      CreateFileW(path->c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
   if (!file) return {};
   std::vector<char> content;
   char block[4096];

@@ -12,6 +12,8 @@
 #include "engine/SystemConfigFile.h"
 #include "engine/WideText.h"
 
+// `root` followed by `below`; nothing when that is longer than a path may be.
+[[nodiscard]] std::optional<WideString> BoundedPath(WideView root, WideView below);
 // A shell folder as the platform gives it.
 [[nodiscard]] std::optional<WideString> FolderPath(ShellFolder folder);
 

@@ -25,6 +25,11 @@ uint64_t Join(DWORD high, DWORD low) {
   return static_cast<uint64_t>(high) << 32 | low;
 }
 
+std::string Utf8Path(WideView root, WideView below) {
+  const auto path = BoundedPath(root, below);
+  return path ? ToUtf8(*path) : std::string();
+}
+
 // Calls `visit` for every entry of a directory but "." and "..". False when it cannot be listed.
 bool ForEachEntry(const WideString& directory, const std::function<void(const WIN32_FIND_DATAW&)>& visit) {
   WIN32_FIND_DATAW entry = {};
@@ -69,18 +74,19 @@ bool ExpireTree(const WideString& directory, uint64_t now, uint64_t youngest, ui
   });
 }
 
-// Fills a process-wide text once. A second fill by another thread is dropped; both would have found the same.
-const char* Cached(std::string& value, const std::function<std::string()>& find) {
-  if (value.empty()) {
-    std::string found = find();
-    if (value.empty()) value = std::move(found);
-  }
-  return value.c_str();
+// `found` unless another thread filled the process-wide text meanwhile: the late fill is dropped, as both found the
+// same.
+void FillOnce(std::string& value, std::string found) {
+  if (value.empty()) value = std::move(found);
 }
 
-std::string BelowRoaming(WideView below) {
-  const auto root = FolderPath(ShellFolder::RoamingAppData);
-  return root ? ToUtf8(*root + WideString(below)) : std::string();
+// Looked up again as long as there is no answer.
+const char* CachedBelowRoaming(std::string& value, WideView below) {
+  if (value.empty()) {
+    const auto root = FolderPath(ShellFolder::RoamingAppData);
+    FillOnce(value, root ? Utf8Path(*root, below) : std::string());
+  }
+  return value.c_str();
 }
 
 // The player's data root in this layer's own way: the folder is created if need be, and the registry value that stands
@@ -98,7 +104,7 @@ std::string FindPlayerDataPath(bool local) {
     if (value) root = WidenFromCodePage(*value);
     if (root.ends_with(L'/') || root.ends_with(L'\\')) root.pop_back();
   }
-  return root.empty() ? std::string() : ToUtf8(root + L"\\Halcyonics\\Lumen Player");
+  return root.empty() ? std::string() : Utf8Path(root, L"\\Halcyonics\\Lumen Player");
 }
 
 std::string g_assetCache, g_cacheDirectory, g_playerData, g_privateData;
@@ -146,19 +152,20 @@ bool WindowsFileManager::CreateChildDirectory(const char* parent, const char* na
 }
 
 const char* WindowsFileManager::GetAssetCachePath() {
-  return Cached(g_assetCache, [] { return BelowRoaming(L"\\Corva\\Lumen Player\\AssetCache"); });
+  return CachedBelowRoaming(g_assetCache, L"\\Corva\\Lumen Player\\AssetCache");
 }
 
 const char* WindowsFileManager::GetCacheDirectoryPath() {
-  return Cached(g_cacheDirectory, [] { return BelowRoaming(L"\\Corva\\Lumen Player\\CLCache"); });
+  return CachedBelowRoaming(g_cacheDirectory, L"\\Corva\\Lumen Player\\CLCache");
 }
 
 const char* WindowsFileManager::GetPlayerDataPath() {
-  return Cached(g_playerData, [this] { return FindPlayerDataPath(EnableLocalAppData()); });
+  if (g_playerData.empty()) FillOnce(g_playerData, FindPlayerDataPath(EnableLocalAppData()));
+  return g_playerData.c_str();
 }
 
 const char* WindowsFileManager::GetPrivateDataPath() {
-  return Cached(g_privateData, [] { return BelowRoaming(L"\\Corva\\Lumen Player\\CPSPrivateData2"); });
+  return CachedBelowRoaming(g_privateData, L"\\Corva\\Lumen Player\\CPSPrivateData2");
 }
 
 bool WindowsFileManager::ListDirectory(const char* directory, StringVector& names) {
