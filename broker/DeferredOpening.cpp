@@ -40,9 +40,9 @@ HANDLE OpenDeferred(BrokerCookieRecord& record, const Kernel32DllHelper& kernel3
     const EnterpriseIdentityList serverIdentities(EnterpriseIdentityList::Of::ServerProcess);
     if (serverIdentities.HasIdentity() && !ProtectFirst(*open, path, kernel32, protection)) return INVALID_HANDLE_VALUE;
   }
-  const HANDLE file = kernel32.CreateFileW(path, open->desiredAccess, open->shareMode, nullptr,
-                                           open->creationDisposition, open->flagsAndAttributes, nullptr);
+  FileHandle file(kernel32.CreateFileW(path, open->desiredAccess, open->shareMode, nullptr, open->creationDisposition,
+                                       open->flagsAndAttributes, nullptr));
   const ComInitializer com;
   if (com.Succeeded()) LumenBrokerAttachmentExecute::Mark(path);  // whatever the open gave
-  return file;
+  return file.Release();                                          // the record's from here on
 }

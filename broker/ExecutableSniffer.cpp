@@ -10,11 +10,12 @@ class Pass {
   Pass(BrokerCookieRecord& cookieRecord, std::span<const uint8_t> bytes, FileSniffSource& file)
       : record(cookieRecord), slice(bytes), source(file), prior(cookieRecord.lastWriteSize) {}
 
-  void OpenReadBack() {
+  void ReadBack() {
     Note(source.Rewind());
-    const Result opened = source.Open();
-    Note(opened);
-    haveReadBack = opened == result::Ok;
+    const Result outcome = source.Open();
+    Note(outcome);
+    readBack = true;
+    opened = outcome == result::Ok;
   }
 
   void Run() {
@@ -48,7 +49,8 @@ class Pass {
     return InRange(position, record.writePosition, record.seekBase) ? Where::ReadBack : Where::Nowhere;
   }
 
-  // The byte at a position, from the slice or from what was read back; nothing where neither has it.
+  // The byte at a position, from the slice or from what was read back; nothing where neither has it. What is read back
+  // counts as zeros where the file has no more, and all of it does when the file could not be opened.
   std::optional<uint8_t> Fetch(int64_t position, Where where) {
     if (where == Where::Slice) {
       const int64_t index = position - record.seekBase - record.writePosition;
@@ -56,9 +58,9 @@ class Pass {
       return slice[static_cast<size_t>(index)];
     }
     const int64_t index = position - record.writePosition;
-    if (where != Where::ReadBack || !haveReadBack || index >= record.seekBase) return std::nullopt;
+    if (where != Where::ReadBack || !readBack || index >= record.seekBase) return std::nullopt;
     uint8_t byte = 0;
-    Note(source.ByteAt(static_cast<uint32_t>(index), byte));
+    if (opened) Note(source.ByteAt(static_cast<uint32_t>(index), byte));
     return byte;
   }
 
@@ -105,7 +107,8 @@ class Pass {
   std::span<const uint8_t> slice;
   FileSniffSource& source;
   int64_t prior;
-  bool haveReadBack = false;
+  bool readBack = false;  // asked for, whether or not the file could be opened
+  bool opened = false;
   Result lastError = result::Ok;
 };
 
@@ -114,7 +117,7 @@ class Pass {
 Result SniffSlice(BrokerCookieRecord& record, std::span<const uint8_t> slice, FileSniffSource& source) {
   if (record.sniffActive == 0 && record.peOffset <= record.seekBase) return result::Ok;
   Pass pass(record, slice, source);
-  if (record.seekBase != 0 && record.lastWriteSize == 0) pass.OpenReadBack();
+  if (record.seekBase != 0 && record.lastWriteSize == 0) pass.ReadBack();
   pass.Run();
   return pass.LastError();
 }

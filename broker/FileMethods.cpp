@@ -208,11 +208,11 @@ HRESULT CoLumenBrokerServer::BrokerWriteFile(ULONG p_fileCookie, SAFEARRAY* p_da
 // Sniffing also runs when a client writes through a cookie that it opened for reading, where the write itself would
 // fail. Reading is open to any path, so the file is deleted only where the client could have written it.
 void CoLumenBrokerServer::DropExecutable(BrokerCookieRecord& record, HANDLE handle) {
-  if (handle == nullptr || handle == INVALID_HANDLE_VALUE || !record.filePath) return;
+  if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return;
   FileHandle(handle).Reset();
   record.handle = kNoHandle;
   const auto remove = pathOperations.Kernel().DeleteFileW;
-  if (remove != nullptr && policy.IsWritableDataPath(record.filePath->c_str(), false, nullptr)) {
+  if (remove != nullptr && record.filePath && policy.IsWritableDataPath(record.filePath->c_str(), false, nullptr)) {
     remove(record.filePath->c_str());
   }
 }

@@ -7,6 +7,7 @@
 #include "broker/BrokerFactory.h"
 #include "broker/BrokerServer.h"
 #include "tests/support/BrokerProcess.h"
+#include "tests/support/CountFixture.h"
 #include "tests/support/DispatchCall.h"
 
 namespace {
@@ -214,15 +215,7 @@ TEST_F(BrokerObject, ObjectWithoutATypeLibraryStillServes) {
 }
 
 TEST_F(BrokerObject, ManyObjectsLeaveNoHandlesBehind) {
-  const auto handles = [] {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count + GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-  };
-  Create().Reset();  // loads what the process then keeps
-  const DWORD before = handles();
-  for (int i = 0; i < 50; ++i) Create().Reset();
-  EXPECT_EQ(handles(), before);
+  EXPECT_TRUE(LeavesNothing(40, [this](int) { Create().Reset(); }));
 }
 
 TEST_F(BrokerObject, SaveDialogOfOldTouchesNoArgument) {

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
+
+#include "tests/support/SnifferOracle.h"
 
 namespace {
 
@@ -13,10 +16,11 @@ using Bytes = std::vector<uint8_t>;
 // A file whose content precedes what is written.
 class FakeFile final : public FileSniffSource {
  public:
-  explicit FakeFile(Bytes bytes = {}, Result open = result::Ok) : content(std::move(bytes)), openResult(open) {}
+  explicit FakeFile(Bytes bytes = {}, Result open = result::Ok, Result rewind = result::Ok)
+      : content(std::move(bytes)), openResult(open), rewindResult(rewind) {}
   Result Rewind() override {
     rewound = true;
-    return result::Ok;
+    return rewindResult;
   }
   Result Open() override { return openResult; }
   Result ByteAt(uint32_t position, uint8_t& byte) override {
@@ -28,6 +32,7 @@ class FakeFile final : public FileSniffSource {
  private:
   Bytes content;
   Result openResult;
+  Result rewindResult;
 };
 
 Bytes Image(size_t header = 80, size_t size = 120) {
@@ -130,12 +135,86 @@ TEST(ExecutableSniffer, FirstSlicesThatStopEarly) {
   }
 }
 
-TEST(ExecutableSniffer, ReadingBackThatFailsIsToldAndStopsNothing) {
+// Every place that a slice can start and end at, over every kind of file there may be ahead of it. The slice goes on
+// with the image where the seek left off, or begins the image there.
+TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
+  constexpr int32_t kHeaders[] = {0, 2, 58, 64, 80, 116, 118, INT32_MAX - 2, INT32_MIN, -2, -70};
+  int refused = 0;
+  for (const int32_t header : kHeaders) {
+    Bytes image = Image();
+    for (int i = 0; i < 4; ++i) image[static_cast<size_t>(60 + i)] = static_cast<uint8_t>(header >> (8 * i));
+    if (header >= 64 && header < 117) std::copy_n(image.begin() + 80, 4, image.begin() + header);
+    const auto size = static_cast<int32_t>(image.size());
+    for (const Bytes& content : {image, Bytes(image.begin(), image.begin() + 62), Bytes(image.size(), 'x'), Bytes()}) {
+      for (int32_t seek = -72; seek <= size + 2; ++seek) {
+        for (const bool readable : {true, false}) {
+          if (!readable && seek <= 0) continue;  // nothing is read back from ahead of the start
+          FakeFile file(content, readable ? result::Ok : result::AccessDenied);
+          for (int32_t length = 0; length <= size; length += length % 20 == 3 ? 3 : 1) {
+            const int32_t start = std::clamp(seek, 0, size - length);
+            for (const int32_t from : {0, start}) {
+              const std::span<const uint8_t> slice(image.data() + from, static_cast<size_t>(length));
+              BrokerCookieRecord record = Fresh();
+              record.seekBase = seek;
+              file.rewound = false;
+              (void)SniffSlice(record, slice, file);
+              const FirstWrite write{seek, slice, content, readable};
+              ASSERT_EQ(record.executableSeen != 0, IsImage(write))
+                  << "header " << header << " seek " << seek << " slice " << from << "+" << length << " of "
+                  << content.size() << (readable ? "" : " unreadable");
+              ASSERT_EQ(record.sniffActive, 0);
+              ASSERT_EQ(file.rewound, seek != 0);
+              refused += record.executableSeen;
+            }
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(refused, 1000) << "the oracle refuses something at all";
+}
+
+TEST(ExecutableSniffer, ReadingBackThatFailsIsToldAndLooksLikeZeros) {
+  const Bytes image = Image();
+  const Bytes rest(image.begin() + 10, image.end());
+  struct Row {
+    Result open, rewind, expected;
+    bool refused;
+  };
+  const Row rows[] = {
+      {result::Ok, result::Ok, result::Ok, true},
+      {result::AccessDenied, result::Ok, result::AccessDenied, false},  // no M in sight
+      {result::Ok, result::Fail, result::Fail, true},
+      {result::AccessDenied, result::Fail, result::AccessDenied, false},  // the last failure is told
+  };
+  for (const Row& row : rows) {
+    BrokerCookieRecord record = Fresh();
+    record.seekBase = 10;
+    FakeFile file(image, row.open, row.rewind);
+    EXPECT_EQ(SniffSlice(record, rest, file), row.expected);
+    EXPECT_EQ(record.executableSeen != 0, row.refused);
+  }
+}
+
+// A second write of a client that sought back behind an empty first one: nothing is judged, yet the handle is rewound.
+TEST(ExecutableSniffer, AHeaderAheadOfTheSeekRewindsOnceMore) {
   BrokerCookieRecord record = Fresh();
+  record.sniffActive = 0;
+  record.peOffset = 80;
+  FakeFile file;
   record.seekBase = 10;
-  FakeFile file({}, result::AccessDenied);
-  EXPECT_EQ(SniffSlice(record, Image(), file), result::AccessDenied);
-  EXPECT_EQ(record.executableSeen, 0);
+  EXPECT_FALSE(Write(record, Image(), file));
+  EXPECT_TRUE(file.rewound);
+  for (const auto& [seek, lastWrite] : {std::pair{80, 0u}, std::pair{0, 0u}, std::pair{10, 5u}}) {
+    BrokerCookieRecord other = Fresh();
+    other.sniffActive = 0;
+    other.peOffset = 80;
+    other.seekBase = seek;
+    other.lastWriteSize = lastWrite;
+    FakeFile untouched;
+    EXPECT_FALSE(Write(other, Image(), untouched));
+    EXPECT_FALSE(untouched.rewound) << seek << " after " << lastWrite;
+  }
 }
 
 TEST(ExecutableSniffer, PositionsOfAHostileClientStayInBounds) {

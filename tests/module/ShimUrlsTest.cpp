@@ -3,6 +3,7 @@
 
 #include "engine/Handles.h"
 #include "tests/module/LoadedModule.h"
+#include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
 
 namespace {
@@ -102,12 +103,9 @@ TEST_F(ShimUrls, QuirkTheAppletAnswersFalseEvenWhenItStarted) {
   FileHandle file(CreateFileW(kApplet, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
   ASSERT_TRUE(file.IsValid());
   file.Reset();
-  DWORD before = 0;
-  DWORD after = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &before);
+  const DWORD before = PlatformCounts().kernelHandles;
   EXPECT_FALSE(shim->OpenControlPanelApplet());
-  GetProcessHandleCount(GetCurrentProcess(), &after);
-  EXPECT_EQ(after, before) << "the process's handles stayed open";
+  EXPECT_EQ(PlatformCounts().kernelHandles, before) << "the process's handles stayed open";
   ASSERT_EQ(g_started.size(), 1u);
   EXPECT_EQ(g_started[0], "control.exe C:\\windows\\SysWOW64\\LumenPlayerCPLApp.cpl");
   EXPECT_TRUE(DeleteFileW(kApplet));
