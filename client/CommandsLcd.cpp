@@ -62,6 +62,7 @@ Outcome Listen(Context& context) {
   const BString wide = TextArgument(context, 0);
   const HRESULT added = context.broker->BrokerLcdTryAddConnection(wide.Get(), *realm, *realm, '1');
   if (added != S_OK) return {ExitCode::Refused, added, ""};
+  if (!context.silent) PrintError("listening as " + name + "\n");
   const DWORD begin = GetTickCount();
   uint32_t taken = 0;
   while (taken < *count && GetTickCount() - begin < *timeout) {
