@@ -10,7 +10,9 @@
 #include "broker/CoLumenBrokerServer.h"
 #include "engine/ProductKeys.h"
 #include "engine/Registry.h"
+#include "tests/fakes/InternetShortcutFake.h"
 #include "tests/support/ByteArray.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
@@ -184,14 +186,66 @@ TEST_F(Shortcuts, EveryRefusalAnswersAlike) {
   EXPECT_FALSE(testing_files::Exists(Menu(L"My Game.lnk")));
 }
 
-// Wine's internet shortcut has no link interface, so an accepted call gets as far as asking for it.
-TEST_F(Shortcuts, DesktopShortcutsComeOneInThreeSeconds) {
-  const BString redirect(L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=x");
-  const auto make = [&](const wchar_t* name) {
-    return broker->BrokerCreateDesktopShortcut(BString(name).Get(), redirect.Get(), nullptr, 1);
-  };
-  EXPECT_EQ(make(L"My_Game"), E_NOINTERFACE);
-  EXPECT_EQ(make(L"My_Game"), kRefused) << "too soon";
+// The clock that the broker reads, which a hook puts in the place of the platform's.
+DWORD g_tick = 0;
+DWORD WINAPI Tick() {
+  return g_tick;
+}
+
+class DesktopShortcuts : public Shortcuts {
+ protected:
+  DesktopShortcuts() { g_tick += 100000; }  // far from the calls of the test before
+  ~DesktopShortcuts() override {
+    for (const wchar_t* const name : {L"My_Game.url", L"My_Game (2).url"}) DeleteFileW(Desktop(name).c_str());
+    DeleteFileW(Menu(L"My_Game.lnk").c_str());
+  }
+  static WideString Desktop(const wchar_t* name) {
+    return testing_files::Folder(CSIDL_DESKTOPDIRECTORY) + L"\\" + name;
+  }
+  HRESULT MakeOnDesktop(DWORD later, ULONG flags = 1, const wchar_t* name = L"My_Game", const wchar_t* tail = L"x") {
+    g_tick += later;
+    const WideString address = WideString(kRedirector) + tail;
+    return broker->BrokerCreateDesktopShortcut(BString(name).Get(), BString(WideView(address)).Get(),
+                                               BString(L"C:\\game.ico").Get(), flags);
+  }
+  static constexpr const wchar_t* kRedirector =
+      L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=";
+  shell_fakes::Registered<shell_fakes::InternetShortcut> shortcuts{shell_fakes::kInternetShortcut};
+  ImportHook clock{GetModuleHandleW(nullptr), "GetTickCount", Tick};
+};
+
+TEST_F(DesktopShortcuts, AreRealFilesThatLeadToTheRedirector) {
+  ASSERT_EQ(MakeOnDesktop(0, 1 | 2), S_OK);
+  const std::string file = testing_files::ReadWhole(Desktop(L"My_Game.url"));
+  EXPECT_NE(file.find("URL=" + ToUtf8(kRedirector) + "x"), std::string::npos) << file;
+  EXPECT_NE(file.find("IconFile=C:\\game.ico"), std::string::npos) << file;
+  EXPECT_NE(file.find("IconIndex=0"), std::string::npos) << file;
+  EXPECT_TRUE(testing_files::Exists(Menu(L"My_Game.lnk"))) << "the start menu's is named like a link";
+  ASSERT_EQ(MakeOnDesktop(3001), S_OK);
+  EXPECT_TRUE(testing_files::Exists(Desktop(L"My_Game (2).url")));
+}
+
+TEST_F(DesktopShortcuts, ComeOneInThreeSecondsAndRefusedOnesCount) {
+  EXPECT_EQ(MakeOnDesktop(0), S_OK);
+  EXPECT_EQ(MakeOnDesktop(3000), kRefused);
+  EXPECT_EQ(MakeOnDesktop(3000), kRefused) << "the refused call began the wait anew";
+  EXPECT_EQ(MakeOnDesktop(3001), S_OK);
+  EXPECT_EQ(MakeOnDesktop(3001, 0), kRefused);
+  EXPECT_EQ(MakeOnDesktop(1), kRefused);
+}
+
+TEST_F(DesktopShortcuts, RefusalsAnswerAlikeAndFailuresAsTheyAre) {
+  EXPECT_EQ(MakeOnDesktop(3001, 1, L"My Game"), kRefused);
+  EXPECT_EQ(MakeOnDesktop(3001, 1, L""), kRefused);
+  EXPECT_EQ(MakeOnDesktop(3001, 8), S_OK) << "a pin without its place makes nothing";
+  g_tick += 3001;
+  const BString elsewhere(L"https://evil.example/");
+  EXPECT_EQ(broker->BrokerCreateDesktopShortcut(BString(L"My_Game").Get(), elsewhere.Get(), nullptr, 1), kRefused);
+  shell_fakes::g_record = {};
+  shell_fakes::g_record.failing = "SetIconLocation";
+  EXPECT_EQ(MakeOnDesktop(3001), E_UNEXPECTED);
+  shell_fakes::g_record = {};
+  EXPECT_FALSE(testing_files::Exists(Desktop(L"My_Game.url")));
 }
 
 }  // namespace
