@@ -46,6 +46,23 @@ TEST_F(Services, ThePendingVersionIsGivenAndTakenAway) {
   EXPECT_EQ(broker->BrokerPrefDeleteLumenPlayerVersion(), S_OK) << "blanking makes it again, so removal works";
 }
 
+std::string g_foundByRemoval = "not asked";
+LSTATUS WINAPI RefuseRemoval(HKEY key, LPCSTR name) {
+  char text[16] = {};
+  DWORD size = sizeof(text), type = REG_NONE;
+  const LSTATUS read = RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
+  g_foundByRemoval = std::to_string(read) + " type " + std::to_string(type) + " '" + text + "'";
+  return ERROR_ACCESS_DENIED;
+}
+
+// A version that cannot be removed is at least empty afterwards.
+TEST_F(Services, ThePendingVersionIsBlankedBeforeItIsRemoved) {
+  ASSERT_EQ(WriteText(Preferences().Get(), "LumenPlayerVersion", "28.0.0.1"), 0);
+  const ImportHook hook(GetModuleHandleW(nullptr), "RegDeleteValueA", RefuseRemoval);
+  EXPECT_EQ(broker->BrokerPrefDeleteLumenPlayerVersion(), E_FAIL);
+  EXPECT_EQ(g_foundByRemoval, "0 type 1 ''");
+}
+
 TEST_F(Services, TheDialogSizeNeedsBothValues) {
   ULONG width = 0, height = 0;
   EXPECT_EQ(broker->BrokerPrefSetExceptionDialogSize(640, 480), E_FAIL) << "the key is not made here";
