@@ -9,34 +9,12 @@
 
 #include "broker/BrokerPathPolicy.h"
 #include "broker/Win32PathOperations.h"
+#include "tests/support/RealLinks.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
 
 using namespace testing_files;  // NOLINT(google-build-using-namespace): a test's own vocabulary
-
-// Runs a program of the machine under Wine, which is how the prefix gets real links.
-void RunOutside(const WideString& arguments) {
-  WideString command = L"start.exe /wait /unix " + arguments;
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION child = {};
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child)) return;
-  const KernelHandle process(child.hProcess);
-  const KernelHandle thread(child.hThread);
-  WaitForSingleObject(process.Get(), 20000);
-}
-
-// Where the prefix's drive lies outside.
-WideString OutsidePath(const WideString& path) {
-  using Convert = char* CDECL(const WCHAR*);
-  auto* const convert = reinterpret_cast<Convert*>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-  char* const outside = convert(path.c_str());
-  const WideString wide = FromUtf8(outside);
-  HeapFree(GetProcessHeap(), 0, outside);
-  return wide;
-}
 
 class RealPaths : public testing::Test {
  protected:
@@ -70,19 +48,19 @@ TEST_F(RealPaths, RootsEndingsDotsAndStreams) {
 }
 
 TEST_F(RealPaths, ALinkedDirectoryIsRefusedSinceItsDataCannotBeRead) {
-  RunOutside(L"/bin/ln -s \"" + OutsidePath(outside.Path()) + L"\" \"" + OutsidePath(player.Path()) + L"/link\"");
+  MakeLink(outside.Path(), player.Path(), L"/link");
   ASSERT_NE(GetFileAttributesW((player.Path() + L"\\link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
   ASSERT_TRUE(Exists(player.Path() + L"\\link"));
   EXPECT_FALSE(Writable(player.Path() + L"\\link\\a.sol"));
   EXPECT_FALSE(Writable(player.Path() + L"\\link\\none\\a.sol"));
   EXPECT_TRUE(Writable(player.Path() + L"\\a.sol"));
-  RunOutside(L"/bin/rm \"" + OutsidePath(player.Path()) + L"/link\"");
+  RemoveLink(player.Path(), L"/link");
 }
 
 // Asking about "trap " tells of "trap", while a file behind it opens behind the link.
 TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
   MakeDirectories(player.Path() + L"\\trap");
-  RunOutside(L"/bin/ln -s \"" + OutsidePath(outside.Path()) + L"\" \"" + OutsidePath(player.Path()) + L"/trap \"");
+  MakeLink(outside.Path(), player.Path(), L"/trap ");
   ASSERT_EQ(GetFileAttributesW((player.Path() + L"\\trap ").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
   const WideString through = player.Path() + L"\\trap \\a.sol";
   ASSERT_TRUE(FileHandle(CreateFileW(through.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)));
@@ -90,7 +68,7 @@ TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
   EXPECT_FALSE(Writable(through));
   EXPECT_FALSE(Writable(L"\\\\?\\" + through));
   EXPECT_TRUE(Writable(player.Path() + L"\\trap\\a.sol"));
-  RunOutside(L"/bin/rm \"" + OutsidePath(player.Path()) + L"/trap \"");
+  RemoveLink(player.Path(), L"/trap ");
 }
 
 TEST_F(RealPaths, AShortNameDoesNotSlipPastARoot) {

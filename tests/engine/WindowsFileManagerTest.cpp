@@ -1,0 +1,116 @@
+// The file manager on real files, trees and links.
+#include "engine/WindowsFileManager.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "engine/ComSupport.h"
+#include "engine/Handles.h"
+#include "engine/SystemPaths.h"
+#include "tests/support/RealLinks.h"
+#include "tests/support/TestFiles.h"
+
+namespace {
+
+constexpr uint64_t kUnitsPerSecond = 10'000'000;
+
+class FileManager : public testing::Test {
+ protected:
+  // Below the directory of the test; UTF-8 as the file manager takes it.
+  [[nodiscard]] std::string At(const char* below) const { return ToUtf8(tree.Path()) + below; }
+  void Write(const char* below, size_t bytes, uint32_t ageInSeconds = 0) const {
+    const WideString path = FromUtf8(At(below));
+    testing_files::WriteWhole(path, std::string(bytes, 'x'));
+    FILETIME time = {};
+    GetSystemTimeAsFileTime(&time);
+    const uint64_t written =
+        (static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) - ageInSeconds * kUnitsPerSecond;
+    time = {static_cast<DWORD>(written), static_cast<DWORD>(written >> 32)};
+    const FileHandle file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(SetFileTime(file.Get(), nullptr, nullptr, &time));
+  }
+  [[nodiscard]] bool Exists(const char* below) const { return testing_files::Exists(FromUtf8(At(below))); }
+
+  ComInitializer apartment;
+  testing_files::CleanDirectory tree{L"C:\\file manager \x00E4\x4E2D"};
+  SASM::WindowsFileManager manager;
+};
+
+TEST_F(FileManager, MakesMeasuresListsAndDeletesATree) {
+  EXPECT_TRUE(manager.CreateChildDirectory(At("").c_str(), "sub"));
+  EXPECT_TRUE(manager.CreateChildDirectory(At("").c_str(), "sub")) << "one that is there";
+  EXPECT_FALSE(manager.CreateChildDirectory(At("\\none").c_str(), "sub"));
+  Write("\\b.sol", 3);
+  Write("\\a \xC3\xA4.sol", 5);
+  Write("\\sub\\c", 7);
+  EXPECT_EQ(manager.GetPathSize(At("").c_str()), 15u);
+  EXPECT_EQ(manager.GetPathSize(At("\\b.sol").c_str()), 3u);
+  EXPECT_EQ(manager.GetPathSize(At("\\none").c_str()), 0u);
+
+  SASM::StringVector names(SASM::FileManager::kListingCapacity);
+  EXPECT_TRUE(manager.ListDirectory(At("").c_str(), names));
+  std::vector<std::string> found;
+  for (uint32_t i = 0; i < names.Count(); ++i) found.emplace_back(names.TextAt(i));
+  EXPECT_EQ(found, (std::vector<std::string>{"a \xC3\xA4.sol", "b.sol", "sub"}));
+  EXPECT_FALSE(manager.ListDirectory(At("\\none").c_str(), names));
+
+  EXPECT_TRUE(manager.DeletePath(At("\\b.sol").c_str()));
+  EXPECT_FALSE(Exists("\\b.sol"));
+  EXPECT_TRUE(manager.DeletePath(At("\\b.sol").c_str())) << "what is not there counts as deleted";
+  EXPECT_TRUE(manager.DeletePath(At("").c_str()));
+  EXPECT_FALSE(Exists(""));
+  EXPECT_STREQ(manager.GetPathSeparator(), "\\");
+}
+
+TEST_F(FileManager, WhatTheShellSaysOfADeletion) {
+  for (const auto& [said, success] :
+       {std::pair{0, true}, {2, true}, {124, true}, {1026, true}, {3, false}, {5, false}, {32, false}, {1223, false}}) {
+    EXPECT_EQ(SASM::IsDeleteSuccess(said), success) << said;
+  }
+}
+
+TEST_F(FileManager, ExpiresByAgeAndTakesEmptiedDirectories) {
+  ASSERT_TRUE(manager.CreateChildDirectory(At("").c_str(), "old"));
+  ASSERT_TRUE(manager.CreateChildDirectory(At("").c_str(), "mixed"));
+  Write("\\now", 1);
+  Write("\\middle", 1, 500);
+  Write("\\ancient", 1, 5000);
+  Write("\\old\\middle", 1, 500);
+  Write("\\mixed\\middle", 1, 500);
+  Write("\\mixed\\now", 1);
+  EXPECT_TRUE(manager.ExpireFiles(At("").c_str(), 300, 1000));
+  EXPECT_TRUE(Exists("\\now"));
+  EXPECT_TRUE(Exists("\\ancient"));
+  EXPECT_FALSE(Exists("\\middle"));
+  EXPECT_FALSE(Exists("\\old")) << "left empty";
+  EXPECT_FALSE(Exists("\\mixed\\middle"));
+  EXPECT_TRUE(Exists("\\mixed\\now"));
+  EXPECT_FALSE(manager.ExpireFiles(At("\\none").c_str(), 0, 1000));
+  EXPECT_TRUE(manager.ExpireFiles(At("").c_str(), 0, UINT32_MAX));
+  EXPECT_FALSE(Exists("\\now"));
+}
+
+TEST_F(FileManager, ALinkInATreeIsNeverEntered) {
+  const testing_files::CleanDirectory outside(L"C:\\file manager outside");
+  testing_files::WriteWhole(outside.Path() + L"\\kept", "xyz");
+  testing_files::MakeLink(outside.Path(), tree.Path(), L"/link");
+  EXPECT_EQ(manager.GetPathSize(At("").c_str()), 0u);
+  EXPECT_TRUE(manager.ExpireFiles(At("").c_str(), 0, UINT32_MAX));
+  EXPECT_TRUE(testing_files::Exists(outside.Path() + L"\\kept"));
+  testing_files::RemoveLink(tree.Path(), L"/link");
+}
+
+// The locations last for the process, so that a later change of the folders is not seen.
+TEST_F(FileManager, LocationsAreFoundOnceAndKept) {
+  const std::string roaming = ToUtf8(FolderPath(ShellFolder::RoamingAppData).value_or(L""));
+  const std::string expected = roaming + "\\Halcyonics\\Lumen Player";
+  EXPECT_EQ(manager.GetPlayerDataPath(), expected);
+  EXPECT_EQ(manager.GetAssetCachePath(), roaming + "\\Corva\\Lumen Player\\AssetCache");
+  EXPECT_EQ(manager.GetCacheDirectoryPath(), roaming + "\\Corva\\Lumen Player\\CLCache");
+  EXPECT_EQ(manager.GetPrivateDataPath(), roaming + "\\Corva\\Lumen Player\\CPSPrivateData2");
+  const char* const first = manager.GetPlayerDataPath();
+  EXPECT_EQ(SASM::WindowsFileManager().GetPlayerDataPath(), first);
+}
+
+}  // namespace
