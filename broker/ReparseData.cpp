@@ -31,7 +31,8 @@ std::optional<WideString> ParseReparseTarget(std::span<const uint8_t> data) {
   const uint32_t tag = TagOf(data);
   const size_t begin =
       (tag == kSymbolicLink ? kSymbolicLinkNames : kMountPointNames) + Read16(data, kSubstituteOffsetAt);
-  const size_t length = Read16(data, kSubstituteLengthAt) / 2 * 2;
+  const size_t stored = Read16(data, kSubstituteLengthAt);
+  const size_t length = stored / 2 * 2;  // an odd byte is none
   if (begin > data.size() || data.size() - begin < length) return std::nullopt;
   WideString target;
   target.reserve(length / 2);
