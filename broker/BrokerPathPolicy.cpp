@@ -28,7 +28,7 @@ constexpr WideView kAllowedDirectorySuffixes[] = {L"\\HALCYONICS", L"\\CORVA"};
 // One pass over a table, since every check of every client comes through here.
 constexpr auto kForbidden = [] {
   std::array<bool, 128> table{};
-  for (const unsigned char unit : {'*', '?', '"', '|', '<', '>', '/'}) table[unit] = true;
+  for (const wchar_t unit : WideView(L"*?\"|<>/")) table[unit] = true;
   return table;
 }();
 
