@@ -21,12 +21,13 @@ MButton::~MButton() = default;
 
 void MButton::Layout() {
   MScale3Section::Layout();
-  if (labelText != nullptr) labelText->bounds = bounds.AtOrigin();
+  MoveLabel({0, 0});
 }
 
 void MButton::SetLabel(std::unique_ptr<MTextArea> text) {
-  labelText = std::move(text);
-  if (labelText != nullptr && right != nullptr) labelText->LinkAfter(right.get());
+  labelText.reset(text.release());
+  MRegion* const region = labelText.get();
+  if (region != nullptr && right != nullptr) region->LinkAfter(right.get());
 }
 
 void MButton::SetEnabled(bool on) {
@@ -59,10 +60,7 @@ void MButton::OnPointer(const ButtonStep& step, MRegion* region, MWindow* inWind
   pressState = step.next;
   if (step.posted == kClicked) ChangeByClick();
   if (step.look != Look::Keep) ShowLook(step.look);
-  if (step.label != LabelStep::Keep && labelText != nullptr) {
-    labelText->bounds = bounds.AtOrigin();
-    labelText->bounds.Offset({0, step.label == LabelStep::Down ? 1 : 0});
-  }
+  if (step.label != LabelStep::Keep) MoveLabel({0, step.label == LabelStep::Down ? 1 : 0});
   if (step.takesFocus && nativeWindow != nullptr) inWindow->SetFocusRegion(this, inWindow->ringVisible);
   if (step.posted >= 0) inWindow->PostEvent(static_cast<uint32_t>(controlId), static_cast<uint32_t>(step.posted));
 }
@@ -83,6 +81,13 @@ const MScale3Data* MButton::LookData(Look look) const {
     case Look::Pressed: return pressedData.get();
     default: return normalData.get();
   }
+}
+
+void MButton::MoveLabel(Point to) {
+  MRegion* const region = labelText.get();
+  if (region == nullptr) return;
+  region->bounds = bounds.AtOrigin();
+  region->bounds.Offset(to);
 }
 
 void MButton::ChangeByClick() {

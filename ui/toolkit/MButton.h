@@ -8,6 +8,11 @@
 
 class MTextArea;
 
+// Ends a region by way of its base, so that what holds one need not know all of it.
+struct RegionDeleter {
+  void operator()(MRegion* region) const { delete region; }
+};
+
 class MButton : public MScale3Section {
  public:
   // Owns its looks, each of which may be null. Shows the normal one.
@@ -27,7 +32,7 @@ class MButton : public MScale3Section {
   std::unique_ptr<MScale3Data> pressedData;
   std::unique_ptr<MScale3Data> disabledData;
   uint8_t pressState = kIdle;
-  std::unique_ptr<MTextArea> labelText;
+  std::unique_ptr<MTextArea, RegionDeleter> labelText;
 
   // Takes a label and draws it after the three pieces. It is no child: it has no native window and takes no input.
   void SetLabel(std::unique_ptr<MTextArea> text);
@@ -41,6 +46,7 @@ class MButton : public MScale3Section {
                      void* context);
   void OnPointer(const ButtonStep& step, MRegion* region, MWindow* inWindow);
   [[nodiscard]] const MScale3Data* LookData(Look look) const;
+  void MoveLabel(Point to);
   void ChangeByClick();
 };
 

@@ -1,0 +1,291 @@
+// The region tree: who is whose child, what is drawn where, who is asked about the pointer.
+#include <gtest/gtest.h>
+
+#include "tests/ui/toolkit/RecordingWindow.h"
+#include "ui/toolkit/RegionWalk.h"
+
+namespace {
+
+const DrawingContext kSlot = nullptr;
+
+std::string Children(const MRegion& parent, const std::vector<std::pair<const MRegion*, char>>& names) {
+  std::string found;
+  for (const MRegion* child = parent.firstChild; child != nullptr; child = child->Next()) {
+    for (const auto& [region, name] : names) {
+      if (region == child) found += name;
+    }
+  }
+  return found;
+}
+
+struct Family {
+  RecordingWindow window;
+  MSkinnedSection parent, a, b, c;
+  Family() { window.Attach(&parent); }
+  std::string Children() const { return ::Children(parent, {{&a, 'a'}, {&b, 'b'}, {&c, 'c'}}); }
+};
+
+TEST(RegionTree, AttachAppendsAndLeavesAChildThatIsThere) {
+  Family family;
+  for (MRegion* const child : {&family.a, &family.b, &family.c}) family.parent.Attach(child);
+  EXPECT_EQ(family.Children(), "abc");
+  for (MRegion* const child : {&family.a, &family.b, &family.c}) family.parent.Attach(child);
+  EXPECT_EQ(family.Children(), "abc");
+  EXPECT_EQ(family.b.parent, &family.parent);
+  EXPECT_EQ(family.b.owner, &family.window);
+}
+
+TEST(RegionTree, DetachingTheFirstChildDropsTheOthersToo) {
+  struct Row {
+    const char* reason;
+    int detached;
+    const char* left;
+  };
+  for (const Row& row : {Row{"a middle child goes alone", 1, "ac"}, Row{"so does the last", 2, "ab"},
+                         Row{"with the first all go: the next is not promoted", 0, ""}}) {
+    SCOPED_TRACE(row.reason);
+    Family family;
+    MRegion* const all[] = {&family.a, &family.b, &family.c};
+    for (MRegion* const child : all) family.parent.Attach(child);
+    all[row.detached]->Detach();
+    EXPECT_EQ(family.Children(), row.left);
+    EXPECT_EQ(all[row.detached]->parent, nullptr);
+    EXPECT_EQ(all[row.detached]->owner, nullptr);
+    EXPECT_EQ(all[row.detached]->next, nullptr);
+    for (MRegion* const child : all) family.parent.Attach(child);
+    EXPECT_EQ(family.Children().size(), 3u) << "all can come back, each once";
+  }
+}
+
+TEST(RegionTree, EndingInAnyOrderLeavesNothingBehind) {
+  for (const std::vector<int>& order : {std::vector<int>{0, 1, 2, 3}, {3, 2, 1, 0}, {1, 3, 0, 2}, {2, 0, 3, 1}}) {
+    RecordingWindow window;
+    std::unique_ptr<MSkinnedSection> regions[4];
+    for (auto& region : regions) region = std::make_unique<MSkinnedSection>();
+    window.Attach(regions[0].get());
+    regions[0]->Attach(regions[1].get());
+    regions[0]->Attach(regions[2].get());
+    regions[1]->Attach(regions[3].get());
+    window.SetCapture(regions[3].get());
+    window.focusRegion = regions[2].get();
+    for (const int index : order) {
+      regions[index].reset();
+      window.Tick();
+      window.DispatchMouse(kMouseMove, {5, 5});
+    }
+    EXPECT_EQ(window.capturedRegion, nullptr);
+    EXPECT_EQ(window.focusRegion, nullptr);
+    EXPECT_EQ(window.firstRegion, nullptr);
+  }
+}
+
+TEST(RegionTree, NativeChildrenComeWithAttachingAndGoWithDetaching) {
+  Family family;
+  family.parent.bounds = {10, 20, 210, 220};
+  family.a.bounds = {5, 5, 25, 25};
+  family.a.drawFlags |= kNativeChild;
+  family.parent.Attach(&family.a);
+  family.a.SyncNativeWindow();
+  family.a.SetVisible(false);
+  family.a.SetVisible(true);
+  family.a.Detach();
+  EXPECT_EQ(family.window.Take(),
+            (Lines{"child 1 15,25,35,45", "move 1 15,25,35,45", "hide 1", "show 1", "destroy 1"}));
+  EXPECT_EQ(family.a.nativeWindow, nullptr);
+
+  MSkinnedSection group;  // filled before it is attached itself
+  group.Attach(&family.a);
+  EXPECT_EQ(family.window.Take(), Lines{});
+  family.parent.Attach(&group);
+  EXPECT_EQ(family.window.Take(), (Lines{"child 2 15,25,35,45"}));
+  family.a.Detach();
+}
+
+TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
+  struct Row {
+    const char* reason;
+    void (*act)(MRegion&);
+    bool focused;
+    Lines expected;
+  };
+  const Row rows[] = {
+      {"hidden", [](MRegion& region) { region.SetVisible(false); }, true, {"focus none", "focus 0", "hide 1"}},
+      {"hidden without it", [](MRegion& region) { region.SetVisible(false); }, false, {"hide 1"}},
+      {"shown", [](MRegion& region) { region.SetVisible(true); }, true, {"show 1"}},
+      {"disabled", [](MRegion& region) { region.SetEnabled(false); }, true, {"focus none", "focus 0"}},
+      {"enabled", [](MRegion& region) { region.SetEnabled(true); }, true, {}},
+      {"detached", [](MRegion& region) { region.Detach(); }, true, {"focus none", "focus 0", "destroy 1"}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.reason);
+    Family family;
+    family.a.drawFlags |= kNativeChild;
+    family.parent.Attach(&family.a);
+    if (row.focused) family.window.PlaceFocus(&family.a, false, nullptr);
+    family.window.Take();
+    row.act(family.a);
+    EXPECT_EQ(family.window.Take(), row.expected);
+  }
+}
+
+TEST(RegionTree, InvalidateAddsEveryAncestor) {
+  Family family;
+  family.parent.bounds = {10, 20, 110, 120};
+  family.a.bounds = {1, 2, 11, 12};
+  family.b.bounds = {3, 3, 6, 6};
+  family.parent.Attach(&family.a);
+  family.a.Attach(&family.b);
+  family.b.Invalidate();
+  EXPECT_EQ(family.window.Take(true), (Lines{"invalidate 14,25,17,28"}));
+}
+
+TEST(HitTesting, OnlyPointsStrictlyInsideAVisibleRegionCount) {
+  struct Row {
+    const char* reason;
+    Point point;
+    bool visible;
+    bool force;
+    bool expected;
+  };
+  // The region is 10 wide and 8 high.
+  for (const Row& row :
+       {Row{"inside", {5, 5}, true, false, true}, Row{"first inside", {1, 1}, true, false, true},
+        Row{"left edge", {0, 5}, true, false, false}, Row{"top edge", {5, 0}, true, false, false},
+        Row{"last inside", {9, 7}, true, false, true}, Row{"right edge", {10, 5}, true, false, false},
+        Row{"bottom edge", {5, 8}, true, false, false}, Row{"hidden", {5, 5}, false, false, false},
+        Row{"outside but forced", {50, 50}, true, true, true}, Row{"hidden and forced", {5, 5}, false, true, false}}) {
+    SCOPED_TRACE(row.reason);
+    MSkinnedSection region;
+    region.bounds = Rect::Of(100, 100, 10, 8);
+    region.visible = row.visible;
+    EXPECT_FALSE(HitTest(&region, nullptr, row.point, row.force, kMouseMove)) << "nobody listens";
+    region.handler = [](MRegion*, MWindow*, const Point* point, bool inside, uint32_t, void* context) {
+      *static_cast<std::pair<Point, bool>*>(context) = {*point, inside};
+      return true;
+    };
+    std::pair<Point, bool> seen;
+    region.handlerContext = &seen;
+    EXPECT_EQ(HitTest(&region, nullptr, row.point, row.force, kMouseMove), row.expected);
+    if (row.expected) {
+      EXPECT_EQ(seen.first, row.point);
+      EXPECT_EQ(seen.second, !row.force);
+    }
+  }
+}
+
+TEST(HitTesting, ChildrenComeFirstAndEarlierSiblingsBeforeLaterOnes) {
+  struct Region : MSkinnedSection {
+    char name = 0;
+    bool answer = false;
+    std::string* asked = nullptr;
+  };
+  std::string asked;
+  Family family;
+  Region parent, first, second, inner;
+  Region* const all[] = {&parent, &first, &second, &inner};
+  for (int i = 0; i < 4; ++i) {
+    all[i]->name = "pfsi"[i];
+    all[i]->asked = &asked;
+    all[i]->bounds = {0, 0, 20, 20};
+    all[i]->handlerContext = all[i];
+    all[i]->handler = [](MRegion*, MWindow*, const Point*, bool, uint32_t, void* context) {
+      auto* const region = static_cast<Region*>(context);
+      *region->asked += region->name;
+      return region->answer;
+    };
+  }
+  parent.Attach(&first);
+  parent.Attach(&second);
+  first.Attach(&inner);
+  EXPECT_FALSE(HitTest(&parent, nullptr, {5, 5}, false, kMouseMove));
+  EXPECT_EQ(asked, "ifsp");
+  asked.clear();
+  first.answer = true;
+  EXPECT_TRUE(HitTest(&parent, nullptr, {5, 5}, false, kMouseMove));
+  EXPECT_EQ(asked, "if") << "the second, though drawn over it, is not asked";
+  asked.clear();
+  first.visible = false;
+  EXPECT_FALSE(HitTest(&parent, nullptr, {5, 5}, false, kMouseMove));
+  EXPECT_EQ(asked, "sp");
+  asked.clear();
+  WalkTimers(&parent, nullptr);
+  EXPECT_EQ(asked, "pfis") << "a tick reaches all, hidden ones included, whatever they answer";
+}
+
+TEST(Drawing, ParentsComeFirstAndOnlyTheDirtyPartIsDrawn) {
+  Family family;
+  family.parent.bounds = {10, 10, 110, 110};
+  family.parent.image = ImageRef::Color(7);
+  family.parent.drawFlags = kDrawFill;
+  family.a.bounds = {0, 0, 40, 40};
+  family.a.image = ImageRef(&kSlot);
+  family.a.sourceRect = {100, 0, 20, 40};
+  family.a.drawFlags = kDrawCopy;
+  family.b.bounds = {20, 20, 60, 60};
+  family.b.image = ImageRef(&kSlot);
+  family.b.sourceRect = {0, 0, 1, 40};
+  family.b.alpha = 128;
+  family.c.bounds = {90, 90, 100, 100};
+  family.c.image = ImageRef(&kSlot);
+  for (MRegion* const child : {&family.a, &family.b, &family.c}) family.parent.Attach(child);
+
+  struct Row {
+    const char* reason;
+    Rect dirty;
+    void (*change)(Family&);
+    Lines expected;
+  };
+  const Row rows[] = {
+      {"all three pieces under the rectangle, none of the far one",
+       {20, 20, 50, 60},
+       [](Family&) {},
+       {"fill 0,0,30,40 9", "fill 0,0,30,40 7", "copy 0,0,30,30 [105,10,15,30]", "blend 10,10,30,40 [0,0,1,30] 128"}},
+      {"nothing but the background", {200, 200, 210, 210}, [](Family&) {}, {"fill 0,0,10,10 9"}},
+      {"mode 3 draws nothing, its children still draw",
+       {20, 20, 21, 21},
+       [](Family& all) { all.parent.drawFlags = kDrawNothing; },
+       {"fill 0,0,1,1 9", "copy 0,0,1,1 [105,10,1,1]"}},
+      {"black is no colour to fill with",
+       {15, 15, 16, 16},
+       [](Family& all) {
+         all.parent.drawFlags = kDrawFill;
+         all.parent.image = ImageRef::Color(0);
+       },
+       {"fill 0,0,1,1 9", "copy 0,0,1,1 [102,5,1,1]"}},
+      {"hidden, with all below",
+       {20, 20, 50, 60},
+       [](Family& all) { all.parent.visible = false; },
+       {"fill 0,0,30,40 9"}},
+  };
+  family.window.backgroundColor = 9;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.reason);
+    row.change(family);
+    RecordingSurface surface;
+    family.window.Draw(row.dirty, surface);
+    EXPECT_EQ(surface.lines, row.expected);
+  }
+}
+
+TEST(Drawing, ThePartOfAnImageNeverLeavesItsSource) {
+  struct Row {
+    const char* reason;
+    SourceRect source;
+    Rect place, clip;
+    const char* expected;
+  };
+  for (const Row& row : {
+           Row{"the same size", {10, 20, 30, 40}, {0, 0, 30, 40}, {5, 6, 15, 26}, "[15,26,10,20]"},
+           Row{"one column stretched, first part", {16, 77, 1, 33}, {3, 0, 103, 33}, {3, 0, 50, 33}, "[16,77,1,33]"},
+           Row{"its last column stays within", {16, 77, 1, 33}, {3, 0, 103, 33}, {102, 0, 103, 33}, "[16,77,1,33]"},
+           Row{"less than a pixel is one", {0, 0, 2, 2}, {0, 0, 100, 100}, {0, 0, 1, 1}, "[0,0,1,1]"},
+           Row{"halves go to the even neighbour: 2.5 is 2", {0, 0, 5, 5}, {0, 0, 10, 10}, {5, 5, 10, 10}, "[2,2,2,2]"},
+           Row{"and 1.5 is 2", {0, 0, 5, 5}, {0, 0, 10, 10}, {3, 3, 6, 6}, "[2,2,2,2]"},
+           Row{"moved back at the end", {0, 0, 3, 3}, {0, 0, 10, 10}, {9, 9, 10, 10}, "[2,2,1,1]"},
+           Row{"made smaller", {0, 0, 100, 100}, {0, 0, 10, 10}, {9, 0, 10, 10}, "[90,0,10,100]"},
+       }) {
+    EXPECT_EQ(Spell(ClippedSource(row.source, row.place, row.clip)), row.expected) << row.reason;
+  }
+}
+
+}  // namespace
