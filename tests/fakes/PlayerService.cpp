@@ -1,0 +1,102 @@
+// Stands in for the player's update and feedback services, whichever its file is named after ("...Feedback..." or not).
+//   without arguments  a service, which stops at once when told to
+//   -install           registers itself with the service manager and starts
+//   -uninstall         takes itself off the service manager
+//   any switch         is appended to <its path>.switches; its exit code is what <its path>.codes says of it
+//                      ("-switch 7", one a line), else 0. The code 1000 waits for the event of PlayerService.h first.
+#include "tests/fakes/PlayerService.h"
+
+#include <windows.h>
+
+#include <fstream>
+#include <string>
+
+#include "engine/Handles.h"
+#include "removal/ServiceRunner.h"
+
+namespace {
+
+SERVICE_STATUS_HANDLE g_handle = nullptr;
+KernelHandle g_stop;
+bool g_feedback = false;
+
+const wchar_t* Name() {
+  return g_feedback ? kFeedbackServiceName : kUpdateServiceName;
+}
+
+void Tell(DWORD state) {
+  SERVICE_STATUS status = {};
+  status.dwServiceType = SERVICE_WIN32_OWN_PROCESS;
+  status.dwCurrentState = state;
+  status.dwControlsAccepted = SERVICE_ACCEPT_STOP;
+  SetServiceStatus(g_handle, &status);
+}
+
+DWORD WINAPI Handle(DWORD control, DWORD /*type*/, void* /*data*/, void* /*context*/) {
+  if (control != SERVICE_CONTROL_STOP) return NO_ERROR;
+  Tell(SERVICE_STOPPED);
+  SetEvent(g_stop.Get());
+  return NO_ERROR;
+}
+
+void WINAPI Serve(DWORD /*count*/, wchar_t** /*arguments*/) {
+  g_handle = RegisterServiceCtrlHandlerExW(Name(), &Handle, nullptr);
+  Tell(SERVICE_RUNNING);
+  WaitForSingleObject(g_stop.Get(), INFINITE);
+}
+
+bool Dispatch() {
+  g_stop.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  wchar_t name[] = L"";
+  const SERVICE_TABLE_ENTRYW table[] = {{name, &Serve}, {nullptr, nullptr}};
+  return StartServiceCtrlDispatcherW(table);
+}
+
+bool Install(const WideString& path) {
+  const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+  const WideString command = L"\"" + path + L"\"";
+  const ServiceHandle service(
+      CreateServiceW(manager.Get(), Name(), g_feedback ? kFeedbackServiceDisplayName : kUpdateServiceDisplayName,
+                     SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
+                     command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
+  return service && StartServiceW(service.Get(), 0, nullptr);
+}
+
+void Uninstall() {
+  const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+  const ServiceHandle service(OpenServiceW(manager.Get(), Name(), SERVICE_ALL_ACCESS));
+  if (!service) return;
+  SERVICE_STATUS status = {};
+  ControlService(service.Get(), SERVICE_CONTROL_STOP, &status);
+  DeleteService(service.Get());
+}
+
+int CodeOf(const std::string& path, const std::string& word) {
+  std::ifstream codes(path + ".codes");
+  std::string known;
+  int code = 0;
+  while (codes >> known >> code) {
+    if (known == word) return code;
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  wchar_t own[MAX_PATH] = {};
+  GetModuleFileNameW(nullptr, own, MAX_PATH);
+  const std::string path = NarrowToCodePage(own);
+  g_feedback = path.find("Feedback") != std::string::npos;
+  if (count < 2) return Dispatch() ? 0 : 1;
+  const std::string word = arguments[count - 1];
+  std::ofstream(path + ".switches", std::ios::app) << word << "\n";
+  if (word == "-install" && !Install(own)) return 1;
+  if (word == "-uninstall") Uninstall();
+  const int code = CodeOf(path, word);
+  if (code == kPlayerServiceWaits) {
+    const KernelHandle release(OpenEventW(SYNCHRONIZE, FALSE, kPlayerServiceRelease));
+    WaitForSingleObject(release.Get(), 60000);
+  }
+  return code;
+}

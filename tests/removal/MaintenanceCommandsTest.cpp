@@ -1,0 +1,365 @@
+// The services' own commands, run as real children of a stand-in executable; and the steps that remove the services,
+// each platform call of which is made to fail in its turn.
+#include "removal/MaintenanceCommands.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <sstream>
+
+#include "engine/DllHelpers.h"
+#include "engine/ProductKeys.h"
+#include "engine/ProductKind.h"
+#include "engine/Registry.h"
+#include "tests/fakes/LateFunctions.h"
+#include "tests/fakes/PlayerService.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/RecordingHost.h"
+#include "tests/support/TestFiles.h"
+
+namespace {
+
+using namespace product_kind;
+
+constexpr wchar_t kFolder[] = L"C:\\LumenMaintenance";
+constexpr wchar_t kOptions[] =
+    L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\LumenUpdate.exe";
+
+// The platform's calls that a step makes, recorded by name; one of them can fail.
+Lines g_calls;
+std::optional<size_t> g_failAt;
+std::string g_commandLine;
+DWORD g_creationFlags, g_waited;
+BOOL g_inherits;
+bool g_timesOut;
+
+bool Fails(const char* name) {
+  const bool fails = g_failAt == g_calls.size();
+  g_calls.emplace_back(name);
+  if (fails) SetLastError(ERROR_ACCESS_DENIED);
+  return fails;
+}
+
+template <class Function>
+Function* Own(const wchar_t* library, const char* name) {
+  return reinterpret_cast<Function*>(
+      reinterpret_cast<void*>(late_functions::g_original(GetModuleHandleW(library), name)));
+}
+
+BOOL WINAPI Create(LPCWSTR name, LPWSTR line, LPSECURITY_ATTRIBUTES process, LPSECURITY_ATTRIBUTES thread, BOOL inherit,
+                   DWORD flags, LPVOID environment, LPCWSTR directory, LPSTARTUPINFOW startup,
+                   LPPROCESS_INFORMATION started) {
+  static auto* const own = Own<decltype(CreateProcessW)>(L"kernel32.dll", "CreateProcessW");
+  g_commandLine = ToUtf8(line);
+  g_creationFlags = flags;
+  g_inherits = inherit;
+  return !Fails("CreateProcess") &&
+         own(name, line, process, thread, inherit, flags, environment, directory, startup, started);
+}
+DWORD WINAPI Wait(HANDLE object, DWORD milliseconds) {
+  static auto* const own = Own<decltype(WaitForSingleObject)>(L"kernel32.dll", "WaitForSingleObject");
+  g_waited = milliseconds;
+  return g_timesOut ? static_cast<DWORD>(WAIT_TIMEOUT) : own(object, milliseconds);
+}
+BOOL WINAPI Delete(LPCWSTR path) {
+  static auto* const own = Own<decltype(DeleteFileW)>(L"kernel32.dll", "DeleteFileW");
+  return !Fails("DeleteFile") && own(path);
+}
+SC_HANDLE WINAPI OpenManager(LPCWSTR machine, LPCWSTR database, DWORD rights) {
+  static auto* const own = Own<decltype(OpenSCManagerW)>(L"advapi32.dll", "OpenSCManagerW");
+  return Fails("OpenSCManager") ? nullptr : own(machine, database, rights);
+}
+SC_HANDLE WINAPI OpenOne(SC_HANDLE manager, LPCWSTR name, DWORD rights) {
+  static auto* const own = Own<decltype(OpenServiceW)>(L"advapi32.dll", "OpenServiceW");
+  return Fails("OpenService") ? nullptr : own(manager, name, rights);
+}
+BOOL WINAPI Query(SC_HANDLE service, SC_STATUS_TYPE level, LPBYTE buffer, DWORD size, LPDWORD needed) {
+  static auto* const own = Own<decltype(QueryServiceStatusEx)>(L"advapi32.dll", "QueryServiceStatusEx");
+  return !Fails("QueryServiceStatus") && own(service, level, buffer, size, needed);
+}
+// No apartment, no task: a refresh of the task shows by its first two reports.
+HRESULT WINAPI Enter(LPVOID, DWORD) {
+  return E_FAIL;
+}
+const Lines kTaskRefreshed = {"1 1106", "1 1168 -2147467259"};
+
+class Maintenance : public testing::Test {
+ protected:
+  Maintenance() {
+    late_functions::FindLateFunctions();
+    late_functions::g_machine.missing = "WTSFreeMemory";
+    g_calls.clear();
+    g_failAt.reset();
+    g_timesOut = false;
+    ForgetPlayers();
+    host.updateServiceFileName = L"LumenUpdate.exe";
+    host.taskCommandPath = L"C:\\tool.exe";
+  }
+  ~Maintenance() override {
+    ForgetPlayers();
+    const ServiceHandle all(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+    const ServiceHandle made(OpenServiceA(all.Get(), "CorvaLumenPlayerFeedbackSvc", SERVICE_ALL_ACCESS));
+    if (made) DeleteService(made.Get());
+  }
+
+  static void ForgetPlayers() {
+    for (const uint32_t kind : {ActiveX, Plugin, Pepper}) {
+      (void)DeleteKeyTree(HKEY_LOCAL_MACHINE, WidenAscii(GetProductKey(kind)).c_str());
+    }
+    (void)DeleteKeyTree(HKEY_LOCAL_MACHINE, kOptions);
+  }
+  static void InstallPlayer(uint32_t kind, uint32_t debugger) {
+    const RegistryKey key = CreateKey(HKEY_LOCAL_MACHINE, GetProductKey(kind).c_str(), KEY_ALL_ACCESS);
+    ASSERT_EQ(WriteText(key.Get(), "PlayerPath", "C:\\player"), 0);
+    ASSERT_EQ(WriteText(key.Get(), "UninstallerPath", "C:\\uninstaller"), 0);
+    ASSERT_EQ(WriteNumber(key.Get(), "isScriptDebugger", debugger), 0);
+  }
+  // Puts the stand-in at `path`, to answer switches with these codes.
+  static void PutService(const WideString& path, const std::map<std::string, int>& codes = {}) {
+    wchar_t own[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, own, MAX_PATH);
+    const WideString folder = WideString(own).substr(0, WideString(own).rfind(L'\\'));
+    ASSERT_TRUE(CopyFileW((folder + L"\\PlayerService.exe").c_str(), path.c_str(), FALSE)) << GetLastError();
+    std::string text;
+    for (const auto& [word, code] : codes) text += word + " " + std::to_string(code) + "\n";
+    testing_files::WriteWhole(path + L".codes", text);
+    DeleteFileA(NarrowToCodePage(path + L".switches").c_str());
+  }
+  // A feedback service that the service manager knows and that does not run.
+  static void MakeStoppedService() {
+    const ServiceHandle all(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+    const ServiceHandle made(CreateServiceW(
+        all.Get(), kFeedbackServiceName, kFeedbackServiceDisplayName, SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,
+        SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, L"C:\\none.exe", nullptr, nullptr, nullptr, nullptr, nullptr));
+    ASSERT_TRUE(made || GetLastError() == ERROR_SERVICE_EXISTS) << GetLastError();
+  }
+  static Lines Switches(const WideString& path) {
+    if (!testing_files::Exists(path + L".switches")) return {};
+    std::istringstream text(testing_files::ReadWhole(path + L".switches"));
+    Lines words;
+    for (std::string word; text >> word;) words.push_back(word);
+    return words;
+  }
+  // The reports but for those of players that are not installed.
+  [[nodiscard]] Lines Reports() const {
+    Lines all = host.Reports();
+    std::erase_if(all, [](const std::string& line) { return line.starts_with("1 1036 Software\\Halcyonics"); });
+    return all;
+  }
+  bool RemoveFeedback() { return RemoveFeedbackService(&host, MString(WideView(feedback)), MString(WideView(update))); }
+  bool RemoveUpdate(bool setNotify) { return RemoveUpdateServiceFile(&host, MString(WideView(update)), setNotify); }
+
+  testing_files::CleanDirectory folder{kFolder};
+  const WideString update = WideString(kFolder) + L"\\LumenUpdate.exe";
+  const WideString feedback = WideString(kFolder) + L"\\LumenFeedback.exe";
+  RecordingHost host;
+  ImportHook create{GetModuleHandleW(nullptr), "CreateProcessW", &Create};
+  ImportHook wait{GetModuleHandleW(nullptr), "WaitForSingleObject", &Wait};
+  ImportHook remove{GetModuleHandleW(nullptr), "DeleteFileW", &Delete};
+  ImportHook manager{GetModuleHandleW(nullptr), "OpenSCManagerW", &OpenManager};
+  ImportHook service{GetModuleHandleW(nullptr), "OpenServiceW", &OpenOne};
+  ImportHook query{GetModuleHandleW(nullptr), "QueryServiceStatusEx", &Query};
+  ImportHook enter{GetModuleHandleW(nullptr), "CoInitializeEx", &Enter};
+};
+
+TEST_F(Maintenance, ACommandIsJudgedByItsExitCode) {
+  const WideString withBlank = WideString(kFolder) + L"\\Lumen Update.exe";
+  for (const WideString& path : {update, withBlank}) {
+    PutService(path, {{"-enableAnalytics", 1}});
+    const auto runner = UpdateServiceRunner(&host, MString(WideView(path)));
+    EXPECT_TRUE(RunUninstallCommand(*runner));
+    EXPECT_EQ(g_commandLine, ToUtf8(path) + " -uninstall") << "not quoted, blank or no blank";
+    EXPECT_EQ(g_creationFlags, 0xC000000u);
+    EXPECT_FALSE(g_inherits);
+    EXPECT_EQ(g_waited, 600000u);
+    EXPECT_FALSE(RunAnalyticsCommand(*runner));
+    EXPECT_EQ(Switches(path), (Lines{"-uninstall", "-enableAnalytics"}));
+  }
+  EXPECT_EQ(Reports(), Lines());
+  EXPECT_FALSE(RunServiceCommand(*UpdateServiceRunner(&host, L"C:\\missing.exe"), L"-x"));
+  EXPECT_EQ(Reports(), Lines{"1 1118"});
+}
+
+TEST_F(Maintenance, AChildThatOutlastsTheWaitFailsAndIsLeftAlone) {
+  PutService(update, {{"-uninstall", kPlayerServiceWaits}});
+  const KernelHandle release(CreateEventW(nullptr, TRUE, FALSE, kPlayerServiceRelease));
+  g_timesOut = true;
+  EXPECT_FALSE(RunUninstallCommand(*UpdateServiceRunner(&host, MString(WideView(update)))));
+  EXPECT_FALSE(DeleteFileA(NarrowToCodePage(update).c_str())) << "it runs on";
+  EXPECT_EQ(Reports(), Lines());
+  SetEvent(release.Get());
+  // Its end frees the file; opening for writing tells that.
+  while (!FileHandle(CreateFileW(update.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr)))
+    SwitchToThread();
+}
+
+TEST_F(Maintenance, AModeRunsAllItsSwitchesAndThenTheTask) {
+  const struct {
+    uint32_t mode;
+    const char* failing;
+    Lines switches;
+    bool result, refreshes;
+  } rows[] = {
+      {0, "", {"-setSilentAutoUpdate"}, true, true},
+      {0, "-setSilentAutoUpdate", {"-setSilentAutoUpdate"}, false, true},
+      {1, "", {"-uninstall", "-setNotifyAutoUpdate"}, true, true},
+      {1, "-uninstall", {"-uninstall", "-setNotifyAutoUpdate"}, false, true},
+      {1, "-setNotifyAutoUpdate", {"-uninstall", "-setNotifyAutoUpdate"}, false, true},
+      {2, "", {"-uninstall", "-setDisableAutoUpdate"}, true, false},
+      {2, "-uninstall", {"-uninstall", "-setDisableAutoUpdate"}, false, false},
+      {3, "", {"-setNotifyAutoUpdate"}, true, true},
+      {4, "", {"-setDisableAutoUpdate"}, true, true},
+  };
+  for (const auto& row : rows) {
+    PutService(update, {{row.failing, 3}});
+    for (const uint32_t flags : {host_flag::Pepper, host_flag::Plugin}) {
+      host.Forget();
+      host.flags = flags;
+      const auto runner = UpdateServiceRunner(&host, MString(WideView(update)));
+      EXPECT_EQ(SetUpdateMode(*runner, row.mode), row.result) << row.mode << row.failing;
+      EXPECT_EQ(Reports(), row.refreshes && flags == host_flag::Pepper ? kTaskRefreshed : Lines()) << row.mode;
+    }
+    Lines twice = row.switches;
+    twice.insert(twice.end(), row.switches.begin(), row.switches.end());
+    EXPECT_EQ(Switches(update), twice);
+  }
+  host.flags = host_flag::Pepper;
+  EXPECT_FALSE(SetUpdateMode(*UpdateServiceRunner(&host, MString(WideView(update))), 7));
+  EXPECT_EQ(Reports(), Lines{"1 1118"});
+}
+
+TEST_F(Maintenance, ServicesStayWhileAPlayerThatNeedsThemDoes) {
+  const struct {
+    uint32_t kind, debugger, osClass;
+    bool feedbackGoes, updateGoes;
+  } rows[] = {{0, 0, 0, true, true},       {ActiveX, 0, 2, false, false}, {ActiveX, 1, 2, false, true},
+              {ActiveX, 0, 3, true, true}, {Plugin, 0, 2, false, false},  {Plugin, 0, 3, false, false},
+              {Plugin, 1, 3, false, true}, {Pepper, 0, 3, true, false},   {Pepper, 1, 0, true, true}};
+  for (const auto& row : rows) {
+    const std::string name = std::to_string(row.kind) + " " + std::to_string(row.osClass);
+    ForgetPlayers();
+    if (row.kind != 0) InstallPlayer(row.kind, row.debugger);
+    host.osClass = row.osClass;
+    PutService(feedback);
+    PutService(update);
+    EXPECT_TRUE(RemoveFeedback());
+    EXPECT_EQ(testing_files::Exists(feedback), !row.feedbackGoes) << name;
+    EXPECT_EQ(Switches(feedback), row.feedbackGoes ? Lines{"-uninstall"} : Lines()) << name;
+    EXPECT_TRUE(RemoveUpdate(false));
+    EXPECT_EQ(testing_files::Exists(update), !row.updateGoes) << name;
+    EXPECT_EQ(Switches(update), row.updateGoes ? Lines{"-uninstall"} : Lines()) << name;
+  }
+}
+
+TEST_F(Maintenance, WithoutAFeedbackServiceTheUpdateServiceIsAskedForAnalytics) {
+  const struct {
+    bool allowed, there;
+    uint32_t source;
+    bool asked;
+  } rows[] = {{true, true, 0, true},
+              {false, true, 0, false},
+              {true, false, 0, false},
+              {true, true, 2, false},
+              {true, true, 4, true}};
+  for (const auto& row : rows) {
+    PutService(update, {{"-enableAnalytics", 9}});
+    if (!row.there) DeleteFileA(NarrowToCodePage(update).c_str());
+    host.analyticsAllowed = row.allowed;
+    host.installSource = row.source;
+    EXPECT_TRUE(RemoveFeedback()) << "whatever the command says";
+    EXPECT_EQ(Switches(update), row.asked ? Lines{"-enableAnalytics"} : Lines()) << row.allowed << row.source;
+  }
+  EXPECT_EQ(Reports(), Lines());
+}
+
+struct UpdateRow {
+  const char* name;
+  bool setNotify;
+  const char* failing;
+  Lines switches;
+  bool result;
+};
+
+TEST_F(Maintenance, TheUpdateServiceIsUninstalledTwiceWhenItIsSetToNotify) {
+  const UpdateRow rows[] = {
+      {"plain", false, "", {"-uninstall"}, true},
+      {"plain fails", false, "-uninstall", {"-uninstall"}, false},
+      {"notify", true, "", {"-uninstall", "-setNotifyAutoUpdate", "-uninstall"}, true},
+      {"notify fails", true, "-setNotifyAutoUpdate", {"-uninstall", "-setNotifyAutoUpdate"}, false},
+  };
+  for (const UpdateRow& row : rows) {
+    PutService(update, {{row.failing, 1}});
+    ASSERT_TRUE(CreateKey(HKEY_LOCAL_MACHINE, NarrowToCodePage(kOptions).c_str(), KEY_ALL_ACCESS));
+    EXPECT_EQ(RemoveUpdate(row.setNotify), row.result) << row.name;
+    EXPECT_EQ(Switches(update), row.switches) << row.name;
+    EXPECT_FALSE(testing_files::Exists(update)) << row.name;
+    EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, NarrowToCodePage(kOptions).c_str(), KEY_READ)) << row.name;
+  }
+  EXPECT_EQ(Reports(), Lines());
+}
+
+// Each platform call of a sequence fails in its turn. What follows it runs all the same, unless the row's calls say so.
+struct FaultRow {
+  Lines calls;
+  bool result;
+  Lines reports;
+};
+
+TEST_F(Maintenance, EachFailedCallOfTheFeedbackStepIsToldAndTheRestRuns) {
+  const FaultRow rows[] = {
+      {{"OpenSCManager", "CreateProcess", "DeleteFile"}, true, {"1 1101"}},
+      {{"OpenSCManager", "OpenService", "CreateProcess", "DeleteFile"}, true, {}},
+      {{"OpenSCManager", "OpenService", "OpenSCManager", "CreateProcess", "DeleteFile"}, true, {"1 1101", "1 1741"}},
+      {{"OpenSCManager", "OpenService", "OpenSCManager", "OpenService", "CreateProcess", "DeleteFile"},
+       true,
+       {"1 1102", "1 1741"}},
+      {{"OpenSCManager", "OpenService", "OpenSCManager", "OpenService", "QueryServiceStatus", "CreateProcess",
+        "DeleteFile"},
+       true,
+       {}},
+      {{"OpenSCManager", "OpenService", "OpenSCManager", "OpenService", "QueryServiceStatus", "CreateProcess",
+        "DeleteFile"},
+       true,
+       {"1 1739 5"}},
+      {{"OpenSCManager", "OpenService", "OpenSCManager", "OpenService", "QueryServiceStatus", "CreateProcess",
+        "DeleteFile"},
+       false,
+       {"1 1738  5"}},
+  };
+  for (size_t i = 0; i <= std::size(rows); ++i) {
+    PutService(feedback);
+    MakeStoppedService();
+    host.Forget();
+    g_calls.clear();
+    g_failAt = i;
+    const bool all = i == std::size(rows);  // no call is left to fail: the whole sequence
+    EXPECT_EQ(RemoveFeedback(), all || rows[i].result) << i;
+    EXPECT_EQ(g_calls, all ? rows[i - 1].calls : rows[i].calls) << i;
+    EXPECT_EQ(Reports(), all ? Lines() : rows[i].reports) << i;
+  }
+}
+
+TEST_F(Maintenance, EachFailedCallOfTheUpdateStepIsToldAndTheRestRuns) {
+  const FaultRow rows[] = {
+      {{"CreateProcess", "CreateProcess", "DeleteFile"}, false, {"1 1118"}},
+      {{"CreateProcess", "CreateProcess", "DeleteFile"}, false, {"1 1118"}},
+      {{"CreateProcess", "CreateProcess", "CreateProcess", "DeleteFile"}, false, {"1 1118"}},
+      {{"CreateProcess", "CreateProcess", "CreateProcess", "DeleteFile"}, false, {}},
+  };
+  for (size_t i = 0; i <= std::size(rows); ++i) {
+    PutService(update);
+    ASSERT_TRUE(CreateKey(HKEY_LOCAL_MACHINE, NarrowToCodePage(kOptions).c_str(), KEY_ALL_ACCESS));
+    host.Forget();
+    g_calls.clear();
+    g_failAt = i;
+    const bool all = i == std::size(rows);
+    EXPECT_EQ(RemoveUpdate(true), all || rows[i].result) << i;
+    EXPECT_EQ(g_calls, all ? rows[i - 1].calls : rows[i].calls) << i;
+    EXPECT_EQ(Reports(), all ? Lines() : rows[i].reports) << i;
+    EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, NarrowToCodePage(kOptions).c_str(), KEY_READ)) << i;
+  }
+}
+
+}  // namespace
