@@ -21,8 +21,10 @@ bool IsBrowser(HANDLE process) {
   return lstrcmpiW(name, L"iexplore.exe") == 0 || lstrcmpiW(name, L"ieuser.exe") == 0;
 }
 
+}  // namespace
+
 // Its own rights rather than the installer's: the browser of an ordinary user must not get an elevated helper.
-void StartAs(HANDLE process, const MString& commandLine) {
+void StartInContextOf(HANDLE process, const MString& commandLine) {
   KernelHandle token;
   if (!OpenProcessToken(process, TOKEN_DUPLICATE, token.Receive())) return;
   KernelHandle primary;
@@ -42,8 +44,6 @@ void StartAs(HANDLE process, const MString& commandLine) {
   const KernelHandle startedThread(started.hThread);
 }
 
-}  // namespace
-
 void AskBrowsersToRefresh(HostCallbacks* host) {
   std::array<DWORD, kMostProcesses> ids = {};
   DWORD bytes = 0;
@@ -56,6 +56,6 @@ void AskBrowsersToRefresh(HostCallbacks* host) {
   const size_t count = std::min(bytes / sizeof(DWORD), kMostProcesses);
   std::for_each_n(ids.begin(), count, [&commandLine](DWORD id) {
     const KernelHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id));
-    if (process && IsBrowser(process.Get())) StartAs(process.Get(), commandLine);
+    if (process && IsBrowser(process.Get())) StartInContextOf(process.Get(), commandLine);
   });
 }

@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr char kConflictingProcs[] = "ConflictingProcs";
 
 // The null list stands for "no engine", which only a failed allocation leaves.
 MStringList* ListOf(InstallEngine* engine, MStringList InstallEngine::*list) {
@@ -108,10 +107,6 @@ MStringList* LumenBrokerShim::GetProductManagerEntries() noexcept {
   return ListOf(engine, &InstallEngine::productManagerEntries);
 }
 
-bool LumenBrokerShim::HasStoredConflicts() noexcept {
-  return DeleteValue(HKEY_CURRENT_USER, kPlayerKey, kConflictingProcs) == ERROR_SUCCESS;
-}
-
 MStringList* LumenBrokerShim::GetExtraActiveXFiles() noexcept {
   return ListOf(engine, &InstallEngine::extraActiveXFiles);
 }
@@ -134,11 +129,6 @@ bool LumenBrokerShim::AddExtraPepperFile(MString name) noexcept {
 
 bool LumenBrokerShim::LoadEngineLists() noexcept {
   return engine != nullptr && engine->LoadEngineLists();
-}
-
-bool LumenBrokerShim::IsBadRealPlayer() noexcept {
-  const auto version = ReadText(HKEY_LOCAL_MACHINE, "SOFTWARE\\RealNetworks\\RealPlayer", "version");
-  return version && version->starts_with('6');
 }
 
 uint8_t LumenBrokerShim::WasRegistrationReached() noexcept {

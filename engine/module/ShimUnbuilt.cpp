@@ -25,13 +25,3 @@ bool LumenBrokerShim::RemovePatternFiles(uint32_t /*kinds*/, MString /*directory
 bool LumenBrokerShim::UnregisterActiveXControl(uint8_t /*removeSafeVersions*/, MString /*ignored*/) noexcept {
   return false;
 }
-
-bool LumenBrokerShim::StoreConflicts(uint32_t /*value*/) noexcept {
-  return false;
-}
-MStringList* LumenBrokerShim::FindConflicts(uint32_t /*kinds*/) noexcept {
-  return nullptr;
-}
-bool LumenBrokerShim::FindDefaultBrowser() noexcept {
-  return false;
-}

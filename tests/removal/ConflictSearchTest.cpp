@@ -1,0 +1,273 @@
+// The judgement about conflicts, on processes in memory.
+#include "removal/ConflictSearch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/support/Texts.h"
+
+namespace {
+
+constexpr uint32_t kActiveX = 8, kPlugin = 16, kPepper = 32768, kAll = kActiveX | kPlugin | kPepper;
+
+struct Process {
+  const wchar_t* name;  // null: cannot be read
+  const wchar_t* path = L"";
+  std::vector<const wchar_t*> files = {};
+};
+
+// Ids count from 100.
+class MemoryProcesses final : public ProcessList {
+ public:
+  explicit MemoryProcesses(std::vector<Process> all) : all_(std::move(all)) {}
+
+  std::optional<std::vector<uint32_t>> List() override {
+    if (fails) return std::nullopt;
+    std::vector<uint32_t> ids;
+    for (uint32_t i = 0; i < all_.size(); ++i) ids.push_back(100 + i);
+    return ids;
+  }
+  std::optional<ProcessIdentity> Identify(uint32_t id) override {
+    const Process& process = all_[id - 100];
+    if (process.name == nullptr) return std::nullopt;
+    return ProcessIdentity{MString(process.name), MString(process.path)};
+  }
+  std::vector<MString> LoadedFiles(uint32_t id) override {
+    scanned.push_back(id);
+    std::vector<MString> files;
+    for (const wchar_t* file : all_[id - 100].files) files.emplace_back(file);
+    return files;
+  }
+  void End(uint32_t id) override { ended.push_back(id); }
+
+  bool fails = false;
+  std::vector<uint32_t> scanned, ended;
+
+ private:
+  std::vector<Process> all_;
+};
+
+constexpr wchar_t kControl[] = L"C:\\sys\\Lumen64.ocx";
+constexpr wchar_t kPluginFile[] = L"C:\\sys\\NPLumen.dll";
+constexpr wchar_t kPepperFile[] = L"C:\\sys\\PepLumen.dll";
+
+// A machine on which all kinds are installed under the names that this run would install, in other case.
+struct Machine {
+  SettingsTree settings;
+  ConflictQuestion question = {
+      kAll,
+      {ConflictKind{kPlugin, L"nplumen.DLL", true, kPluginFile}, ConflictKind{kActiveX, L"LUMEN64.ocx", true, kControl},
+       ConflictKind{kPepper, L"PepLumen.dll", true, kPepperFile}},
+      L"Helper64.exe",
+      L"C:\\payload.exe",
+      &settings,
+      false,
+      true,
+      0};
+
+  explicit Machine(const wchar_t* text = L"") { ParseSettings(&settings, MString(text)); }
+  // "key=shown" for each conflict; "(null)" when there is no list.
+  Lines Search(MemoryProcesses& processes) {
+    const auto found = SearchConflicts(question, processes);
+    if (found == nullptr) return {"(null)"};
+    Lines lines;
+    for (const auto* node = found->Head(); node != nullptr; node = node->next) {
+      lines.push_back(Text(node->key) + "=" + Text(node->value));
+    }
+    return lines;
+  }
+  Lines Search(std::vector<Process> all) {
+    MemoryProcesses processes(std::move(all));
+    return Search(processes);
+  }
+};
+
+}  // namespace
+
+TEST(ConflictSearch, AProcessIsNamedByItsSettingOrByItsLoadedFile) {
+  struct Row {
+    const char* why;
+    const wchar_t* settings;
+    std::vector<Process> processes;
+    Lines found;
+  };
+  const Row rows[] = {
+      {"nothing known, nothing loaded", L"", {{L"Notes.exe"}}, {}},
+      {"known, with a name to show", L"PluginConflicts { fox \"The Fox\" Other; }", {{L"FOX.exe"}}, {"fox=The Fox"}},
+      {"known without a name", L"ActiveXConflicts { fox; }", {{L"Fox.exe"}}, {"fox=fox"}},
+      {"known without a name, but with a friendly one",
+       L"PepperConflicts { fox; }; FriendlyProcessNames { fox Fuchs; }",
+       {{L"Fox.exe"}},
+       {"fox=Fuchs"}},
+      {"known for two kinds: the plug-in's name counts",
+       L"ActiveXConflicts { fox A; }; PluginConflicts { fox P; }; PepperConflicts { fox X; }",
+       {{L"fox.exe"}},
+       {"fox=P"}},
+      {"unknown, with the control loaded", L"", {{L"Viewer.EXE", L"", {L"C:\\v.exe", kControl}}}, {"viewer=viewer"}},
+      {"the same with a friendly name",
+       L"FriendlyProcessNames { viewer \"The Viewer\"; }",
+       {{L"Viewer.EXE", L"", {kPepperFile}}},
+       {"viewer=The Viewer"}},
+      {"a friendly name without a value",
+       L"FriendlyProcessNames { viewer; }",
+       {{L"viewer", L"", {kPluginFile}}},
+       {"viewer=viewer"}},
+      {"a loaded path in other case is another file", L"", {{L"viewer.exe", L"", {L"c:\\sys\\lumen64.ocx"}}}, {}},
+      {"two processes of one name", L"PluginConflicts { fox; }", {{L"fox.exe"}, {L"FOX.EXE"}}, {"fox=fox"}},
+      {"the second of two has it loaded", L"", {{L"v.exe"}, {L"v.exe", L"", {kControl}}}, {"v=v"}},
+      {"ignored, though known and loaded",
+       L"ConflictsToIgnore { fox; }; PluginConflicts { fox; }",
+       {{L"fox.exe", L"", {kControl}}},
+       {}},
+      {"ignored by the beginning of its name, which is no name to be known by",
+       L"ConflictsToIgnore { fo; }; PluginConflicts { fo; ca; }",
+       {{L"fox.exe"}, {L"cat.exe"}},
+       {}},
+      {"the twin that is not ignored",
+       L"ConflictsToIgnore { fo; }; PluginConflicts { cat; }",
+       {{L"cat.exe"}},
+       {"cat=cat"}},
+      {"only the last extension is cut", L"PluginConflicts { a { b Nested; } }", {{L"a.b.exe"}}, {"a.b=Nested"}},
+      {"who cannot be read is nobody", L"PluginConflicts { fox; }", {{nullptr}, {L""}, {L"fox"}}, {"fox=fox"}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(Machine(row.settings).Search(row.processes), row.found);
+  }
+}
+
+TEST(ConflictSearch, AKindIsLookedAtOnlyWhenItMatters) {
+  struct Row {
+    const char* why;
+    uint32_t kinds;
+    bool installed, sameName, restart, optional;
+    uint32_t source;
+    bool found;
+  };
+  const Row rows[] = {
+      {"optional, and the new file takes the old one's place", kPlugin, true, true, false, true, 0, true},
+      {"optional, and the new file stands beside the old one", kPlugin, true, false, false, true, 0, false},
+      {"the same with a restart due", kPlugin, true, false, true, true, 0, true},
+      {"the same from forced source 8", kPlugin, true, false, false, true, 8, true},
+      {"the same from forced source 10", kPlugin, true, false, false, true, 10, true},
+      {"the same from source 9", kPlugin, true, false, false, true, 9, false},
+      {"optional, not installed", kPlugin, false, false, false, true, 0, false},
+      {"forced, not installed: known programs count", kPlugin, false, false, false, true, 8, true},
+      {"not optional: the name does not matter", kPlugin, true, false, false, false, 0, true},
+      {"not optional and not installed: restart and source do not matter", kPlugin, false, true, true, false, 8, false},
+      {"another kind's run", kActiveX, true, true, true, false, 8, false},
+      {"no kind's run", 0, true, true, true, false, 8, false},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.why);
+    Machine machine(L"PluginConflicts { fox; }");
+    machine.question.kinds = row.kinds;
+    ConflictKind& plugin = machine.question.product[0];
+    plugin.isInstalled = row.installed;
+    plugin.installedPath = row.installed ? MString(kPluginFile) : MString(L"");
+    if (!row.sameName) plugin.newFile = MString(L"NPLumen_28.dll");
+    machine.question.isRestartRequired = row.restart;
+    machine.question.isOptional = row.optional;
+    machine.question.installSource = row.source;
+    EXPECT_EQ(machine.Search({{L"fox.exe"}, {L"", L"", {L""}}}), row.found ? Lines{"fox=fox"} : Lines{});
+    // By the loaded file the answer is the same, but that nobody can have loaded what is not installed.
+    EXPECT_EQ(machine.Search({{L"viewer.exe", L"", {L"", kPluginFile}}}),
+              row.found && row.installed ? Lines{"viewer=viewer"} : Lines{});
+  }
+}
+
+TEST(ConflictSearch, TheHelperIsEndedUnlessItsBrowserStandsInTheWay) {
+  const Process helper = {L"helper64.EXE", L"C:\\sys\\Helper64.exe"};
+  const Process explorer = {L"iexplore.exe"}, preview = {L"iepreview.exe"}, fox = {L"fox.exe"};
+  constexpr wchar_t kKnown[] = L"ActiveXConflicts { iexplore; iepreview; fox; }";
+  struct Row {
+    const char* why;
+    const wchar_t* settings;
+    uint32_t kinds;
+    const wchar_t* payload;
+    std::vector<Process> processes;
+    std::vector<uint32_t> ended;
+  };
+  const Row rows[] = {
+      {"alone", L"", kActiveX, L"C:\\p.exe", {helper}, {100}},
+      {"beside other conflicts", kKnown, kActiveX, L"C:\\p.exe", {fox, helper}, {101}},
+      {"of two the last", L"", kActiveX, L"C:\\p.exe", {helper, helper}, {101}},
+      {"the browser is a conflict", kKnown, kActiveX, L"C:\\p.exe", {helper, explorer}, {}},
+      {"so is the preview", kKnown, kActiveX, L"C:\\p.exe", {helper, preview}, {}},
+      {"the browser runs, and is none", L"", kActiveX, L"C:\\p.exe", {helper, explorer}, {100}},
+      {"the helper is what is installed from", L"", kActiveX, L"c:\\SYS\\helper64.exe", {helper}, {}},
+      {"another kind's run", L"", kPlugin | kPepper, L"C:\\p.exe", {helper}, {}},
+      {"no kind's run", L"", 0, L"C:\\p.exe", {helper}, {}},
+      {"no helper runs", kKnown, kActiveX, L"C:\\p.exe", {fox}, {}},
+      {"an ignored helper is not seen", L"ConflictsToIgnore { helper64; }", kActiveX, L"C:\\p.exe", {helper}, {}},
+      {"a helper that is a conflict itself",
+       L"ActiveXConflicts { helper64; }",
+       kActiveX,
+       L"C:\\p.exe",
+       {helper},
+       {100}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.why);
+    Machine machine(row.settings);
+    machine.question.kinds = row.kinds;
+    machine.question.payloadPath = MString(row.payload);
+    MemoryProcesses processes(row.processes);
+    machine.Search(processes);
+    EXPECT_EQ(processes.ended, row.ended);
+  }
+  Machine nameless;
+  nameless.question.helperName = MString(L"");
+  MemoryProcesses processes({{L".exe"}});
+  nameless.Search(processes);
+  EXPECT_EQ(processes.ended, std::vector<uint32_t>{});
+}
+
+TEST(ConflictSearch, NoListIsNotAnEmptyList) {
+  MemoryProcesses processes({{L"fox.exe"}});
+  processes.fails = true;
+  EXPECT_EQ(Machine(L"PluginConflicts { fox; }").Search(processes), Lines{"(null)"});
+  EXPECT_EQ(Machine().Search({}), Lines{});
+}
+
+TEST(ConflictSearch, ModulesAreReadOnlyOfProcessesThatNoSettingKnows) {
+  MemoryProcesses processes({{L"fox.exe"}, {L"cat.exe"}, {L"cow.exe"}});
+  Machine machine(L"PluginConflicts { fox; }; ConflictsToIgnore { cow; }");
+  machine.Search(processes);
+  EXPECT_EQ(processes.scanned, std::vector<uint32_t>{101});
+}
+
+TEST(ConflictSearch, ShownNamesAreJoinedByCommas) {
+  MStringList list;
+  EXPECT_EQ(Text(JoinShownNames(list)), "");
+  list.Add(L"fox", L"The Fox");
+  EXPECT_EQ(Text(JoinShownNames(list)), "The Fox");
+  list.Add(L"cat", L"Cat, Tom");
+  EXPECT_EQ(Text(JoinShownNames(list)), "The Fox,Cat, Tom");
+}
+
+TEST(FindRunningBrowser, GivesThePathOfTheLastOne) {
+  struct Row {
+    std::vector<Process> processes;
+    const char* found;
+  };
+  const Row rows[] = {
+      {{}, ""},
+      {{{L"notes.exe", L"C:\\n"}, {nullptr}, {L"firefox", L"C:\\f"}}, ""},
+      {{{L"SeaMonkey.exe", L"C:\\s"}, {L"notes.exe", L"C:\\n"}}, "C:\\s"},
+      {{{L"firefox.exe", L"C:\\f"}, {L"CHROME.EXE", L"C:\\c"}}, "C:\\c"},
+      {{{L"chrome.exe", L"C:\\c"}, {L"firefox.exe", L"C:\\f"}}, "C:\\f"},
+  };
+  for (const Row& row : rows) {
+    MemoryProcesses processes(row.processes);
+    EXPECT_EQ(Text(FindRunningBrowser(processes)), row.found);
+  }
+  for (const wchar_t* name : {L"safari.exe", L"opera.exe", L"netscape.exe", L"mozilla.exe"}) {
+    MemoryProcesses processes({{name, L"C:\\b"}});
+    EXPECT_EQ(Text(FindRunningBrowser(processes)), "C:\\b");
+  }
+  MemoryProcesses unlisted({});
+  unlisted.fails = true;
+  EXPECT_EQ(Text(FindRunningBrowser(unlisted)), "firefox.exe");
+}

@@ -1,0 +1,197 @@
+// Real processes with real loaded files.
+#include "removal/RunningProcesses.h"
+
+#include <shlobj.h>
+
+#include <algorithm>
+
+#include "removal/BrowserProcesses.h"
+#include "tests/removal/StartedProgram.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/RecordingHost.h"
+
+namespace {
+
+const HMODULE kSelf = GetModuleHandleW(nullptr);
+constexpr wchar_t kFolder[] = L"C:\\process-test";
+
+// The platform's listing, in which the test program's own process stands at a chosen place.
+size_t g_place = 0;
+DWORD g_reportedBytes = 0;
+bool g_listingFails = false;
+BOOL WINAPI Enumerate(DWORD* ids, DWORD size, DWORD* bytes) {
+  EXPECT_EQ(size, 1024u);
+  if (g_place < size / sizeof(DWORD)) ids[g_place] = GetCurrentProcessId();
+  *bytes = g_reportedBytes;
+  return !g_listingFails;
+}
+bool g_hasFunction = true;
+decltype(&GetProcAddress) g_find = nullptr;
+FARPROC WINAPI Find(HMODULE library, LPCSTR name) {
+  if (std::string_view(name) != "EnumProcesses") return g_find(library, name);
+  return g_hasFunction ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Enumerate)) : nullptr;
+}
+
+std::vector<std::string> g_started;
+BOOL WINAPI StartAs(HANDLE token, LPCWSTR application, LPWSTR command, LPSECURITY_ATTRIBUTES /*process*/,
+                    LPSECURITY_ATTRIBUTES /*thread*/, BOOL inherit, DWORD flags, LPVOID /*environment*/,
+                    LPCWSTR /*directory*/, LPSTARTUPINFOW startup, LPPROCESS_INFORMATION /*started*/) {
+  DWORD type = 0;
+  DWORD bytes = 0;
+  EXPECT_TRUE(GetTokenInformation(token, TokenType, &type, sizeof(type), &bytes));
+  EXPECT_EQ(type, static_cast<DWORD>(TokenPrimary));
+  EXPECT_EQ(application, nullptr);
+  EXPECT_FALSE(inherit);
+  EXPECT_EQ(flags, 0x4000008u);
+  EXPECT_EQ(startup->cb, 104u);
+  g_started.push_back(ToUtf8(command));
+  return FALSE;
+}
+
+WideString g_programFiles;
+BOOL WINAPI FolderOf(HWND /*owner*/, LPWSTR path, int folder, BOOL create) {
+  EXPECT_FALSE(create);
+  WideString wanted = g_programFiles;
+  if (folder == 42) {
+    wanted += L" (x86)";
+  } else {
+    EXPECT_EQ(folder, 38);
+  }
+  std::copy(wanted.c_str(), wanted.c_str() + wanted.size() + 1, path);
+  return TRUE;
+}
+
+}  // namespace
+
+TEST(RunningProcesses, FindsARealOneWithItsNameItsPathAndItsFiles) {
+  const testing_files::CleanDirectory folder(kFolder);
+  const WideString library = WideString(kFolder) + L"\\Sample64.ocx";
+  ASSERT_TRUE(CopyFileW(StartedProgram::Beside(L"fake_srpapi.dll").c_str(), library.c_str(), FALSE));
+  const StartedProgram program(WideString(kFolder) + L"\\FireFox.exe", library);
+  RunningProcesses processes;
+  const auto ids = processes.List();
+  ASSERT_TRUE(ids.has_value());
+  EXPECT_EQ(std::count(ids->begin(), ids->end(), program.Id()), 1);
+  const auto identity = processes.Identify(program.Id());
+  ASSERT_TRUE(identity.has_value());
+  EXPECT_EQ(Text(identity->name), "FireFox.exe");
+  EXPECT_EQ(Text(identity->path), "C:\\process-test\\FireFox.exe");
+  const auto files = processes.LoadedFiles(program.Id());
+  EXPECT_EQ(Text(files.front()), "C:\\process-test\\FireFox.exe");
+  EXPECT_EQ(std::count_if(files.begin(), files.end(),
+                          [](const MString& file) { return Text(file) == "C:\\process-test\\Sample64.ocx"; }),
+            1);
+  processes.End(program.Id());
+  EXPECT_EQ(program.ExitCode(), 0u);
+}
+
+TEST(RunningProcesses, WhoIsNotThereTellsNothing) {
+  RunningProcesses processes;
+  MString name(L"as before");
+  MString path(L"as before");
+  EXPECT_FALSE(GetProcessIdentity(0xFFFFFFF0, &name, &path));
+  EXPECT_EQ(Text(name) + Text(path), "as beforeas before");
+  EXPECT_FALSE(processes.Identify(0xFFFFFFF0).has_value());
+  EXPECT_TRUE(processes.LoadedFiles(0xFFFFFFF0).empty());
+  processes.End(0xFFFFFFF0);
+}
+
+TEST(RunningProcesses, WithoutItsModulesAProcessIsNamedByItsImage) {
+  const ImportHook modules(
+      kSelf, "K32EnumProcessModules", +[](HANDLE, HMODULE*, DWORD bytes, DWORD*) -> BOOL { return bytes != 8; });
+  const ProcessIdentity own = IdentityOf(GetCurrentProcess());
+  EXPECT_EQ(Text(own.name), "removal_tests.exe");
+  EXPECT_TRUE(Text(own.path).ends_with("\\removal_tests.exe")) << Text(own.path);
+}
+
+TEST(RunningProcesses, OnlyTheFirst256AreLookedAt) {
+  g_find = &GetProcAddress;
+  struct Row {
+    const char* why;
+    size_t place;
+    DWORD bytes;
+    std::optional<size_t> count;
+    bool seen;
+  };
+  const Row rows[] = {
+      {"the last that is seen", 255, 1024, 256, true},
+      {"the next one", 256, 1024, 256, false},
+      {"what the platform says it would have had room for", 255, 4096, 256, true},
+      {"behind what was filled in", 10, 40, 10, false},
+      {"a size that is no whole number of ids", 0, 7, 1, true},
+  };
+  const ImportHook find(kSelf, "GetProcAddress", &Find);
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.why);
+    g_place = row.place;
+    g_reportedBytes = row.bytes;
+    const auto ids = RunningProcesses().List();
+    ASSERT_TRUE(ids.has_value());
+    EXPECT_EQ(ids->size(), row.count);
+    EXPECT_EQ(std::count(ids->begin(), ids->end(), GetCurrentProcessId()), row.seen ? 1 : 0);
+  }
+  g_listingFails = true;
+  EXPECT_FALSE(RunningProcesses().List().has_value());
+  g_listingFails = false;
+  g_hasFunction = false;
+  EXPECT_TRUE(RunningProcesses().List().value().empty()) << "a platform without the function has no processes";
+  g_hasFunction = true;
+  const ImportHook directory(
+      kSelf, "GetSystemDirectoryW", +[](LPWSTR, UINT) -> UINT { return 0; });
+  EXPECT_FALSE(RunningProcesses().List().has_value());
+}
+
+TEST(IsBrowserWindow, TrustsTheBrowsersAlone) {
+  const testing_files::CleanDirectory folder(kFolder);
+  g_programFiles = WideString(kFolder) + L"\\PROGRAM FILES";
+  const ImportHook folders(kSelf, "SHGetSpecialFolderPathW", &FolderOf);
+  const std::pair<const wchar_t*, bool> rows[] = {
+      {L"\\Program Files\\Internet Explorer\\IEXPLORE.exe", true},
+      {L"\\Program Files (x86)\\Internet Explorer\\iexplore.exe", true},
+      {L"\\Internet Explorer\\iexplore.exe", false},
+      {L"\\Program Files\\Internet Explorer\\iexplore2.exe", false},
+      {L"\\MicrosoftEdge.exe", true},
+      {L"\\microsoftedgecp.exe", true},
+      {L"\\Spartan.exe", true},
+      {L"\\spartan_edge.EXE", true},
+      {L"\\msedge.exe", false},
+  };
+  for (const auto& [path, trusted] : rows) {
+    const WideString whole = WideString(kFolder) + path;
+    testing_files::MakeDirectories(whole.substr(0, whole.rfind(L'\\')));
+    const StartedProgram program(whole, L"window");
+    ASSERT_NE(program.Window(), nullptr) << ToUtf8(path);
+    EXPECT_EQ(IsBrowserWindow(program.Window()), trusted) << ToUtf8(path);
+  }
+  EXPECT_FALSE(IsBrowserWindow(nullptr));
+  EXPECT_FALSE(IsBrowserWindow(reinterpret_cast<HWND>(0x7FFF0)));
+}
+
+TEST(RefreshIEElevation, StartsTheUtilityForEachBrowserProcessOfTheExactName) {
+  const testing_files::CleanDirectory folder(kFolder);
+  const auto below = [](const wchar_t* path) {
+    const WideString whole = WideString(kFolder) + path;
+    testing_files::MakeDirectories(whole.substr(0, whole.rfind(L'\\')));
+    return whole;
+  };
+  const StartedProgram first(below(L"\\a\\iexplore.exe"));
+  const StartedProgram second(below(L"\\b\\iexplore.exe"));
+  const StartedProgram broker(below(L"\\ieuser.exe"));
+  const StartedProgram otherCase(below(L"\\c\\IExplore.exe"));
+  const StartedProgram other(below(L"\\firefox.exe"));
+  RecordingHost host;
+  host.utilityPath = MString(L"C:\\some where\\util.exe");
+  {
+    const ImportHook start(kSelf, "CreateProcessAsUserW", &StartAs);
+    RefreshIEElevationInSessions(&host);
+    const std::string line = "\"C:\\some where\\util.exe\" -refreshIEElevationPolicies";
+    EXPECT_EQ(g_started, (Lines{line, line, line}));
+    g_started.clear();
+    host.utilityPath = MString(WideView(WideString(300, L'u')));
+    RefreshIEElevationInSessions(&host);
+    EXPECT_EQ(g_started, Lines(3, "\"" + std::string(258, 'u'))) << "there is room for 260 characters";
+  }
+  host.utilityPath = MString(WideView(StartedProgram::Beside(L"WaitingProgram.exe")));
+  RefreshIEElevationInSessions(&host);
+  EXPECT_EQ(host.Reports(), Lines{});
+}
