@@ -23,21 +23,41 @@ struct Recording {
 };
 Recording g_recording;
 
-// The platform's functions, taken before any hook stands in their place.
-const struct {
-  decltype(&::RegOpenKeyExW) RegOpenKeyExW = &::RegOpenKeyExW;
-  decltype(&::RegCreateKeyExW) RegCreateKeyExW = &::RegCreateKeyExW;
-  decltype(&::RegCreateKeyExA) RegCreateKeyExA = &::RegCreateKeyExA;
-  decltype(&::RegSetValueExW) RegSetValueExW = &::RegSetValueExW;
-  decltype(&::RegSetValueExA) RegSetValueExA = &::RegSetValueExA;
-  decltype(&::RegDeleteValueW) RegDeleteValueW = &::RegDeleteValueW;
-  decltype(&::CreateFileW) CreateFileW = &::CreateFileW;
-  decltype(&::DeleteFileW) DeleteFileW = &::DeleteFileW;
-  decltype(&::SetFileAttributesW) SetFileAttributesW = &::SetFileAttributesW;
-  decltype(&::MoveFileExW) MoveFileExW = &::MoveFileExW;
-  decltype(&::LoadLibraryW) LoadLibraryW = &::LoadLibraryW;
-  decltype(&::GetProcAddress) GetProcAddress = &::GetProcAddress;
-} g_real;
+// The platform's functions, looked up before any hook stands in their place; by name, since the compiler would turn
+// their addresses back into calls through the import table.
+template <class Function>
+void Find(Function*& function, const wchar_t* library, const char* name) {
+  function = reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)));
+}
+struct Originals {
+  decltype(&::RegOpenKeyExW) RegOpenKeyExW;
+  decltype(&::RegCreateKeyExW) RegCreateKeyExW;
+  decltype(&::RegCreateKeyExA) RegCreateKeyExA;
+  decltype(&::RegSetValueExW) RegSetValueExW;
+  decltype(&::RegSetValueExA) RegSetValueExA;
+  decltype(&::RegDeleteValueW) RegDeleteValueW;
+  decltype(&::CreateFileW) CreateFileW;
+  decltype(&::DeleteFileW) DeleteFileW;
+  decltype(&::SetFileAttributesW) SetFileAttributesW;
+  decltype(&::MoveFileExW) MoveFileExW;
+  decltype(&::LoadLibraryW) LoadLibraryW;
+  decltype(&::GetProcAddress) GetProcAddress;
+  Originals() {
+    Find(RegOpenKeyExW, L"advapi32.dll", "RegOpenKeyExW");
+    Find(RegCreateKeyExW, L"advapi32.dll", "RegCreateKeyExW");
+    Find(RegCreateKeyExA, L"advapi32.dll", "RegCreateKeyExA");
+    Find(RegSetValueExW, L"advapi32.dll", "RegSetValueExW");
+    Find(RegSetValueExA, L"advapi32.dll", "RegSetValueExA");
+    Find(RegDeleteValueW, L"advapi32.dll", "RegDeleteValueW");
+    Find(CreateFileW, L"kernel32.dll", "CreateFileW");
+    Find(DeleteFileW, L"kernel32.dll", "DeleteFileW");
+    Find(SetFileAttributesW, L"kernel32.dll", "SetFileAttributesW");
+    Find(MoveFileExW, L"kernel32.dll", "MoveFileExW");
+    Find(LoadLibraryW, L"kernel32.dll", "LoadLibraryW");
+    Find(GetProcAddress, L"kernel32.dll", "GetProcAddress");
+  }
+};
+const Originals g_real;
 
 // True when this step is the one to fail.
 bool Step(const std::string& text) {

@@ -37,7 +37,7 @@ std::string DataText(DWORD type, const std::vector<BYTE>& data) {
 
 void AddValues(HKEY key, const std::string& name, std::set<std::string>& lines) {
   wchar_t value[512] = {};
-  std::vector<BYTE> data(65536);
+  static std::vector<BYTE> data(65536);
   for (DWORD index = 0;; ++index) {
     DWORD units = static_cast<DWORD>(std::size(value));
     DWORD bytes = static_cast<DWORD>(data.size());

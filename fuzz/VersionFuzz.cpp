@@ -1,0 +1,38 @@
+// Version texts come from the registry and from servers. Whatever they hold, comparing them is an order: two texts and
+// the numbers they stand for agree, and the answer turns round when the texts do.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "install/VersionNumbers.h"
+
+namespace {
+
+MString FromBytes(const uint8_t* data, size_t size) {
+  WideString text(size / sizeof(wchar_t), 0);
+  std::memcpy(text.data(), data, text.size() * sizeof(wchar_t));
+  return MString(WideView(text));
+}
+
+void Require(bool holds) {
+  if (!holds) __builtin_trap();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const MString a = FromBytes(data, size / 2);
+  const MString b = FromBytes(data + size / 2, size - size / 2);
+  const int32_t order = CompareVersionStrings(a, b);
+  Require(order == -CompareVersionStrings(b, a));
+  Require(CompareVersionStrings(a, a) == 0);
+  Require((order == 0) == (ParseVersion(a) == ParseVersion(b)));
+  // Where this build stands decides the state of every text.
+  const InstalledState state = StateOfVersion(a);
+  const int32_t toThisBuild = CompareVersionStrings(a, L"28.0.0.126");
+  Require(state == (toThisBuild > 0    ? InstalledState::Newer
+                    : toThisBuild == 0 ? InstalledState::Same
+                                       : InstalledState::Older));
+  return 0;
+}

@@ -1,0 +1,194 @@
+// What registering a kind leaves on the machine, and what still runs when any one of its steps fails.
+#include "install/Registration.h"
+
+#include <algorithm>
+
+#include "install/ControlRegistration.h"
+#include "tests/install/InstallFixture.h"
+#include "tests/support/FaultSteps.h"
+#include "tests/support/RegistrySnapshot.h"
+
+namespace {
+
+struct KindRow {
+  uint32_t kind;
+  const char* file;
+  const char* golden;
+};
+constexpr KindRow kKinds[] = {
+    {product_kind::ActiveX, "LumenPlayer.ocx", "registered-activex.txt"},
+    {product_kind::Plugin, "nplumen.dll", "registered-plugin.txt"},
+    {product_kind::Pepper, "pepperlumen.dll", "registered-pepper.txt"},
+};
+const std::string kUninstall = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Corva Lumen Player ";
+const std::string kOptions = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
+
+class Registration : public InstallFixture, public testing::WithParamInterface<KindRow> {
+ protected:
+  void SetUp() override {
+    InstallFixture::SetUp();
+    host.flags = host_flag::ReleasePlayer;
+    host.payloadPath = File("payload.bin", 5000);
+    for (const auto add : {&LumenBrokerShim::AddExtraActiveXFile, &LumenBrokerShim::AddExtraPluginFile,
+                           &LumenBrokerShim::AddExtraPepperFile}) {
+      (shim->*add)(L"LumenPlayerHelper.exe");
+      (shim->*add)(L"LumenPlayer.txt");
+      (shim->*add)(L"LumenPlayerApp.exe");
+    }
+  }
+  bool Register(const KindRow& row, uint8_t writeUninstallEntry = 1) {
+    return shim->RegisterProduct(row.kind, PathOf(row.file), PathOf("LumenUtil.exe"), L"", writeUninstallEntry);
+  }
+};
+
+// Steps of one series end with its first failure; a step of no series ends alone.
+std::string SeriesOf(const std::string& step) {
+  if (step.find("\\Uninstall\\") != std::string::npos) return "uninstall entry";
+  if (step.find("Halcyonics") != std::string::npos || step.find("Compatibility") != std::string::npos) {
+    return "inventory";
+  }
+  if (step.find("MozillaPlugins") != std::string::npos) return "plug-in entry";
+  if (step.starts_with("attributes ") || step.starts_with("security C:")) {
+    return "protection of" + step.substr(step.rfind('\\'));
+  }
+  return "";
+}
+
+bool EndsRegistration(const std::string& step) {
+  return step.starts_with("load ") || step.starts_with("entry ");
+}
+
+// What is left of `all` when the step at `at` fails.
+Lines StepsWhenFailing(const Lines& all, size_t at) {
+  Lines left(all.begin(), all.begin() + static_cast<ptrdiff_t>(at) + 1);
+  if (EndsRegistration(all[at])) return left;
+  const std::string series = SeriesOf(all[at]);
+  for (size_t i = at + 1; i < all.size(); ++i) {
+    const bool ended = series.empty() ? i == at + 1 && all[at].starts_with("create ") : SeriesOf(all[i]) == series;
+    if (!ended) left.push_back(all[i]);
+  }
+  return left;
+}
+
+// The one report of a failed value; the broker's registration, which comes first, is silent.
+Lines ReportWhenFailing(const Lines& all, size_t at) {
+  const std::string& step = all[at];
+  const size_t rest = step.find(' ') + 1;
+  if (step.starts_with("load ")) return {"2 1033 " + step.substr(rest) + " 5"};
+  if (step.starts_with("entry ")) return {"2 1034 C:\\lumen tests\\LumenPlayer.ocx 5"};
+  const std::string& write = step.starts_with("create ") && at + 1 < all.size() ? all[at + 1] : step;
+  const bool number = write.starts_with("number ");
+  if (!number && !write.starts_with("text ")) return {};
+  if (SeriesOf(write).empty() && write.find("Image File") == std::string::npos) return {};
+  std::string text = write.substr(write.find("HKLM\\") + 5);
+  text.replace(text.find(" | "), 3, "/");
+  return {"1 1035 " + text + (number ? "5" : " 5")};
+}
+
+}  // namespace
+
+TEST_P(Registration, LeavesWhatTheGoldenTextSays) {
+  const KindRow& row = GetParam();
+  (void)Player(row.file);
+  (void)File("LumenUtil.exe");
+  const RegistrySnapshot before;
+  EXPECT_TRUE(Register(row));
+  EXPECT_EQ(shim->WasRegistrationReached(), 1);
+  EXPECT_EQ(host.Reports(), Lines{});
+  const RegistrySnapshot once;
+  ExpectGolden(row.golden, once.Since(before));
+  // A second registration finds nothing to change.
+  EXPECT_TRUE(Register(row));
+  EXPECT_EQ(RegistrySnapshot().Since(once), Lines{});
+}
+
+TEST_P(Registration, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
+  const KindRow& row = GetParam();
+  (void)Player(row.file);
+  (void)File("LumenUtil.exe");
+  FaultSteps faults;
+  bool result = false;
+  const auto registering = [&] { result = Register(row); };
+  const auto fresh = [&] {
+    ClearMachine();
+    for (const char* const file : {row.file, "LumenUtil.exe"}) SetFileAttributesW(PathOf(file).Data(), 0);
+    host.Forget();
+  };
+  fresh();
+  const Lines all = faults.Run(0, registering);
+  ASSERT_GT(all.size(), 20u);
+  for (size_t at = 0; at < all.size(); ++at) {
+    fresh();
+    EXPECT_EQ(faults.Run(at + 1, registering), StepsWhenFailing(all, at)) << all[at];
+    EXPECT_EQ(host.Reports(), ReportWhenFailing(all, at)) << all[at];
+    EXPECT_EQ(result, !EndsRegistration(all[at])) << all[at];
+    EXPECT_EQ(shim->WasRegistrationReached(), result ? 1 : 0) << all[at];
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(EachKind, Registration, testing::ValuesIn(kKinds), [](const auto& row) {
+  return row.param.kind == product_kind::ActiveX  ? "ActiveX"
+         : row.param.kind == product_kind::Plugin ? "Plugin"
+                                                  : "Pepper";
+});
+
+TEST_F(InstallFixture, InventoryTellsOfDebuggersAndPackages) {
+  struct {
+    uint32_t flags, source, debugger, msi;
+  } const rows[] = {{0, 0, 1, 0}, {1024, 2, 0, 1}, {1024 | 16, 4, 0, 0}, {16, 2, 1, 1}};
+  for (const auto& row : rows) {
+    host.flags = row.flags;
+    host.installSource = row.source;
+    EXPECT_TRUE(shim->RegisterProduct(product_kind::Plugin, L"C:\\p.dll", L"C:\\u.exe", L"", 0));
+    const std::string key = kMachinePlayer + "Plugin";
+    EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "isScriptDebugger"), row.debugger);
+    EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "isMSI"), row.msi);
+  }
+  EXPECT_FALSE(KeyExists(kUninstall + "NPAPI")) << "not asked for";
+}
+
+TEST_F(InstallFixture, SizeIsThePayloadsOrAGuess) {
+  const std::pair<MString, uint32_t> rows[] = {{File("small.bin", 1023), 0},
+                                               {File("large.bin", 2048), 2},
+                                               {PathOf("missing.bin"), 18432},
+                                               {MString(L""), 18432},
+                                               {MString(), 18432}};
+  for (const auto& [payload, size] : rows) {
+    host.payloadPath = payload;
+    EXPECT_TRUE(WriteUninstallEntry(shim, product_kind::Pepper, L"C:\\u.exe"));
+    EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, (kUninstall + "PPAPI").c_str(), "EstimatedSize"), size) << Text(payload);
+  }
+}
+
+TEST_F(InstallFixture, ControlThatCannotRegisterStopsTheRest) {
+  const MString missing = PathOf("missing.ocx");
+  EXPECT_FALSE(shim->RegisterProduct(product_kind::ActiveX, missing, PathOf("u.exe"), L"", 1));
+  EXPECT_EQ(shim->WasRegistrationReached(), 0);
+  EXPECT_EQ(host.Reports(), Lines{"2 1033 " + Text(missing) + " 7E"});
+  EXPECT_FALSE(KeyExists(kMachinePlayer + "ActiveX"));
+  EXPECT_FALSE(KeyExists(kUninstall + "ActiveX"));
+}
+
+TEST_F(InstallFixture, PluginPathIsReadBesideTheEntryAndNotInIt) {
+  EXPECT_TRUE(shim->RegisterPluginEntry(L"C:\\np.dll"));
+  EXPECT_FALSE(ReadPluginPath(&host)) << "no value that registration writes";
+  EXPECT_EQ(host.Reports(), Lines{"1 1036 SOFTWARE\\MozillaPlugins\\@corva.example/LumenPlayer/ 2"});
+  SetText("SOFTWARE\\MozillaPlugins", "@corva.example/LumenPlayer", "C:\\other\\np.dll");
+  host.Forget();
+  const auto path = ReadPluginPath(&host);
+  EXPECT_EQ(path ? Text(*path) : "(none)", "C:\\other\\np.dll");
+  EXPECT_TRUE(DeletePluginRegistry(&host));
+  EXPECT_TRUE(KeyExists("SOFTWARE\\MozillaPlugins"));
+  EXPECT_EQ(host.Reports(), Lines{});
+  EXPECT_FALSE(DeletePluginRegistry(&host));
+  EXPECT_EQ(host.Reports(), Lines{"1 1037 SOFTWARE\\MozillaPlugins\\@corva.example/LumenPlayer/ 2"});
+}
+
+TEST_F(InstallFixture, ImageOptionsGoByNameAndNeverAllAtOnce) {
+  SetNumber(kOptions + "LumenPlayerHelper.exe", "x", 1);
+  SetNumber(kOptions + "LumenPlayerApp.exe", "x", 1);
+  EXPECT_TRUE(DeleteImageExecutionKey(&host, L"LumenPlayerHelper.exe"));
+  EXPECT_FALSE(DeleteImageExecutionKey(&host, L""));
+  EXPECT_FALSE(KeyExists(kOptions + "LumenPlayerHelper.exe"));
+  EXPECT_TRUE(KeyExists(kOptions + "LumenPlayerApp.exe"));
+}
