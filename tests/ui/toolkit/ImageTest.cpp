@@ -1,0 +1,68 @@
+// Images from the resources of a module: this test program's own.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/RecordingHost.h"
+#include "tests/ui/toolkit/WindowDriver.h"
+#include "ui/toolkit/MImage.h"
+
+namespace {
+
+COLORREF Pixel(const MImage& image, int x, int y) {
+  return GetPixel(image.Ref().Context(), x, y);
+}
+
+TEST(Image, IsReadFromTheModuleBottomRowFirst) {
+  MImage image;
+  EXPECT_EQ(image.Ref().Context(), nullptr);
+  image.Load(GetModuleHandleW(nullptr), image_id::Skin);
+  ASSERT_NE(image.Ref().Context(), nullptr);
+  EXPECT_EQ(image.Width(), 2);
+  EXPECT_EQ(image.Height(), 2);
+  EXPECT_EQ(Pixel(image, 0, 1), RGB(0x30, 0x20, 0x10));
+  EXPECT_EQ(Pixel(image, 1, 0), RGB(3, 2, 1));
+}
+
+TEST(Image, ThatIsPackedGoesThroughTheHost) {
+  RecordingHost host;
+  MImage refused;
+  refused.Load(GetModuleHandleW(nullptr), 7, ImageForm::Compressed, &host);
+  EXPECT_EQ(refused.Ref().Context(), nullptr);
+  host.unpackedImage = {0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 32, 8, 0x80, 9, 8, 7, 255, 0, 0, 0};
+  MImage image;
+  image.Load(GetModuleHandleW(nullptr), 7, ImageForm::Compressed, &host);
+  EXPECT_EQ(host.events, (Lines{"DecompressImage 26 6", "DecompressImage 26 6"}));
+  EXPECT_EQ(Pixel(image, 0, 0), RGB(7, 8, 9));
+}
+
+TEST(Image, ThatIsMissingStaysEmpty) {
+  RecordingHost host;
+  struct Row {
+    int32_t id;
+    ImageForm form;
+  };
+  for (const Row& row : {Row{9999, ImageForm::Plain}, Row{8, ImageForm::Plain}, Row{161, ImageForm::Compressed},
+                         Row{161, static_cast<ImageForm>(2)}}) {
+    MImage image;
+    image.Load(GetModuleHandleW(nullptr), row.id, row.form, &host);
+    EXPECT_EQ(image.Ref().Context(), nullptr) << row.id;
+    EXPECT_FALSE(image.Ref().IsNull()) << "regions refer to it all the same";
+  }
+}
+
+TEST(Image, GivesBackItsBitmapAndContext) {
+  const auto load = [] {
+    MImage image;
+    image.Load(GetModuleHandleW(nullptr), image_id::Skin);
+    image.Load(GetModuleHandleW(nullptr), image_id::Skin);
+  };
+  load();
+  const size_t before = driver::CountGdiObjects();
+  for (int i = 0; i < 100; ++i) load();
+  EXPECT_EQ(driver::CountGdiObjects(), before);
+  const GdiObject leaked(CreateSolidBrush(1));
+  EXPECT_EQ(driver::CountGdiObjects(), before + 1) << "the count sees what stays";
+}
+
+}  // namespace

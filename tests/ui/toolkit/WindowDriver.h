@@ -1,0 +1,138 @@
+// Drives a window of this process as a person does, through the window system's own input, and looks at its pixels.
+// Everything waits for what it expects to happen, not for time to pass.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <functional>
+#include <vector>
+
+#include "ui/toolkit/Geometry.h"
+
+namespace driver {
+
+// Handles this thread's messages until `done`; false when that takes implausibly long.
+inline bool PumpUntil(const std::function<bool()>& done) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (!done()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+    if (!done()) MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
+  }
+  return true;
+}
+
+// Handles what is queued now, input on its way included: a message posted behind it marks the end.
+inline void PumpInput(HWND window) {
+  constexpr UINT kMark = 0xBFFF + 100;
+  for (int round = 0; round < 3; ++round) {
+    PostMessageW(window, kMark, 0, 0);
+    MSG message = {};
+    do {
+      GetMessageW(&message, nullptr, 0, 0);
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    } while (message.message != kMark);
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) ||
+           PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+  }
+}
+
+inline void MoveTo(HWND window, Point at) {
+  POINT screen = {at.x, at.y};
+  ClientToScreen(window, &screen);
+  SetCursorPos(screen.x, screen.y);
+  PumpInput(window);
+}
+
+inline void Button(HWND window, bool down) {
+  INPUT input = {};
+  input.type = INPUT_MOUSE;
+  input.mi.dwFlags = down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
+  SendInput(1, &input, sizeof(input));
+  PumpInput(window);
+}
+
+inline void Key(HWND window, WORD key, bool down) {
+  INPUT input = {};
+  input.type = INPUT_KEYBOARD;
+  input.ki.wVk = key;
+  input.ki.dwFlags = down ? 0 : KEYEVENTF_KEYUP;
+  SendInput(1, &input, sizeof(input));
+  PumpInput(window);
+}
+inline void Stroke(HWND window, WORD key, bool withShift = false) {
+  if (withShift) Key(window, VK_SHIFT, true);
+  Key(window, key, true);
+  Key(window, key, false);
+  if (withShift) Key(window, VK_SHIFT, false);
+}
+
+// The colour of a pixel of the client area as it is on the screen, red in the low byte.
+inline COLORREF PixelAt(HWND window, Point at) {
+  const HDC dc = GetDC(window);
+  const COLORREF color = GetPixel(dc, at.x, at.y);
+  ReleaseDC(window, dc);
+  return color;
+}
+
+// Objects of the process, to see that rounds of the same work leave as many as before.
+struct ObjectCounts {
+  size_t gdi = 0;
+  size_t windows = 0;
+  size_t heapBlocks = 0;
+};
+
+inline size_t CountGdiObjects() {
+  struct Entry {
+    uint64_t object;
+    uint16_t owner, reserved, unique;
+    uint8_t type, flags;
+    uint64_t pointer;
+  };
+  static_assert(sizeof(Entry) == 24);
+  constexpr size_t kEntries = 65536, kTableOffset = 0xF8, kBlockOffset = 0x60;
+  const auto* const block = reinterpret_cast<const uint8_t*>(
+      *reinterpret_cast<void* const*>(reinterpret_cast<const uint8_t*>(NtCurrentTeb()) + kBlockOffset));
+  const auto* const table = *reinterpret_cast<const Entry* const*>(block + kTableOffset);
+  size_t count = 0;
+  for (size_t i = 0; i < kEntries; ++i) count += table[i].type != 0;
+  return count;
+}
+
+inline size_t CountHeapBlocks() {
+  std::vector<HANDLE> heaps(64);
+  heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
+  size_t count = 0;
+  for (const HANDLE heap : heaps) {
+    PROCESS_HEAP_ENTRY entry = {};
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry)) count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
+    HeapUnlock(heap);
+  }
+  return count;
+}
+
+inline ObjectCounts CountObjects(HWND window) {
+  ObjectCounts counts;
+  counts.gdi = CountGdiObjects();
+  EnumChildWindows(
+      window,
+      [](HWND, LPARAM total) {
+        ++*reinterpret_cast<size_t*>(total);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&counts.windows));
+  counts.heapBlocks = CountHeapBlocks();
+  return counts;
+}
+
+}  // namespace driver
