@@ -57,6 +57,7 @@ struct Command {
 [[nodiscard]] std::span<const Command> FileCommands();
 [[nodiscard]] std::span<const Command> DirectoryCommands();
 [[nodiscard]] std::span<const Command> LcdCommands();
+[[nodiscard]] std::span<const Command> PrintCommands();
 [[nodiscard]] std::span<const Command> ServiceCommands();
 
 // All commands, family by family.

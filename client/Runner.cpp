@@ -186,7 +186,7 @@ ExitCode RunAccount(const std::vector<std::string>& words) {
 
 std::vector<const Command*> AllCommands() {
   std::vector<const Command*> all;
-  for (const auto family : {FileCommands(), DirectoryCommands(), LcdCommands(), ServiceCommands()}) {
+  for (const auto family : {FileCommands(), DirectoryCommands(), LcdCommands(), PrintCommands(), ServiceCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

@@ -1,0 +1,329 @@
+// Drawing with arrays, on real pixels: what is taken and drawn, beside what is refused and leaves the pixels alone.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <optional>
+#include <vector>
+
+#include "broker/CoLumenBrokerServer.h"
+#include "tests/support/ByteArray.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/MemoryCanvas.h"
+
+namespace {
+
+template <class Value>
+std::string BytesOf(const Value& value) {
+  return std::string(reinterpret_cast<const char*>(&value), sizeof(value));
+}
+std::string Rect(LONG left, LONG top, LONG right, LONG bottom) {
+  return BytesOf(RECT{left, top, right, bottom});
+}
+// A bitmap's header with what follows it: nothing known for 4 bytes, black and white for 8.
+std::string Header(LONG width, LONG height, WORD bits, size_t length) {
+  BITMAPINFOHEADER header = {};
+  header.biSize = sizeof(header);
+  header.biWidth = width;
+  header.biHeight = height;
+  header.biPlanes = 1;
+  header.biBitCount = bits;
+  std::string bytes = BytesOf(header);
+  bytes.resize(length);
+  if (length == 48) bytes.replace(44, 3, "\xFF\xFF\xFF");
+  return bytes;
+}
+
+class PrintMethods : public testing::Test {
+ protected:
+  // A path around left, top, right, bottom.
+  void Path(ULONG left, ULONG top, ULONG right, ULONG bottom) {
+    EXPECT_EQ(broker->BrokerBeginPath(dc), S_OK);
+    EXPECT_EQ(broker->BrokerMoveTo(dc, left, top), S_OK);
+    EXPECT_EQ(broker->BrokerLineTo(dc, right, top), S_OK);
+    EXPECT_EQ(broker->BrokerLineTo(dc, right, bottom), S_OK);
+    EXPECT_EQ(broker->BrokerLineTo(dc, left, bottom), S_OK);
+    EXPECT_EQ(broker->BrokerLineTo(dc, left, top), S_OK);
+    EXPECT_EQ(broker->BrokerEndPath(dc), S_OK);
+  }
+  HRESULT Fill(const std::string& target, const std::string& source, const std::string& pixels,
+               const std::string& header, ULONG saveRestore = 1) {
+    return broker->BrokerPathToBitmapFill(dc, ByteArray(target).Get(), ByteArray(source).Get(),
+                                          ByteArray(pixels).Get(), ByteArray(header).Get(), saveRestore);
+  }
+  HRESULT FillThrough(const std::string& target, const std::string& source, const std::string& pixels,
+                      const std::string& header, ULONG colour, ULONG operation) {
+    return broker->BrokerPathToTransparentBitmapFill(dc, ByteArray(target).Get(), ByteArray(source).Get(),
+                                                     ByteArray(pixels).Get(), ByteArray(header).Get(), colour,
+                                                     operation);
+  }
+
+  ComInitializer apartment;
+  ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
+  MemoryCanvas canvas;
+  const ULONG dc = canvas.Wire();
+};
+
+// What StartDocW was given, and what it answers.
+std::optional<DOCINFOW> startedDocument;
+WideString startedName;
+int startAnswer = 1;
+int WINAPI RecordStartDoc(HDC /*dc*/, const DOCINFOW* document) {
+  startedDocument = *document;
+  startedName = document->lpszDocName;
+  return startAnswer;
+}
+
+TEST_F(PrintMethods, DocumentIsNamedAndThePaperTold) {
+  const ImportHook hook(GetModuleHandleW(nullptr), "StartDocW", RecordStartDoc);
+  SetMapMode(canvas.Get(), MM_ANISOTROPIC);
+  SetViewportExtEx(canvas.Get(), 3, 1, nullptr);
+  SetWindowExtEx(canvas.Get(), 1, 2, nullptr);
+  // A device that does not print answers 0, and only -1 is a failure.
+  for (const int given : {-1, 0, 1}) {
+    ULONG v[8] = {};
+    startAnswer = given;
+    const HRESULT result = broker->BrokerStartDoc(dc, &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7]);
+    EXPECT_EQ(result, given == -1 ? E_FAIL : S_OK);
+    ASSERT_TRUE(startedDocument);
+    EXPECT_EQ(startedDocument->cbSize, 40);
+    EXPECT_EQ(ToUtf8(startedName), "Lumen");
+    EXPECT_EQ(startedDocument->lpszOutput, nullptr);
+    EXPECT_EQ(startedDocument->lpszDatatype, nullptr);
+    EXPECT_EQ(startedDocument->fwType, 0u);
+    if (given == -1) continue;
+    const HDC own = canvas.Get();
+    const auto width = static_cast<ULONG>(GetDeviceCaps(own, HORZRES));
+    const auto height = static_cast<ULONG>(GetDeviceCaps(own, VERTRES));
+    const ULONG expected[] = {width,
+                              height,
+                              width * 3,
+                              height / 2,
+                              static_cast<ULONG>(GetDeviceCaps(own, PHYSICALWIDTH)),
+                              static_cast<ULONG>(GetDeviceCaps(own, PHYSICALHEIGHT)),
+                              static_cast<ULONG>(GetDeviceCaps(own, LOGPIXELSX)),
+                              static_cast<ULONG>(GetDeviceCaps(own, LOGPIXELSY))};
+    for (size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(v[i], expected[i]) << "value " << i;
+  }
+}
+
+TEST_F(PrintMethods, RectangleIsFilledUpToItsEdges) {
+  EXPECT_EQ(broker->BrokerAddRectangle(dc, ByteArray(Rect(10, 20, 30, 25)).Get(), RGB(1, 2, 3)), S_OK);
+  EXPECT_EQ(canvas.Count(0x010203), 100);
+  EXPECT_EQ(canvas.At(10, 20), 0x010203u);
+  EXPECT_EQ(canvas.At(30, 25), 0xFFFFFFu);
+}
+
+TEST_F(PrintMethods, MalformedArraysCountAsAbsent) {
+  SAFEARRAYBOUND shifted = {16, 1};
+  SAFEARRAYBOUND flat[] = {{4, 0}, {4, 0}};
+  const ByteArray lowerBound(SafeArrayCreate(VT_UI1, 1, &shifted));
+  const ByteArray twoDimensions(SafeArrayCreate(VT_UI1, 2, flat));
+  const ByteArray twoBytes(SafeArrayCreateVector(VT_UI2, 0, 16));
+  for (SAFEARRAY* const array :
+       {static_cast<SAFEARRAY*>(nullptr), lowerBound.Get(), twoDimensions.Get(), twoBytes.Get()}) {
+    EXPECT_EQ(broker->BrokerAddRectangle(dc, array, 0), E_FAIL);
+    EXPECT_EQ(broker->BrokerPolyBezierTo(dc, array, 0), E_FAIL) << "absence is worse than a wrong length";
+  }
+  EXPECT_EQ(broker->BrokerAddRectangle(dc, ByteArray(std::string(15, 0)).Get(), 0), E_FAIL);
+  EXPECT_TRUE(canvas.IsBlank());
+  EXPECT_EQ(lowerBound.Get()->cLocks + twoDimensions.Get()->cLocks, 0u);
+}
+
+TEST_F(PrintMethods, PathIsFilledAndStroked) {
+  const HGDIOBJ brush = GetCurrentObject(canvas.Get(), OBJ_BRUSH);
+  const HGDIOBJ pen = GetCurrentObject(canvas.Get(), OBJ_PEN);
+  Path(5, 5, 25, 25);
+  EXPECT_EQ(broker->BrokerPathToSolidFill(dc, RGB(255, 0, 0)), S_OK);
+  EXPECT_EQ(canvas.Count(0xFF0000), 400);
+  canvas.Clear();
+  Path(10, 10, 50, 50);
+  EXPECT_EQ(broker->BrokerPathToStrokedLine(dc, 6, RGB(0, 0, 255)), S_OK);
+  EXPECT_EQ(canvas.At(30, 8), 0x0000FFu);
+  EXPECT_EQ(canvas.At(30, 12), 0x0000FFu);
+  EXPECT_EQ(canvas.At(30, 14), 0xFFFFFFu);
+  EXPECT_EQ(canvas.At(30, 30), 0xFFFFFFu);
+  EXPECT_EQ(GetCurrentObject(canvas.Get(), OBJ_BRUSH), brush);
+  EXPECT_EQ(GetCurrentObject(canvas.Get(), OBJ_PEN), pen);
+  EXPECT_EQ(broker->BrokerPathToSolidFill(0, 0), S_OK) << "a bad device context goes unnoticed";
+  EXPECT_EQ(broker->BrokerPathToStrokedLine(0, 1, 0), S_OK);
+}
+
+TEST_F(PrintMethods, CurveIsDrawnAndItsCountChecked) {
+  const POINT points[] = {{20, 0}, {40, 64}, {60, 32}};
+  const ByteArray curve(BytesOf(points));
+  const auto draw = [&](const ByteArray& array, ULONG count) {
+    EXPECT_EQ(broker->BrokerBeginPath(dc), S_OK);
+    EXPECT_EQ(broker->BrokerMoveTo(dc, 4, 32), S_OK);
+    const HRESULT result = broker->BrokerPolyBezierTo(dc, array.Get(), count);
+    EXPECT_EQ(broker->BrokerEndPath(dc), S_OK);
+    EXPECT_EQ(broker->BrokerPathToStrokedLine(dc, 3, 0), S_OK);
+    return result;
+  };
+  EXPECT_EQ(draw(curve, 2), E_FAIL);
+  EXPECT_EQ(draw(curve, 0), S_OK) << "nothing to draw";
+  EXPECT_EQ(draw(curve, 0x20000000), S_OK) << "the length wraps to nothing, and nothing is read";
+  EXPECT_TRUE(canvas.IsBlank());
+  EXPECT_EQ(draw(curve, 3), S_OK);
+  EXPECT_GT(canvas.Count(0), 100);
+  EXPECT_EQ(canvas.At(32, 32), 0u) << "its middle";
+}
+
+TEST_F(PrintMethods, BitmapIsClippedToThePathAndTheStateComesBack) {
+  // Two by one: red, green. Widths and heights stand third and fourth.
+  const std::string pixels("\0\0\xFF\0\0\xFF\0\0", 8);
+  const std::string target = Rect(8, 8, 40, 20);
+  Path(0, 0, 64, 18);
+  EXPECT_EQ(Fill(target, Rect(0, 0, 2, 1), pixels, Header(2, 1, 32, 44)), S_OK);
+  EXPECT_EQ(canvas.Count(0xFF0000), 20 * 10);
+  EXPECT_EQ(canvas.Count(0x00FF00), 20 * 10);
+  EXPECT_EQ(canvas.At(8, 8), 0xFF0000u);
+  EXPECT_EQ(canvas.At(47, 17), 0x00FF00u);
+  EXPECT_EQ(canvas.At(47, 18), 0xFFFFFFu) << "outside the path";
+  RECT clip = {};
+  GetClipBox(canvas.Get(), &clip);
+  EXPECT_EQ(clip.bottom, 64);
+  EXPECT_EQ(SaveDC(canvas.Get()), 1) << "no state is left saved";
+}
+
+TEST_F(PrintMethods, BitmapWithoutSavingLeavesPathAndClipAlone) {
+  const std::string pixels("\0\0\xFF\0", 4);
+  Path(0, 0, 10, 10);
+  EXPECT_EQ(Fill(Rect(20, 20, 20, 20), Rect(0, 0, 1, 1), pixels, Header(1, 1, 32, 44), 0), S_OK);
+  EXPECT_EQ(canvas.Count(0xFF0000), 400);
+  EXPECT_EQ(broker->BrokerPathToSolidFill(dc, RGB(0, 0, 255)), S_OK) << "the path is still there";
+  EXPECT_EQ(canvas.Count(0x0000FF), 100);
+}
+
+TEST_F(PrintMethods, MaskPaintsTheBrushWhereItIsBlack) {
+  canvas.Clear(0xC8C8C8);
+  Path(0, 0, 32, 64);
+  const HGDIOBJ brush = GetCurrentObject(canvas.Get(), OBJ_BRUSH);
+  // Two rows of one bit: black over white, the first row at the top.
+  const std::string pixels("\x00\0\0\0\xFF\0\0\0", 8);
+  constexpr ULONG kPatternWhereBlack = 0x00B8074A;
+  EXPECT_EQ(FillThrough(Rect(0, 0, 64, 64), Rect(0, 0, 8, 2), pixels, Header(8, -2, 1, 48), RGB(240, 140, 20),
+                        kPatternWhereBlack),
+            S_OK);
+  EXPECT_EQ(canvas.Count(0xF08C14), 32 * 32);
+  EXPECT_EQ(canvas.At(0, 0), 0xF08C14u);
+  EXPECT_EQ(canvas.At(0, 40), 0xC8C8C8u) << "white leaves what was there";
+  EXPECT_EQ(canvas.At(40, 0), 0xC8C8C8u) << "outside the path";
+  EXPECT_EQ(GetCurrentObject(canvas.Get(), OBJ_BRUSH), brush);
+  EXPECT_EQ(SaveDC(canvas.Get()), 1);
+}
+
+TEST_F(PrintMethods, BitmapFillsRefuseEachOthersHeader) {
+  const std::string rect = Rect(0, 0, 8, 8);
+  const std::string pixels(256, 0);
+  Path(0, 0, 64, 64);
+  EXPECT_EQ(Fill(rect, rect, pixels, Header(8, 8, 32, 48)), E_FAIL);
+  EXPECT_EQ(FillThrough(rect, rect, pixels, Header(8, 8, 32, 44), 0, SRCCOPY), E_FAIL);
+  EXPECT_EQ(Fill(rect, rect, pixels.substr(1), Header(8, 8, 32, 44)), E_FAIL) << "a pixel is missing";
+  EXPECT_TRUE(canvas.IsBlank());
+  EXPECT_EQ(Fill(rect, rect, pixels, Header(8, 8, 32, 44)), S_OK);
+  EXPECT_EQ(canvas.Count(0), 64);
+}
+
+// The bound lets these through; the platform would read beyond the array for them.
+TEST_F(PrintMethods, HostileBitmapsAreSuccessesThatReadNothingTheyDoNotHave) {
+  const struct {
+    const char* why;
+    LONG width;
+    LONG height;
+    WORD bits;
+    bool blank;
+  } rows[] = {
+      {"the most negative height", 8, INT_MIN, 32, true},
+      {"a negative width", -8, 8, 32, true},
+      {"one bit a pixel and far too few of them", 1000000, 1000000, 1, true},
+      {"one bit a pixel, the missing ones black", 64, 64, 1, false},
+      {"a palette that the header has no room for", 2, 2, 8, false},
+  };
+  for (const auto& row : rows) {
+    canvas.Clear();
+    Path(0, 0, 64, 64);
+    EXPECT_EQ(Fill(Rect(0, 0, 64, 64), Rect(0, 0, 64, 64), std::string(4, 0), Header(row.width, row.height, row.bits, 44)),
+              S_OK)
+        << row.why;
+    EXPECT_EQ(canvas.IsBlank(), row.blank) << row.why;
+  }
+}
+
+TEST_F(PrintMethods, OnePointIsConvertedWhateverTheCount) {
+  SetWindowOrgEx(canvas.Get(), 100, 200, nullptr);
+  for (const ULONG count : {1u, 2u, 1000000u, 0x80000000u, 0xFFFFFFFFu}) {
+    ULONG x = 5, y = static_cast<ULONG>(-6), done = 0;
+    EXPECT_EQ(broker->BrokerDPtoLP(dc, &x, &y, count, &done), S_OK);
+    EXPECT_EQ(done, 1u);
+    EXPECT_EQ(x, 105u);
+    EXPECT_EQ(y, 194u);
+  }
+  ULONG x = 5, y = 6, done = 0;
+  EXPECT_EQ(broker->BrokerDPtoLP(dc, &x, &y, 0, &done), S_OK);
+  EXPECT_EQ(x, 5u) << "no points";
+  EXPECT_EQ(broker->BrokerDPtoLP(0, &x, &y, 1, &done), S_OK) << "the result is in the argument";
+  EXPECT_EQ(done, 0u);
+}
+
+TEST_F(PrintMethods, WorldTransformGoesAndComesAsTwentyFourBytes) {
+  const XFORM doubled = {2, 0, 0, 2, 7, 9};
+  ULONG done = 1, before = 0;
+  VARIANT reply = {};
+  EXPECT_EQ(broker->BrokerSetWorldTransform(dc, ByteArray(BytesOf(doubled)).Get(), &done), S_OK);
+  EXPECT_EQ(done, 0u) << "it needs the advanced mode";
+  EXPECT_EQ(broker->BrokerSetGraphicsMode(dc, GM_ADVANCED, &before), S_OK);
+  EXPECT_EQ(broker->BrokerSetWorldTransform(dc, ByteArray(std::string(23, 0)).Get(), &done), E_FAIL);
+  EXPECT_EQ(broker->BrokerSetWorldTransform(dc, nullptr, &done), E_FAIL);
+  EXPECT_EQ(broker->BrokerSetWorldTransform(dc, ByteArray(BytesOf(doubled)).Get(), &done), S_OK);
+  EXPECT_EQ(done, 1u);
+  ASSERT_EQ(broker->BrokerGetWorldTransform(dc, &reply), S_OK);
+  ASSERT_EQ(reply.vt, VT_ARRAY | VT_UI1);
+  const ByteArray bytes(reply.parray);
+  EXPECT_EQ(bytes.Text(), BytesOf(doubled));
+  EXPECT_EQ(broker->BrokerGetWorldTransform(0, &reply), E_FAIL);
+}
+
+// The drawing library's own objects, made and deleted.
+int made = 0;
+int deleted = 0;
+template <class Function>
+Function* Own(Function* /*type*/, const char* name) {
+  return reinterpret_cast<Function*>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"gdi32.dll"), name)));
+}
+HBRUSH WINAPI CountBrush(COLORREF colour) {
+  ++made;
+  return Own(CreateSolidBrush, "CreateSolidBrush")(colour);
+}
+HPEN WINAPI CountPen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD count, const DWORD* styles) {
+  ++made;
+  return Own(ExtCreatePen, "ExtCreatePen")(style, width, brush, count, styles);
+}
+BOOL WINAPI CountDeletion(HGDIOBJ object) {
+  const BOOL gone = Own(DeleteObject, "DeleteObject")(object);  // handle-check: the hook's own call
+  deleted += gone;
+  return gone;
+}
+
+TEST_F(PrintMethods, TenThousandFillsDeleteWhatTheyMake) {
+  const HMODULE own = GetModuleHandleW(nullptr);
+  const ImportHook brush(own, "CreateSolidBrush", CountBrush);
+  const ImportHook pen(own, "ExtCreatePen", CountPen);
+  const ImportHook deletion(own, "DeleteObject", CountDeletion);
+  made = deleted = 0;
+  const ByteArray rect(Rect(0, 0, 2, 2));
+  const std::string one = Rect(0, 0, 1, 1);
+  for (int i = 0; i < 2500; ++i) {
+    EXPECT_EQ(broker->BrokerAddRectangle(dc, rect.Get(), 0), S_OK);
+    EXPECT_EQ(broker->BrokerPathToSolidFill(dc, 0), S_OK);
+    EXPECT_EQ(broker->BrokerPathToStrokedLine(dc, 1, 0), S_OK);
+    EXPECT_EQ(FillThrough(one, one, std::string(4, 0), Header(1, 1, 1, 48), 0, SRCCOPY), S_OK);
+  }
+  EXPECT_EQ(made, 10000);
+  EXPECT_EQ(deleted, 10000);
+  EXPECT_EQ(SaveDC(canvas.Get()), 1) << "no state is left saved";
+}
+
+}  // namespace
