@@ -106,7 +106,7 @@ std::vector<PagePoint> Circle(PagePoint c, double r) {
 
 void DrawText(PrintCanvas& canvas) {
   canvas.Text({0.75, 0.5}, kHeading, L"Lumen print test");
-  canvas.SpacedText({0.75, 1.2}, kFixed, "Every line of this page came through the broker", 0.135);
+  canvas.SpacedText({0.75, 1.2}, kFixed, "Every line of this page came through the broker", 0.14);
   canvas.Text({0.75, 4.15}, kNote, L"A filled path, a stroked path, a filled and a stroked curve");
   canvas.Text({0.75, 7.35}, kNote, L"A bitmap clipped to a path");
   canvas.Text({4.25, 7.35}, kNote, L"A bitmap as a mask over what was there");

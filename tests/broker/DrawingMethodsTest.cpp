@@ -88,7 +88,7 @@ const Row kRows[] = {
     Thin("GetObjectType", GetObjectType, Shape::Out, {kWide}, [](B* b, ULONG* o) { return b->BrokerGetObjectType(kDc, o); }),
     Thin("GetCurrentObject", GetCurrentObject, Shape::Out, {kWide, kUnsigned}, [](B* b, ULONG* o) { return b->BrokerGetCurrentObject(kDc, kNumber, o); }),
     Thin("SelectObject", SelectObject, Shape::Out, {kWide, kSigned}, [](B* b, ULONG* o) { return b->BrokerSelectObject(kDc, kNumber, o); }),
-    Thin("DeleteObject", DeleteObject, Shape::Out, {kWide}, [](B* b, ULONG* o) { return b->BrokerDeleteObject(kDc, o); }),  // handle-check: its name
+    Thin("DeleteObject", DeleteObject, Shape::Out, {kWide}, [](B* b, ULONG* o) { return b->BrokerDeleteObject(kDc, o); }),
 };
 // clang-format on
 static_assert(std::size(kRows) == 27);

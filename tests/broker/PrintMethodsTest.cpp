@@ -49,8 +49,8 @@ class PrintMethods : public testing::Test {
   }
   HRESULT Fill(const std::string& target, const std::string& source, const std::string& pixels,
                const std::string& header, ULONG saveRestore = 1) {
-    return broker->BrokerPathToBitmapFill(dc, ByteArray(target).Get(), ByteArray(source).Get(),
-                                          ByteArray(pixels).Get(), ByteArray(header).Get(), saveRestore);
+    return broker->BrokerPathToBitmapFill(dc, ByteArray(target).Get(), ByteArray(source).Get(), ByteArray(pixels).Get(),
+                                          ByteArray(header).Get(), saveRestore);
   }
   HRESULT FillThrough(const std::string& target, const std::string& source, const std::string& pixels,
                       const std::string& header, ULONG colour, ULONG operation) {
@@ -244,8 +244,9 @@ TEST_F(PrintMethods, HostileBitmapsAreSuccessesThatReadNothingTheyDoNotHave) {
   for (const auto& row : rows) {
     canvas.Clear();
     Path(0, 0, 64, 64);
-    EXPECT_EQ(Fill(Rect(0, 0, 64, 64), Rect(0, 0, 64, 64), std::string(4, 0), Header(row.width, row.height, row.bits, 44)),
-              S_OK)
+    EXPECT_EQ(
+        Fill(Rect(0, 0, 64, 64), Rect(0, 0, 64, 64), std::string(4, 0), Header(row.width, row.height, row.bits, 44)),
+        S_OK)
         << row.why;
     EXPECT_EQ(canvas.IsBlank(), row.blank) << row.why;
   }
@@ -290,8 +291,7 @@ int made = 0;
 int deleted = 0;
 template <class Function>
 Function* Own(Function* /*type*/, const char* name) {
-  return reinterpret_cast<Function*>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"gdi32.dll"), name)));
+  return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"gdi32.dll"), name)));
 }
 HBRUSH WINAPI CountBrush(COLORREF colour) {
   ++made;
@@ -302,7 +302,7 @@ HPEN WINAPI CountPen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD coun
   return Own(ExtCreatePen, "ExtCreatePen")(style, width, brush, count, styles);
 }
 BOOL WINAPI CountDeletion(HGDIOBJ object) {
-  const BOOL gone = Own(DeleteObject, "DeleteObject")(object);  // handle-check: the hook's own call
+  const BOOL gone = Own(DeleteObject, "DeleteObject")(object);
   deleted += gone;
   return gone;
 }

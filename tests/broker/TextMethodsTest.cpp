@@ -42,10 +42,10 @@ class TextMethods : public testing::Test {
     const ByteArray spacing(std::string(static_cast<size_t>(std::max(row.spacingBytes, 0)), 0));
     SAFEARRAY* const spacingArray = row.spacingBytes < 0 ? nullptr : spacing.Get();
     ULONG drawn = 0;
-    return wide ? broker->BrokerExtTextOutW(dc, 0, 0, row.options, 1, rect.Get(), text.Get(), row.count,
-                                            row.noSpacing, spacingArray, &drawn)
-                : broker->BrokerExtTextOutA(dc, 0, 0, row.options, 1, rect.Get(), text.Get(), row.count,
-                                            row.noSpacing, spacingArray, &drawn);
+    return wide ? broker->BrokerExtTextOutW(dc, 0, 0, row.options, 1, rect.Get(), text.Get(), row.count, row.noSpacing,
+                                            spacingArray, &drawn)
+                : broker->BrokerExtTextOutA(dc, 0, 0, row.options, 1, rect.Get(), text.Get(), row.count, row.noSpacing,
+                                            spacingArray, &drawn);
   }
 
   ComInitializer apartment;
@@ -128,8 +128,8 @@ TEST_F(TextMethods, BothWidthsDrawTheSamePixels) {
     const ByteArray rect(Rect(0, 0, 64, 16));
     const ByteArray spacing(Spacing({30, 30}));
     ULONG drawn = 0;
-    EXPECT_EQ(wide ? broker->BrokerExtTextOutW(dc, 2, 2, ETO_OPAQUE, 0, rect.Get(), ByteArray(Wide(L"HI")).Get(), 2,
-                                               0, spacing.Get(), &drawn)
+    EXPECT_EQ(wide ? broker->BrokerExtTextOutW(dc, 2, 2, ETO_OPAQUE, 0, rect.Get(), ByteArray(Wide(L"HI")).Get(), 2, 0,
+                                               spacing.Get(), &drawn)
                    : broker->BrokerExtTextOutA(dc, 2, 2, ETO_OPAQUE, 0, rect.Get(), ByteArray({"HI", 3}).Get(), 2, 0,
                                                spacing.Get(), &drawn),
               S_OK);
@@ -243,9 +243,9 @@ class NoServices final : public IClassFactory {
 TEST_F(TextMethods, WithoutLanguageServicesFontLinkingFails) {
   NoServices factory;
   DWORD registration = 0;
-  ASSERT_EQ(CoRegisterClassObject(CLSID_CMultiLanguage, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                                  &registration),
-            S_OK);
+  ASSERT_EQ(
+      CoRegisterClassObject(CLSID_CMultiLanguage, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration),
+      S_OK);
   const ComPtr<ILumenBroker6> without = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
   CoRevokeClassObject(registration);
   ULONG pages = 0, font = 0;
