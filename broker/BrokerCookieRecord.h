@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "delivery/DownloadSession.h"
 #include "engine/WideText.h"
 
 constexpr intptr_t kNoHandle = -1;
@@ -17,12 +18,6 @@ struct DeferredOpen {
   uint32_t creationDisposition = 0;
   uint32_t flagsAndAttributes = 0;
   std::optional<WideString> identity;  // the enterprise identity that the dialog's user chose, if any
-};
-
-// A download under way, as far as a record has to know it: freeing the record ends it.
-class DownloadSessionBase {
- public:
-  virtual ~DownloadSessionBase() = default;
 };
 
 struct BrokerCookieRecord {

@@ -17,8 +17,9 @@ bool LoadFileToBuffer(const wchar_t* path, std::vector<uint8_t>& buffer) try {
   buffer.clear();
   const FileHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
   if (!file.IsValid()) return false;
-  const DWORD size = GetFileSize(file.Get(), nullptr);
-  if (size == INVALID_FILE_SIZE) return false;
+  DWORD high = 0;
+  const DWORD size = GetFileSize(file.Get(), &high);
+  if (size == INVALID_FILE_SIZE || high != 0) return false;
   std::vector<uint8_t> content(size);
   DWORD read = 0;
   if (!ReadFile(file.Get(), content.data(), size, &read, nullptr) || read != size) return false;
