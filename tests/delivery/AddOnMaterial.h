@@ -1,0 +1,42 @@
+// The messages and the product that the build had openssl sign, and the place in the user's profile that tests fill.
+#pragma once
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/TestFiles.h"
+
+namespace addon {
+
+inline WideString Folder(const wchar_t* name) {
+  WideString path = L"Z:" + WidenAscii(LUMEN_BUILD_DIR "/tests/addon/") + name;
+  for (wchar_t& unit : path) {
+    if (unit == L'/') unit = L'\\';
+  }
+  return path;
+}
+
+inline std::string MessageText(const std::string& name) {
+  const std::string text = testing_files::ReadWhole(Folder(L"messages\\") + WidenAscii(name));
+  EXPECT_NE(text, "(no file)") << name;
+  return text;
+}
+
+inline std::vector<uint8_t> MessageBytes(const std::string& name) {
+  const std::string text = MessageText(name);
+  return {text.begin(), text.end()};
+}
+
+// Where the user's products lie.
+inline WideString ProductsFolder() {
+  return testing_files::PlayerDirectory() + L"\\corva.example";
+}
+inline WideString ProductFile(const WideString& product, const WideString& file) {
+  return ProductsFolder() + L"\\bin\\" + product + L"\\" + file;
+}
+
+}  // namespace addon

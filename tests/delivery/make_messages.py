@@ -1,0 +1,206 @@
+#!/usr/bin/env python3
+"""make_messages.py FOLDER: makes signed messages, good and bad, with openssl; what each should come to is in its test.
+
+The authorities are made anew each time, so nothing secret is kept and nothing runs out. Everything is signed without
+signed attributes, so that the signature covers the content itself.
+"""
+import hashlib
+import os
+import struct
+import subprocess
+import sys
+import zlib
+
+FOLDER = sys.argv[1]
+os.makedirs(FOLDER, exist_ok=True)
+os.chdir(FOLDER)
+ALWAYS = ('20200101000000Z', '20991231235959Z')
+PAST = ('20200101000000Z', '20210101000000Z')
+FUTURE = ('20900101000000Z', '20991231235959Z')
+CONFIG = '''[ca]
+default_ca = a
+[a]
+database = index.txt
+new_certs_dir = .
+serial = serial
+default_md = sha256
+policy = p
+unique_subject = no
+[p]
+commonName = supplied
+[authority]
+basicConstraints = critical, CA:TRUE
+[signer]
+basicConstraints = critical, CA:FALSE
+'''
+
+
+def run(*words):
+    subprocess.run(['openssl', *words], check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def write(name, content):
+    with open(name, 'wb') as file:
+        file.write(content)
+
+
+def certify(name, issuer=None, extensions='authority', valid=ALWAYS, subject=None, elliptic=False):
+    """A certificate NAME.pem with its key NAME.key, issued by `issuer` or by itself."""
+    algorithm = ['EC', '-pkeyopt', 'ec_paramgen_curve:P-256'] if elliptic else ['RSA', '-pkeyopt', 'rsa_keygen_bits:2048']
+    run('genpkey', '-algorithm', *algorithm, '-out', name + '.key')
+    run('req', '-new', '-subj', '/CN=' + (subject or name), '-key', name + '.key', '-out', 'request')
+    by = ['-selfsign', '-keyfile', name + '.key'] if issuer is None else ['-cert', issuer + '.pem', '-keyfile', issuer + '.key']
+    run('ca', '-batch', '-config', 'ca.cnf', '-extensions', extensions, '-in', 'request', *by, '-startdate', valid[0],
+        '-enddate', valid[1], '-notext', '-out', name + '.pem')
+
+
+def sign(message, content, *signers, chain=(), options=('-nodetach',)):
+    with open('chain', 'wb') as file:
+        for certificate in chain:
+            with open(certificate + '.pem', 'rb') as source:
+                file.write(source.read())
+    words = ['cms', '-sign', '-binary', '-noattr', '-md', 'sha256', '-outform', 'DER', '-in', content, *options]
+    for signer in signers:
+        words += ['-signer', signer + '.pem', '-inkey', signer + '.key']
+    run(*words, *(['-certfile', 'chain'] if chain else []), '-out', message + '.p7m')
+
+
+def make_chain_messages():
+    """Messages over one content, for the walk of the certificates."""
+    write('content', b'what was signed, ' * 40)
+    certify('anchor')
+    run('x509', '-in', 'anchor.pem', '-outform', 'DER', '-out', 'anchor.der')
+    certify('stranger')
+    run('x509', '-in', 'stranger.pem', '-outform', 'DER', '-out', 'stranger.der')
+    write('empty.der', b'')
+    links = ['anchor']
+    for number in range(1, 10):
+        certify(f'link{number}', links[-1])
+        links.append(f'link{number}')
+    for length in (0, 1, 8, 9):
+        certify(f'signer{length}', links[length], 'signer')
+        sign(f'chain{length}', 'content', f'signer{length}', chain=links[1:length + 1])
+    sign('self-issued-top', 'content', 'signer1', chain=['link1', 'anchor'])
+    sign('missing-link', 'content', 'signer1')
+    sign('no-signer', 'content', 'signer0', options=('-nodetach', '-nocerts'))
+    sign('detached', 'content', 'signer0', options=())
+
+    certify('strange-signer', 'stranger', 'signer')
+    sign('stranger', 'content', 'strange-signer', chain=['stranger'])
+    certify('twin', subject='anchor')  # the anchor's name with another key
+    certify('twin-signer', 'twin', 'signer')
+    sign('twin-top', 'content', 'twin-signer', chain=['twin'])
+    certify('self-signed', extensions='signer')
+    sign('self-signed', 'content', 'self-signed')
+
+    for when, valid in (('expired', PAST), ('future', FUTURE)):
+        certify(f'{when}-signer', 'anchor', 'signer', valid)
+        sign(f'{when}-signer', 'content', f'{when}-signer')
+        certify(f'{when}-link', 'anchor', 'authority', valid)
+        certify(f'{when}-below', f'{when}-link', 'signer')
+        sign(f'{when}-link', 'content', f'{when}-below', chain=[f'{when}-link'])
+
+    # openssl writes the shorter signer record first, and only the first one counts.
+    certify('a', 'anchor', 'signer')
+    certify('s', subject='s')
+    certify('short-stranger', 's', 'signer')
+    sign('two-good', 'content', 'a', 'signer0')
+    sign('two-stranger-first', 'content', 'a', 'short-stranger')
+    sign('two-good-first', 'content', 'a', 'strange-signer')
+
+    certify('curve-signer', 'anchor', 'signer', elliptic=True)
+    sign('curve-signer', 'content', 'curve-signer')
+    certify('curve-link', 'anchor', elliptic=True)
+    certify('curve-below', 'curve-link', 'signer')
+    sign('curve-link', 'content', 'curve-below', chain=['curve-link'])
+
+
+def make_packages():
+    """Packages signed by the anchor's own signer; the executable in them is PROGRAM."""
+    program = b''.join(hashlib.sha256(bytes([n])).digest() * 2 for n in range(160))  # packs to about a half
+    write('program', program)
+    stream = zlib.compress(program)
+
+    def package(name, size, body, magic=b'Troy'):
+        write('package', magic + struct.pack('<I', size)[:8 - len(magic)] + body)
+        sign(name, 'package', 'signer1', chain=['link1'])
+
+    package('good', len(program), stream)
+    package('trailing', len(program), stream + b'behind')
+    short = zlib.compress(b'short')
+    most = 10 * (8 + len(short))
+    package('below-bound', most - 1, short)
+    package('at-bound', most, short)
+    package('four-gigabytes', 0xFFFFFFFF, short)
+    package('other-magic', len(program), stream, b'troy')
+    package('short-magic', 0, b'', b'Tro')
+    package('longer-stream', len(program) - 1, stream)
+    package('corrupt', len(program), stream[:20] + bytes(8) + stream[28:])
+    package('cut', len(program), stream[:-3])
+    package('nothing', 0, zlib.compress(b''))
+    package('something-in-nothing', 0, short)
+    package('no-stream', 1, b'')
+    for name, content in (('header-only', b'Troy'), ('half-header', b'Troy\1\0\0'), ('empty', b'')):
+        write('package', content)
+        sign(name, 'package', 'signer1', chain=['link1'])
+    write('package', b'Troy' + struct.pack('<I', len(program)) + stream)
+    sign('untrusted', 'package', 'strange-signer', chain=['stranger'])
+
+
+def make_digests():
+    """Digests of a product Demo whose executable is PROGRAM and whose data.txt holds "data"."""
+    with open('program', 'rb') as file:
+        contents = {'Demo.exe': file.read(), 'data.txt': b'data', 'sub\\more.txt': b'more'}
+
+    def digest(name, files, *, hashed=None, end='\r\n', value=None, extra=''):
+        whole = b''.join(contents.get(file, b'') for file in (files if hashed is None else hashed))
+        write('whole', whole)
+        binary = subprocess.run(['openssl', 'dgst', '-sha256', '-binary', 'whole'], check=True, capture_output=True).stdout
+        text = subprocess.run(['openssl', 'base64', '-A'], input=binary, check=True, capture_output=True).stdout.decode()
+        lines = ['<Signature>', *(f'<Reference URI="{file}" />' for file in files),
+                 f'<DigestValue>{text if value is None else value}</DigestValue>', extra + '</Signature>', '']
+        write('digest', end.join(lines).encode())
+        sign('digest-' + name, 'digest', 'signer1', chain=['link1'])
+
+    both = ['Demo.exe', 'data.txt']
+    digest('good', both)
+    digest('folder', [*both, 'sub\\more.txt'])
+    digest('bare-lf', both, end='\n')
+    digest('reordered', both, hashed=both[::-1])
+    digest('other-order', both[::-1])
+    digest('no-executable', ['data.txt'])
+    digest('no-files', [], hashed=both)
+    digest('prefix', ['Demo', 'data.txt'])
+    digest('other-case', ['demo.exe', 'data.txt'], hashed=both)
+    digest('longer-name', ['Demo.exe.bak', 'data.txt'])
+    digest('missing-counted', [*both, 'gone.txt'])
+    digest('empty-value', both, value='')
+    digest('huge-value', both, value='A' * 200000)
+    digest('last-value-wins', both, extra='<DigestValue>AAAA</DigestValue>\r\n')
+    digest('many', [f'{"n" * 200}{number}' for number in range(3000)] + both)
+    write('digest', b'<Reference URI="Demo.exe" />\r\n')
+    sign('digest-untrusted', 'digest', 'strange-signer', chain=['stranger'])
+
+
+def make_server_certificate():
+    """Certificates for the vendor's hosts, under an authority that only the tests trust, and under one that nobody does."""
+    certify('tls-authority')
+    run('x509', '-in', 'tls-authority.pem', '-outform', 'DER', '-out', 'tls-authority.der')
+    with open('ca.cnf', 'a', encoding='ascii') as config:
+        config.write('[server]\nsubjectAltName = DNS:*.corva.example\nextendedKeyUsage = serverAuth\n')
+    for name, issuer in (('tls', 'tls-authority'), ('tls-untrusted', 'stranger')):
+        certify('server', issuer, 'server', subject='get.corva.example')
+        with open(name + '.pem', 'wb') as out:
+            for part in ('server.pem', 'server.key'):
+                with open(part, 'rb') as source:
+                    out.write(source.read())
+
+
+with open('ca.cnf', 'w', encoding='ascii') as out_config:
+    out_config.write(CONFIG)
+write('index.txt', b'')
+write('serial', b'01')
+make_chain_messages()
+make_packages()
+make_digests()
+make_server_certificate()
