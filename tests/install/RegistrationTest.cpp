@@ -97,6 +97,11 @@ TEST_P(Registration, LeavesWhatTheGoldenTextSays) {
   EXPECT_EQ(host.Reports(), Lines{});
   const RegistrySnapshot once;
   ExpectGolden(row.golden, once.Since(before));
+  // Only the control and its server are guarded against being changed.
+  for (const char* const file : {row.file, "LumenUtil.exe"}) {
+    const bool readOnly = (GetFileAttributesW(PathOf(file).Data()) & FILE_ATTRIBUTE_READONLY) != 0;
+    EXPECT_EQ(readOnly, row.kind == product_kind::ActiveX) << file;
+  }
   // A second registration finds nothing to change.
   EXPECT_TRUE(Register(row));
   EXPECT_EQ(RegistrySnapshot().Since(once), Lines{});

@@ -1,0 +1,96 @@
+// The control registers itself: by its real library, and by scripted entry points for the answers a real one rarely
+// gives.
+#include "install/ControlRegistration.h"
+
+#include <deque>
+
+#include "engine/ProductIds.h"
+#include "install/FileProtection.h"
+#include "tests/install/InstallFixture.h"
+#include "tests/support/ImportHook.h"
+
+namespace {
+
+const std::string kControlKey = "Software\\Classes\\CLSID\\" LUMEN_CONTROL_CLASS_ID;
+
+std::deque<HRESULT> g_answers;
+
+HRESULT WINAPI AnswerNext() {
+  const HRESULT answer = g_answers.empty() ? E_UNEXPECTED : g_answers.front();
+  if (!g_answers.empty()) g_answers.pop_front();
+  return answer;
+}
+
+FARPROC WINAPI FindScripted(HMODULE /*module*/, LPCSTR name) {
+  const bool wanted = std::string_view(name) == "DllRegisterServer";
+  return wanted ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&AnswerNext)) : nullptr;
+}
+
+bool IsReadOnly(const MString& path) {
+  const DWORD attributes = GetFileAttributesW(path.Data());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+}  // namespace
+
+TEST_F(InstallFixture, ControlRegistersItselfAndItsFileIsProtected) {
+  const MString control = Player("LumenPlayer.ocx");
+  EXPECT_TRUE(shim->RegisterActiveXControl(control));
+  EXPECT_EQ(ReadText(HKEY_LOCAL_MACHINE, (kControlKey + "\\InprocServer32").c_str(), ""), Text(control));
+  EXPECT_TRUE(IsReadOnly(control));
+  EXPECT_TRUE(UnregisterControl(control));
+  EXPECT_FALSE(KeyExists(kControlKey));
+  EXPECT_TRUE(UnregisterControl(PathOf("missing.ocx"))) << "whatever happens";
+  EXPECT_EQ(host.Reports(), Lines{});
+}
+
+TEST_F(InstallFixture, LibraryThatIsNoControlIsNotRegisteredNorProtected) {
+  const MString plugin = Player("nplumen.dll");
+  const MString text = File("text.ocx");
+  const std::pair<MString, std::string> rows[] = {
+      {plugin, "2 1034 " + Text(plugin) + " 7F"},
+      {PathOf("missing.ocx"), "2 1033 " + Text(PathOf("missing.ocx")) + " 7E"},
+      {text, "2 1033 " + Text(text) + " C1"},
+  };
+  for (const auto& [path, report] : rows) {
+    host.Forget();
+    EXPECT_FALSE(shim->RegisterActiveXControl(path));
+    EXPECT_EQ(host.Reports(), Lines{report});
+    EXPECT_FALSE(IsReadOnly(path));
+  }
+  EXPECT_EQ(GetModuleHandleW(plugin.Data()), nullptr) << "it is freed";
+}
+
+TEST_F(InstallFixture, RefusedRegistrationIsTriedOnceMoreAfterThePlayersStopped) {
+  const MString control = Player("LumenPlayer.ocx");
+  const std::string path = Text(control);
+  struct {
+    std::deque<HRESULT> answers;
+    bool result;
+    Lines reports;
+  } const rows[] = {
+      {{S_OK}, true, {}},
+      {{S_FALSE}, true, {}},
+      {{E_FAIL, S_OK}, true, {"1 1032 " + path + " 80004005", "0 18"}},
+      {{E_FAIL, E_ACCESSDENIED, S_OK}, false, {"1 1032 " + path + " 80004005", "0 18", "2 1032 " + path + " 80070005"}},
+  };
+  for (const auto& row : rows) {
+    host.Forget();
+    g_answers = row.answers;
+    const ImportHook find(GetModuleHandleW(nullptr), "GetProcAddress", &FindScripted);
+    EXPECT_EQ(RegisterControl(shim, control), row.result);
+    EXPECT_EQ(host.Reports(), row.reports);
+    EXPECT_EQ(g_answers.size(), row.answers.size() > 2 ? 1u : 0u) << "never a third time";
+  }
+}
+
+TEST_F(InstallFixture, ProtectionComesAndGoesWhole) {
+  const MString file = File("server.exe");
+  EXPECT_TRUE(ProtectFile(file, true));
+  EXPECT_TRUE(IsReadOnly(file));
+  EXPECT_TRUE(ProtectFile(file, true)) << "once more changes nothing";
+  EXPECT_TRUE(ProtectFile(file, false));
+  EXPECT_FALSE(IsReadOnly(file));
+  EXPECT_TRUE(DeleteFileW(file.Data()));
+  for (const bool on : {true, false}) EXPECT_FALSE(ProtectFile(file, on)) << "there is none";
+}

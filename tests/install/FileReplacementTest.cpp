@@ -1,0 +1,274 @@
+// Files that are there, in use, read-only, denied or wanted: what becomes of each, and what the log says.
+#include "install/FileReplacement.h"
+
+#include "engine/SystemPaths.h"
+#include "tests/install/InstallFixture.h"
+#include "tests/support/FaultSteps.h"
+
+namespace {
+
+constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+constexpr wchar_t kPending[] = L"PendingFileRenameOperations";
+const std::string kOptions = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
+const std::string kCategory =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Control Panel\\Extended Properties\\System.ControlPanel.Category";
+
+FileHandle Hold(const MString& path, DWORD access, DWORD share) {
+  return FileHandle(CreateFileW(path.Data(), access, share, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+class FileReplacement : public InstallFixture {
+ protected:
+  void SetUp() override {
+    InstallFixture::SetUp();
+    Unqueue();
+    shim->AddExtraActiveXFile(L"Control.ocx");
+    shim->AddExtraPluginFile(L"plugin.dll");
+    shim->AddExtraPepperFile(L"pepper.dll");
+  }
+  void TearDown() override {
+    Unqueue();
+    InstallFixture::TearDown();
+  }
+  static void Unqueue() { RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kSessionManager, kPending); }
+  // Whether the next start of the system would delete `path`.
+  static bool IsQueued(const MString& path) {
+    std::vector<wchar_t> pending(4096);
+    DWORD bytes = static_cast<DWORD>(pending.size() * sizeof(wchar_t));
+    const LONG error =
+        RegGetValueW(HKEY_LOCAL_MACHINE, kSessionManager, kPending, RRF_RT_ANY, nullptr, pending.data(), &bytes);
+    if (error != ERROR_SUCCESS) return false;
+    const WideView all(pending.data(), bytes / sizeof(wchar_t));
+    return all.find(WideString(L"\\??\\") + path.Data()) != WideView::npos;
+  }
+  static std::string NotDeleted(const MString& path, const char* error) { return "1 1015 " + Text(path) + " " + error; }
+};
+
+}  // namespace
+
+TEST_F(FileReplacement, FilesThatCanGoAreDeleted) {
+  const MString plain = File("plain.dll");
+  const MString readOnly = File("readonly.dll");
+  SetFileAttributesW(readOnly.Data(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+  EXPECT_EQ(ReplaceFile(shim, PathOf("missing.dll"), product_kind::ActiveX), 0u);
+  EXPECT_EQ(ReplaceFile(shim, plain, product_kind::ActiveX), 0u);
+  EXPECT_EQ(host.Reports(), Lines{});
+  EXPECT_EQ(ReplaceFile(shim, readOnly, file_kind::Other), 0u);
+  EXPECT_EQ(host.Reports(), Lines{NotDeleted(readOnly, "5")});
+  for (const MString& path : {plain, readOnly}) EXPECT_FALSE(testing_files::Exists(path.Data())) << Text(path);
+}
+
+TEST_F(FileReplacement, FileInUseIsQueuedUnlessItIsAFreshPartOfItsKind) {
+  struct {
+    const char* name;
+    uint32_t kind;
+    bool queued;
+  } const rows[] = {
+      {"Control.ocx", product_kind::ActiveX, false},
+      {"MyControl.ocx", product_kind::ActiveX, false},
+      {"plugin.dll", product_kind::Plugin, false},
+      {"pepper.dll", product_kind::Pepper, false},
+      {"Control.ocx", product_kind::Plugin, true},
+      {"plugin.dll", product_kind::ActiveX, true},
+      {"control.ocx", product_kind::ActiveX, true},
+      {"Control.ocx.old", product_kind::ActiveX, true},
+      {"Control.ocx", file_kind::ServerFile, true},
+      {"Control.ocx", file_kind::Other, true},
+      {"pepper.dll", 8 | 32768, true},
+  };
+  for (const auto& row : rows) {
+    Unqueue();
+    host.Forget();
+    const MString path = File(row.name);
+    const FileHandle user = Hold(path, GENERIC_READ, FILE_SHARE_READ);
+    EXPECT_EQ(ReplaceFile(shim, path, row.kind), 32u) << row.name;
+    EXPECT_EQ(IsQueued(path), row.queued) << row.name << " " << row.kind;
+    Lines reports = {NotDeleted(path, "20")};
+    if (row.kind == product_kind::ActiveX) reports.emplace_back("0 18");
+    reports.push_back(NotDeleted(path, "20"));
+    EXPECT_EQ(host.Reports(), reports) << row.name;
+    EXPECT_TRUE(testing_files::Exists(path.Data()));
+  }
+}
+
+TEST_F(FileReplacement, LoadedLibraryIsDeniedAndQueued) {
+  const MString path = Player("nplumen.dll");
+  const LibraryHandle user(LoadLibraryW(path.Data()));
+  ASSERT_TRUE(user);
+  EXPECT_EQ(ReplaceFile(shim, path, product_kind::Plugin), 5u);
+  EXPECT_TRUE(IsQueued(path));
+  EXPECT_EQ(host.Reports(), (Lines{NotDeleted(path, "5"), NotDeleted(path, "5")}));
+}
+
+TEST_F(FileReplacement, QuirkFileThatNobodyElseMayReadDoesNotExist) {
+  const MString path = File("hidden.dll");
+  const FileHandle user = Hold(path, GENERIC_READ, 0);
+  EXPECT_FALSE(FileExists(path));
+  EXPECT_EQ(ReplaceFile(shim, path, product_kind::ActiveX), 0u);
+  EXPECT_EQ(host.Reports(), Lines{});
+}
+
+TEST_F(FileReplacement, FileThatIsDeniedExists) {
+  FaultSteps faults;
+  const std::pair<DWORD, bool> rows[] = {{5, true}, {32, false}, {3, false}, {1314, false}};
+  for (const auto& [error, exists] : rows) {
+    bool found = false;
+    (void)faults.Run(
+        1, [&] { found = FileExists(L"C:\\x"); }, error);
+    EXPECT_EQ(found, exists) << error;
+  }
+}
+
+// Error 2 of the deletion ends the matter; after any other a second try decides.
+TEST_F(FileReplacement, FirstDeletionsErrorDecidesWhetherThereIsASecond) {
+  const MString path = File("file.dll");
+  const std::string at = Text(path);
+  const Lines toTheEnd = {"open " + at, "delete " + at, "attributes " + at, "delete " + at};
+  struct {
+    size_t failing;
+    DWORD error;
+    uint32_t result;
+    Lines steps, reports;
+  } const rows[] = {
+      {1, 2, 0, {"open " + at}, {}},
+      {2, 2, 2, {"open " + at, "delete " + at}, {NotDeleted(path, "2")}},
+      {2, 3, 0, toTheEnd, {NotDeleted(path, "3")}},
+      {2, 32, 0, toTheEnd, {NotDeleted(path, "20")}},
+  };
+  FaultSteps faults;
+  for (const auto& row : rows) {
+    (void)File("file.dll");
+    host.Forget();
+    uint32_t result = 99;
+    EXPECT_EQ(faults.Run(
+                  row.failing, [&] { result = ReplaceFile(shim, path, file_kind::Other); }, row.error),
+              row.steps);
+    EXPECT_EQ(result, row.result) << row.failing << " " << row.error;
+    EXPECT_EQ(host.Reports(), row.reports) << row.failing << " " << row.error;
+  }
+}
+
+TEST_F(FileReplacement, QueueingGoesOnWhenTheSystemCannotBeToldToAllowIt) {
+  const MString path = File("file.dll");
+  const std::string key = ToUtf8(kSessionManager);
+  const Lines all = {"create HKLM\\" + key, "number HKLM\\" + key + " | AllowProtectedRenames", "queue " + Text(path)};
+  struct {
+    size_t failing;
+    Lines steps, reports;
+    bool queued;
+  } const rows[] = {
+      {0, all, {}, true},
+      {1, {all[0], all[2]}, {"1 1035 " + key + "/AllowProtectedRenames20"}, true},
+      {2, all, {"1 1035 " + key + "/AllowProtectedRenames20"}, true},
+      {3, all, {"1 1045 " + Text(path) + " 32"}, false},
+  };
+  FaultSteps faults;
+  for (const auto& row : rows) {
+    Unqueue();
+    host.Forget();
+    EXPECT_EQ(faults.Run(
+                  row.failing, [&] { ScheduleDeleteAtReboot(&host, path); }, 32),
+              row.steps);
+    EXPECT_EQ(host.Reports(), row.reports);
+    EXPECT_EQ(IsQueued(path), row.queued) << row.failing;
+  }
+  EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "AllowProtectedRenames"), 1u);
+}
+
+TEST_F(FileReplacement, LockedMeansReadableAndNotWritable) {
+  const MString path = File("applet.cpl", 3);
+  const MString empty = File("empty.cpl", 0);
+  const std::string asked = "0 20 ";
+  struct {
+    const char* why;
+    MString path;
+    uint32_t flags;
+    DWORD access, share;
+    FileLock lock;
+    bool reportsEmpty;
+  } const rows[] = {
+      {"free", path, 512, 0, 0, FileLock::Free, false},
+      {"in use for reading", path, 512 | 8, GENERIC_READ, FILE_SHARE_READ, FileLock::Locked, false},
+      {"in use and empty", empty, 512, GENERIC_READ, FILE_SHARE_READ, FileLock::LockedAndEmpty, true},
+      {"without the flag", path, 511, GENERIC_READ, FILE_SHARE_READ, FileLock::Free, false},
+      {"shared for writing", path, 512, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, FileLock::Free, false},
+      {"kept to itself", path, 512, GENERIC_READ, 0, FileLock::Free, false},
+      {"missing", PathOf("missing"), 512, 0, 0, FileLock::Free, false},
+  };
+  for (const auto& row : rows) {
+    host.Forget();
+    const FileHandle user = row.access == 0 ? FileHandle() : Hold(row.path, row.access, row.share);
+    EXPECT_EQ(TestFileLocked(&host, row.flags, row.path), row.lock) << row.why;
+    Lines reports = {asked + Text(row.path)};
+    if (row.reportsEmpty) reports.push_back("1 1046 " + Text(row.path));
+    EXPECT_EQ(host.Reports(), reports) << row.why;
+  }
+}
+
+TEST_F(FileReplacement, ModesDifferInAccessAndInWhetherTheyMakeAFile) {
+  struct {
+    uint32_t mode;
+    bool reads, writes, makes;
+  } const rows[] = {{1, true, true, true},
+                    {2, false, true, true},
+                    {3, false, true, false},
+                    {4, true, false, false},
+                    {7, true, true, true}};
+  for (const auto& row : rows) {
+    const auto mode = static_cast<FileMode>(row.mode);
+    EXPECT_EQ(OpenByMode(PathOf("none"), mode).IsValid(), row.makes) << row.mode;
+    DeleteFileW(PathOf("none").Data());
+    const FileHandle file = OpenByMode(File("some", 10), mode);
+    EXPECT_EQ(SetFilePointer(file.Get(), 0, nullptr, FILE_CURRENT), row.mode == 2 ? 10u : 0u) << row.mode;
+    EXPECT_TRUE(Hold(PathOf("some"), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE)) << "reading is shared";
+    EXPECT_FALSE(row.writes && Hold(PathOf("some"), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE)) << row.mode;
+    char unit = 'y';
+    DWORD count = 0;
+    EXPECT_EQ(WriteFile(file.Get(), &unit, 1, &count, nullptr) != 0, row.writes) << row.mode;
+    SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
+    EXPECT_EQ(ReadFile(file.Get(), &unit, 1, &count, nullptr) != 0, row.reads) << row.mode;
+  }
+}
+
+TEST_F(FileReplacement, SystemFileStaysWhileAnyKindIsInstalled) {
+  const MString path = File("LumenPlayerCPLApp.cpl");
+  for (const uint32_t kind : kAllKinds) {
+    ClearMachine();
+    EXPECT_TRUE(shim->RegisterProduct(kind, Player("LumenPlayer.ocx"), PathOf("u.exe"), L"", 0));
+    EXPECT_TRUE(RemoveSystemFile(&host, path));
+    EXPECT_TRUE(testing_files::Exists(path.Data()));
+    SetFileAttributesW(PathOf("LumenPlayer.ocx").Data(), 0);
+  }
+}
+
+TEST_F(FileReplacement, SystemFileGoesWithWhatTheSystemRemembers) {
+  host.controlPanelAppletName = L"LumenPlayerCPLApp.cpl";
+  const std::string applet = ToUtf8(*GetSystem32Path()) + "\\LumenPlayerCPLApp.cpl";
+  struct {
+    const char* why;
+    const char* file;
+    bool there, inUse, remembered, result;
+    bool optionsGo;
+  } const rows[] = {
+      {"applet", "LumenPlayerCPLApp.cpl", true, false, true, true, false},
+      {"already gone", "LumenPlayerCPLApp.cpl", false, false, true, true, false},
+      {"nothing remembered", "LumenPlayerCPLApp.cpl", true, false, false, false, false},
+      {"in use", "LumenPlayerCPLApp.cpl", true, true, true, false, false},
+      {"program", "LumenPlayerApp.exe", true, false, true, true, true},
+      {"program in use", "LumenPlayerApp.exe", true, true, true, false, true},
+  };
+  for (const auto& row : rows) {
+    SetNumber(kOptions + "LumenPlayerApp.exe", "x", 1);
+    SetNumber(kCategory, applet.c_str(), 1);
+    if (!row.remembered) RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kCategory.c_str(), applet.c_str());
+    const MString path = row.there ? File(row.file) : PathOf("missing.cpl");
+    FileHandle user;
+    if (row.inUse) user = Hold(path, GENERIC_READ, FILE_SHARE_READ);
+    EXPECT_EQ(RemoveSystemFile(&host, path), row.result) << row.why;
+    EXPECT_EQ(testing_files::Exists(path.Data()), row.inUse) << row.why;
+    EXPECT_EQ(KeyExists(kOptions + "LumenPlayerApp.exe"), !row.optionsGo) << row.why;
+    const bool kept = ReadNumber(HKEY_LOCAL_MACHINE, kCategory.c_str(), applet.c_str()).has_value();
+    EXPECT_EQ(kept, row.inUse) << row.why;
+  }
+  RegDeleteTreeA(HKEY_LOCAL_MACHINE, kCategory.c_str());
+}

@@ -1,0 +1,167 @@
+// What is installed, what may be installed over it, and what the clean-up of a kind takes away.
+#include "install/Inventory.h"
+
+#include "engine/ProductKeys.h"
+#include "tests/install/InstallFixture.h"
+#include "tests/support/FaultSteps.h"
+
+namespace {
+
+const std::string kSafeVersions = kMachinePlayer + "\\SafeVersions";
+
+std::string KeyOf(uint32_t kind) {
+  return GetProductKey(kind);
+}
+
+}  // namespace
+
+TEST_F(InstallFixture, PathsAreReadOnlyAsAPair) {
+  for (const uint32_t kind : kAllKinds) {
+    MString player(L"old");
+    MString uninstaller(L"old");
+    EXPECT_FALSE(ReadPlayerPaths(&host, kind, &player, &uninstaller));
+    SetText(KeyOf(kind), "PlayerPath", "C:\\player");
+    EXPECT_FALSE(ReadPlayerPaths(&host, kind, &player, &uninstaller));
+    EXPECT_EQ(Text(player) + "|" + Text(uninstaller), "C:\\player|old");
+    EXPECT_EQ(host.Reports(),
+              (Lines{"1 1036 " + KeyOf(kind) + "/PlayerPath 2", "1 1036 " + KeyOf(kind) + "/UninstallerPath 2"}));
+    SetText(KeyOf(kind), "UninstallerPath", "C:\\uninstaller");
+    host.Forget();
+    EXPECT_TRUE(ReadPlayerPaths(&host, kind, &player, &uninstaller));
+    EXPECT_EQ(Text(player) + "|" + Text(uninstaller), "C:\\player|C:\\uninstaller");
+    EXPECT_EQ(host.Reports(), Lines{});
+  }
+}
+
+TEST_F(InstallFixture, InstalledVersionHasAStateForEachKind) {
+  const std::pair<const char*, uint32_t> rows[] = {
+      {"28.0.0.125", 1}, {"28.0.0.126", 2}, {"28.0.0.127", 3}, {"29", 3}, {"", 1}};
+  for (const uint32_t kind : kAllKinds) {
+    host.Forget();
+    EXPECT_EQ(shim->GetInstalledVersionState(kind), 0u);
+    EXPECT_EQ(host.Reports(), Lines{"1 1036 " + KeyOf(kind) + "/Version 2"});
+    for (const auto& [version, state] : rows) {
+      SetText(KeyOf(kind), "Version", version);
+      EXPECT_EQ(shim->GetInstalledVersionState(kind), state) << version;
+    }
+    SetNumber(KeyOf(kind), "Version", 29);
+    EXPECT_EQ(shim->GetInstalledVersionState(kind), 0u) << "a number is no version";
+  }
+}
+
+TEST_F(InstallFixture, ReleaseTypeIsJudgedByTheLastKindNamed) {
+  SetNumber(kMachinePlayer + "ActiveXReleaseType", "Release", 1);
+  SetNumber(kMachinePlayer + "PluginReleaseType", "Release", 2);
+  SetText(kMachinePlayer + "PepperReleaseType", "Other", "");
+  struct {
+    uint32_t kinds, expected;
+    bool matches;
+  } const rows[] = {{0, 7, true},     {1024, 7, true},   {8, 1, true},        {8, 2, false},
+                    {16, 2, true},    {16, 1, false},    {8 | 16, 2, true},   {8 | 16, 1, false},
+                    {32768, 0, true}, {32768, 1, false}, {8 | 32768, 0, true}};
+  for (const auto& row : rows) EXPECT_EQ(shim->ReleaseTypeMatches(row.kinds, row.expected), row.matches) << row.kinds;
+  host.Forget();
+  EXPECT_TRUE(shim->ReleaseTypeMatches(32768, 0));
+  EXPECT_EQ(host.Reports(), Lines{"1 1036 " + kMachinePlayer + "PepperReleaseType/Release 2"});
+  ClearMachine();
+  host.Forget();
+  EXPECT_TRUE(shim->ReleaseTypeMatches(8 | 16 | 32768, 7)) << "nothing is installed";
+  EXPECT_EQ(host.Reports(), Lines{});
+}
+
+TEST_F(InstallFixture, InstallIsRefusedByReleaseTypeAndByVersion) {
+  struct Row {
+    const char* why;
+    uint32_t kinds, mode;
+    uint32_t type;        // of every kind; 0 writes none
+    uint32_t safe;        // 0 writes none
+    const char* version;  // of every kind; null writes none
+    bool allowed;
+    uint32_t code;  // 5 when untouched
+  };
+  const Row rows[] = {
+      {"no kind", 0, 1, 9, 999, "29", true, 5},
+      {"nothing installed", 8 | 16 | 32768, 1, 0, 0, nullptr, true, 5},
+      {"same type, same version", 8 | 16 | 32768, 1, 1, 126, "28.0.0.126", true, 5},
+      {"another type of the control", 8, 1, 2, 0, nullptr, false, 1161},
+      {"another type of the plug-in", 16, 2, 1, 0, nullptr, false, 1161},
+      {"type goes before version", 32768, 1, 2, 0, "29", false, 1161},
+      {"unsafe control", 8, 1, 1, 127, nullptr, false, 1013},
+      {"unsafe control, other mode", 8, 2, 2, 127, nullptr, false, 1162},
+      {"the control may go back", 8, 1, 1, 126, "29", true, 5},
+      {"the plug-in may not go back", 16, 1, 1, 0, "28.0.0.127", false, 1013},
+      {"the PPAPI library may not go back", 32768, 0, 0, 0, "28.1", false, 1162},
+      {"plug-ins do not ask the safe list", 16 | 32768, 1, 1, 999, "28.0.0.125", true, 5},
+      {"one refused kind is enough", 8 | 32768, 1, 1, 0, "29", false, 1013},
+  };
+  for (const Row& row : rows) {
+    ClearMachine();
+    for (const uint32_t kind : kAllKinds) {
+      if (row.type != 0) SetNumber(GetReleaseTypeKey(kind), "Release", row.type);
+      if (row.version != nullptr) SetText(KeyOf(kind), "Version", row.version);
+    }
+    if (row.safe != 0) SetNumber(kSafeVersions, "28.0", row.safe);
+    uint32_t code = 5;
+    EXPECT_EQ(shim->CheckInstallAllowed(row.kinds, &code, row.mode), row.allowed) << row.why;
+    EXPECT_EQ(code, row.code) << row.why;
+  }
+}
+
+TEST_F(InstallFixture, ProductKeyAndSafeVersionsGoWithTheirSubkeys) {
+  SetText(KeyOf(product_kind::Plugin) + "\\Deep", "x", "");
+  SetNumber(kSafeVersions, "28.0", 1);
+  EXPECT_TRUE(DeleteProductKey(&host, product_kind::Plugin));
+  EXPECT_TRUE(DeleteSafeVersions(&host));
+  EXPECT_FALSE(KeyExists(KeyOf(product_kind::Plugin)));
+  EXPECT_FALSE(KeyExists(kSafeVersions));
+  EXPECT_TRUE(KeyExists(kMachinePlayer));
+  EXPECT_EQ(host.Reports(), Lines{});
+  EXPECT_FALSE(DeleteProductKey(&host, product_kind::Plugin));
+  EXPECT_FALSE(DeleteSafeVersions(&host));
+  EXPECT_EQ(host.Reports(),
+            (Lines{"1 1037 " + KeyOf(product_kind::Plugin) + "/ 2", "1 1037 " + kSafeVersions + "/ 2"}));
+}
+
+TEST_F(InstallFixture, CleanUpRunsOnAndJoinsItsResults) {
+  const std::string runOnce = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
+  const auto prepare = [&](uint32_t kind) {
+    ClearMachine();
+    host.Forget();
+    SetText(runOnce, "LumenPlayerUpdate", "x", HKEY_CURRENT_USER);
+    SetText(KeyOf(kind), "x", "", HKEY_CURRENT_USER);
+    SetText(kMachinePlayer, "LumenPlayerVersion", "x", HKEY_CURRENT_USER);
+    SetText(kMachinePlayer, "TwlInstall", "x", HKEY_CURRENT_USER);
+    SetText(GetReleaseTypeKey(kind), "x", "");
+    SetText(kDistributionUnitKey, "x", "");
+    SetText(GetOldUninstallKey(kind), "x", "");
+  };
+  FaultSteps faults;
+  for (const uint32_t kind : kAllKinds) {
+    Lines all = {
+        "delete value HKCU\\" + runOnce + " | LumenPlayerUpdate",
+        "delete key HKCU\\" + KeyOf(kind),
+        "delete value HKCU\\" + kMachinePlayer + " | LumenPlayerVersion",
+        "delete value HKCU\\" + kMachinePlayer + " | TwlInstall",
+        "delete key HKLM\\" + GetReleaseTypeKey(kind),
+        "delete key HKLM\\" + (kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind))};
+    for (size_t failing = 0; failing <= all.size(); ++failing) {
+      prepare(kind);
+      bool result = false;
+      EXPECT_EQ(faults.Run(failing, [&] { result = CleanRegistry(&host, kind); }), all);
+      // The entry of earlier versions, which only the plug-in kinds delete, does not count.
+      const bool counts = failing != 0 && (failing < all.size() || kind == product_kind::ActiveX);
+      EXPECT_EQ(result, !counts) << failing;
+      Lines reports;
+      if (failing != 0) {
+        std::string text = all[failing - 1].substr(all[failing - 1].find("\\") + 1);
+        const size_t bar = text.find(" | ");
+        reports.push_back("1 1037 " + (bar == std::string::npos ? text + "/" : text.replace(bar, 3, "/")) + " 5");
+      }
+      EXPECT_EQ(host.Reports(), reports);
+    }
+    host.Forget();
+    ClearMachine();
+    EXPECT_FALSE(CleanRegistry(&host, kind)) << "what is missing counts as failed";
+    EXPECT_EQ(host.Reports().size(), all.size());
+  }
+}
