@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/ProductKind.h"
+#include "host/Languages.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ constexpr CommandRow kCommands[] = {
     {"register", HostCommand::Register, true},
     {"unregister", HostCommand::Unregister, true},
     {"refreshieelevationpolicies", HostCommand::RefreshPolicies, false},
+    {"gallery", HostCommand::Gallery, false},
     {"help", HostCommand::Help, false},
     {"h", HostCommand::Help, false},
     {"?", HostCommand::Help, false},
@@ -70,6 +72,11 @@ HostCommandLine ParseHostCommandLine(const std::vector<std::string>& words) {
       if (chosen != nullptr) line.error = "one command only: " + word;
       chosen = row;
       line.command = row->command;
+      if (row->command == HostCommand::Gallery) {
+        const auto language = i + 1 < words.size() ? LanguageOfTag(words[i + 1]) : std::nullopt;
+        line.language = language.value_or(0);
+        if (language) ++i;
+      }
       if (!row->takesKind) continue;
       if (++i < words.size() && KindOfWord(words[i]))
         line.kind = Lower(words[i]);
@@ -88,8 +95,11 @@ std::string_view HostUsage() {
          "  -unregister KIND              takes that registration away\n"
          "  -refreshIEElevationPolicies   asks the browser to read its policies again\n"
          "  -Embedding                    runs the broker; COM starts this program so\n"
+         "  -gallery [LANGUAGE]           shows every control of the installer's window\n"
          "  -help                         this text\n\n"
          "KIND is activex, plugin or pepperplugin; only activex has a broker.\n"
+         "LANGUAGE is cs, de, en, es, fr, it, ja, ko, nl, pl, pt-BR, ru, sv, tr, zh-CN or\n"
+         "zh-TW; without it, the user's own.\n"
          "-log FILE appends one line for each report.\n\n"
          "Exit codes: 0 done, 1 failed, 2 not understood, 3 the module cannot be loaded,\n"
          "4 the log or the settings cannot be read. With -Embedding: the broker's own.\n";

@@ -12,6 +12,7 @@
 #include "engine/ProductIds.h"
 #include "engine/ProductKind.h"
 #include "host/CommandLine.h"
+#include "host/Gallery.h"
 #include "host/ReferenceHost.h"
 
 namespace {
@@ -86,12 +87,13 @@ int Unregister(const HostCommandLine& line) {
   return kDone;
 }
 
-int Run(const HostCommandLine& line, const ShimOwner& shim) {
+int Run(const HostCommandLine& line, const ShimOwner& shim, HostCallbacks& host) {
   switch (line.command) {
     case HostCommand::Broker: return static_cast<int>(shim->RunBroker());
     case HostCommand::Register: return Register(shim, line);
     case HostCommand::Unregister: return Unregister(line);
     case HostCommand::RefreshPolicies: return shim->RefreshElevationPolicy() ? kDone : kFailed;
+    case HostCommand::Gallery: return RunGallery(host, line.language);
     case HostCommand::Help: break;
   }
   Say(HostUsage(), STD_OUTPUT_HANDLE);
@@ -134,5 +136,5 @@ int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, PWSTR /*comm
     Say("LumenHost: LumenUtil.dll cannot be loaded from this program's directory\n", STD_ERROR_HANDLE);
     return kNoModule;
   }
-  return Run(line, shim);
+  return Run(line, shim, host);
 }

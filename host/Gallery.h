@@ -1,0 +1,11 @@
+// The gallery: one window with every control of the toolkit in every state, drawn with the module's skin and texts. For
+// those who change the skin, a translation or a control, and for whoever wants to see what the installer is made of.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/HostCallbacks.h"
+
+// Shows the window in `language`, a platform identifier or 0 for the user's own, until it is closed; the exit code of
+// its loop. `host` has its shim and its resource module.
+[[nodiscard]] int RunGallery(HostCallbacks& host, uint32_t language);
