@@ -47,6 +47,10 @@ std::optional<uint32_t> Arguments::Number(std::string_view option, uint32_t fall
   return number;
 }
 
+bool Arguments::AreNumbers(std::initializer_list<std::string_view> options) const {
+  return std::all_of(options.begin(), options.end(), [this](std::string_view o) { return Number(o, 0).has_value(); });
+}
+
 std::optional<std::vector<uint8_t>> ParseHexBytes(std::string_view text) {
   std::vector<uint8_t> bytes;
   std::string digits;

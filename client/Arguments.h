@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -26,6 +27,8 @@ class Arguments {
   [[nodiscard]] std::optional<std::string> Value(std::string_view option) const;
   // The option's value as a number, `fallback` when it is not given, nothing when it is no number.
   [[nodiscard]] std::optional<uint32_t> Number(std::string_view option, uint32_t fallback) const;
+  // Whether each of these is a number or not given.
+  [[nodiscard]] bool AreNumbers(std::initializer_list<std::string_view> options) const;
 
  private:
   std::map<std::string, std::string, std::less<>> values_;

@@ -51,6 +51,9 @@ struct Command {
   size_t fewest;  // positional arguments
   size_t most;
   Outcome (*run)(Context& context);
+  // Looks at the arguments alone, before there is a broker: Done, or what is wrong. With `openFiles` also whether the
+  // caller's own files can be read. Null when any text will do.
+  Outcome (*check)(const Arguments& arguments, bool openFiles) = nullptr;
 };
 
 // The families.
@@ -59,6 +62,7 @@ struct Command {
 [[nodiscard]] std::span<const Command> LcdCommands();
 [[nodiscard]] std::span<const Command> PrintCommands();
 [[nodiscard]] std::span<const Command> ServiceCommands();
+[[nodiscard]] std::span<const Command> DialogCommands();
 
 // All commands, family by family.
 [[nodiscard]] std::vector<const Command*> AllCommands();

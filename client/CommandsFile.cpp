@@ -75,12 +75,15 @@ HRESULT ReadPieces(ILumenBroker6* broker, ULONG cookie, uint32_t count, uint32_t
   return S_OK;
 }
 
+Outcome CheckRead(const Arguments& arguments, bool /*openFiles*/) {
+  const bool good = arguments.AreNumbers({"--offset", "--count", "--chunk"}) && arguments.Number("--chunk", 1) != 0u;
+  return good ? Outcome() : Outcome::BadUsage("--offset, --count and --chunk want numbers");
+}
+
 Outcome Read(Context& context) {
   const auto offset = context.arguments.Number("--offset", 0);
   const auto count = context.arguments.Number("--count", UINT32_MAX);
   const auto chunk = context.arguments.Number("--chunk", kDefaultChunk);
-  if (!offset || !count || !chunk || *chunk == 0)
-    return Outcome::BadUsage("--offset, --count and --chunk want numbers");
   const OpenFile file(context.broker, TextArgument(context, 0).Get(), true, false);
   if (FAILED(file.Result())) return Outcome::Of(file.Result());
   ULONG position = 0;
@@ -108,8 +111,8 @@ Outcome Read(Context& context) {
   return Outcome::Of(S_OK);
 }
 
-// What is to be written; exactly one source must be named.
-std::optional<std::vector<uint8_t>> Source(const Arguments& arguments, std::string& error) {
+// What is to be written; exactly one source must be named. A file is left alone, and counts as empty, unless wanted.
+std::optional<std::vector<uint8_t>> Source(const Arguments& arguments, bool openFile, std::string& error) {
   const auto text = arguments.Value("--text");
   const auto hex = arguments.Value("--hex");
   const auto from = arguments.Value("--from");
@@ -120,6 +123,7 @@ std::optional<std::vector<uint8_t>> Source(const Arguments& arguments, std::stri
     error = "--hex wants pairs of hexadecimal digits";
     return ParseHexBytes(*hex);
   }
+  if (!openFile) return std::vector<uint8_t>();
   error = "cannot read " + *from;
   std::ifstream in(*from, std::ios::binary);
   if (!in) return std::nullopt;
@@ -143,13 +147,19 @@ HRESULT WritePieces(ILumenBroker6* broker, ULONG cookie, const std::vector<uint8
   return S_OK;
 }
 
+Outcome CheckWrite(const Arguments& arguments, bool openFiles) {
+  std::string error;
+  if (!Source(arguments, openFiles, error)) return Outcome::BadUsage(error);
+  const bool good = arguments.AreNumbers({"--offset", "--chunk"}) && arguments.Number("--chunk", 1) != 0u;
+  return good ? Outcome() : Outcome::BadUsage("--offset and --chunk want numbers");
+}
+
 Outcome Write(Context& context) {
   std::string error;
-  const auto bytes = Source(context.arguments, error);
+  const auto bytes = Source(context.arguments, true, error);
   if (!bytes) return Outcome::BadUsage(error);
   const auto offset = context.arguments.Number("--offset", 0);
   const auto chunk = context.arguments.Number("--chunk", kDefaultChunk);
-  if (!offset || !chunk || *chunk == 0) return Outcome::BadUsage("--offset and --chunk want numbers");
   OpenFile file(context.broker, TextArgument(context, 0).Get(), false, !context.arguments.Has("--keep"));
   if (FAILED(file.Result())) return Outcome::Of(file.Result());
   ULONG position = 0;
@@ -199,7 +209,8 @@ std::span<const Command> FileCommands() {
        {{"--offset", true}, {"--count", true}, {"--chunk", true}, {"--out", true}, {"--expect", true}},
        1,
        1,
-       Read},
+       Read,
+       CheckRead},
       {"write",
        "PATH (--text T | --hex H | --from FILE) [--keep] [--offset N] [--chunk N]",
        "write a file",
@@ -211,7 +222,8 @@ std::span<const Command> FileCommands() {
        {{"--text", true}, {"--hex", true}, {"--from", true}, {"--keep"}, {"--offset", true}, {"--chunk", true}},
        1,
        1,
-       Write},
+       Write,
+       CheckWrite},
       {"mark-unsafe",
        "PATH [--source URL] [--referrer URL]",
        "mark a file as having come from the internet",

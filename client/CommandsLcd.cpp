@@ -53,11 +53,16 @@ bool TakeMessage(ILumenBroker6* broker, const std::string& name, std::string& te
   return ours;
 }
 
+Outcome CheckListen(const Arguments& arguments, bool /*openFiles*/) {
+  return arguments.AreNumbers({"--count", "--timeout", "--realm"})
+             ? Outcome()
+             : Outcome::BadUsage("--count, --timeout and --realm want numbers");
+}
+
 Outcome Listen(Context& context) {
   const auto count = context.arguments.Number("--count", UINT32_MAX);
   const auto timeout = context.arguments.Number("--timeout", UINT32_MAX);
   const auto realm = context.arguments.Number("--realm", 0);
-  if (!count || !timeout || !realm) return Outcome::BadUsage("--count, --timeout and --realm want numbers");
   const std::string& name = context.arguments.Positional()[0];
   const BString wide = TextArgument(context, 0);
   const HRESULT added = context.broker->BrokerLcdTryAddConnection(wide.Get(), *realm, *realm, '1');
@@ -82,15 +87,22 @@ Outcome Listen(Context& context) {
   return Outcome::Of(S_OK);
 }
 
+Outcome CheckSend(const Arguments& arguments, bool /*openFiles*/) {
+  if (!arguments.AreNumbers({"--version", "--format", "--realm", "--retry"})) {
+    return Outcome::BadUsage("the options want numbers");
+  }
+  const std::string& name = arguments.Positional()[0];
+  const bool fits = name.size() <= 1023 && name.size() + arguments.Positional()[1].size() + 3 <= 40960;
+  return fits ? Outcome() : Outcome::BadUsage("too long for a message");
+}
+
 Outcome Send(Context& context) {
   const auto version = context.arguments.Number("--version", 11);
   const auto format = context.arguments.Number("--format", 1);
   const auto realm = context.arguments.Number("--realm", 0);
   const auto patience = context.arguments.Number("--retry", 0);
-  if (!version || !format || !realm || !patience) return Outcome::BadUsage("the options want numbers");
   const std::string& name = context.arguments.Positional()[0];
   const std::string& text = context.arguments.Positional()[1];
-  if (name.size() > 1023 || name.size() + text.size() + 3 > 40960) return Outcome::BadUsage("too long for a message");
   const DWORD begin = GetTickCount();
   for (;;) {
     SAFEARRAY* const message = MakeMessage(name, text);
@@ -140,7 +152,8 @@ std::span<const Command> LcdCommands() {
        {{"--count", true}, {"--timeout", true}, {"--realm", true}},
        1,
        1,
-       Listen},
+       Listen,
+       CheckListen},
       {"lcd send",
        "NAME TEXT [--format F] [--version V] [--realm R] [--retry MS]",
        "send a message to a name",
@@ -150,7 +163,8 @@ std::span<const Command> LcdCommands() {
        {{"--format", true}, {"--version", true}, {"--realm", true}, {"--retry", true}},
        2,
        2,
-       Send},
+       Send,
+       CheckSend},
       {"lcd ls", "", "list the names that listen", "", {}, 0, 0, List},
       {"lcd prune", "", "take out a message that nobody collected", "", {}, 0, 0, Prune},
   };

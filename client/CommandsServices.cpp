@@ -39,12 +39,20 @@ Outcome GetDialogSize(Context& context) {
   return Outcome::Of(result);
 }
 
+// The two positional arguments, as options that can be read as numbers.
+Arguments Sizes(const Arguments& arguments) {
+  return Arguments({"--w", arguments.Positional()[0], "--h", arguments.Positional()[1]},
+                   {{"--w", true}, {"--h", true}});
+}
+
+Outcome CheckDialogSize(const Arguments& arguments, bool /*openFiles*/) {
+  return Sizes(arguments).AreNumbers({"--w", "--h"}) ? Outcome() : Outcome::BadUsage("width and height want numbers");
+}
+
 Outcome SetDialogSize(Context& context) {
-  const Arguments sizes({"--w", context.arguments.Positional()[0], "--h", context.arguments.Positional()[1]},
-                        {{"--w", true}, {"--h", true}});
+  const Arguments sizes = Sizes(context.arguments);
   const auto width = sizes.Number("--w", 0);
   const auto height = sizes.Number("--h", 0);
-  if (!width || !height) return Outcome::BadUsage("width and height want numbers");
   return Outcome::Of(context.broker->BrokerPrefSetExceptionDialogSize(*width, *height));
 }
 
@@ -52,6 +60,11 @@ std::optional<std::string> ReadLocal(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return std::nullopt;
   return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+Outcome CheckMarkUpdate(const Arguments& arguments, bool openFiles) {
+  const std::string& path = arguments.Positional()[0];
+  return !openFiles || ReadLocal(path) ? Outcome() : Outcome::LocalFailure("cannot read " + path);
 }
 
 Outcome MarkUpdate(Context& context) {
@@ -68,9 +81,12 @@ Outcome Icon(Context& context) {
   return Outcome::Of(result);
 }
 
+Outcome CheckFlags(const Arguments& arguments, bool /*openFiles*/) {
+  return arguments.AreNumbers({"--flags"}) ? Outcome() : Outcome::BadUsage("--flags wants a number");
+}
+
 Outcome DesktopShortcut(Context& context) {
   const auto flags = context.arguments.Number("--flags", 1);
-  if (!flags) return Outcome::BadUsage("--flags wants a number");
   const auto icon = context.arguments.Value("--icon");
   return Outcome::Of(
       context.broker->BrokerCreateDesktopShortcut(TextArgument(context, 0).Get(), TextArgument(context, 1).Get(),
@@ -87,11 +103,21 @@ SAFEARRAY* ArrayOf(const std::string& bytes) {
   return array;
 }
 
+Outcome CheckInternetShortcut(const Arguments& arguments, bool openFiles) {
+  Outcome outcome = CheckFlags(arguments, openFiles);
+  for (const char* const option : {"--auth", "--strings"}) {
+    const std::string path = arguments.Value(option).value_or("");
+    if (outcome.code == ExitCode::Done && openFiles && !ReadLocal(path)) {
+      outcome = Outcome::LocalFailure("--auth and --strings name files that can be read");
+    }
+  }
+  return outcome;
+}
+
 Outcome InternetShortcut(Context& context) {
   const auto flags = context.arguments.Number("--flags", 1);
   const auto message = ReadLocal(context.arguments.Value("--auth").value_or(""));
   const auto strings = ReadLocal(context.arguments.Value("--strings").value_or(""));
-  if (!flags) return Outcome::BadUsage("--flags wants a number");
   if (!message || !strings) return Outcome::LocalFailure("--auth and --strings name files that can be read");
   SAFEARRAY* const authArray = ArrayOf(*message);
   SAFEARRAY* const stringsArray = ArrayOf(*strings);
@@ -138,10 +164,13 @@ LONG_PTR OwnProcessInServer() {
   return 0;
 }
 
+Outcome CheckWatchAudio(const Arguments& arguments, bool /*openFiles*/) {
+  return arguments.AreNumbers({"--seconds"}) ? Outcome() : Outcome::BadUsage("--seconds wants a number");
+}
+
 Outcome WatchAudio(Context& context) {
   const auto seconds = context.arguments.Number("--seconds", 30);
   const LONG_PTR process = OwnProcessInServer();
-  if (!seconds) return Outcome::BadUsage("--seconds wants a number");
   if (process == 0) return Outcome::LocalFailure("the broker's process cannot be reached");
   const KernelHandle changed(CreateEventW(nullptr, FALSE, FALSE, nullptr));
   const KernelHandle state(CreateEventW(nullptr, FALSE, FALSE, nullptr));
@@ -180,7 +209,15 @@ std::span<const Command> ServiceCommands() {
        GetVersion},
       {"pref delete version", "", "take the pending player version away", "", {}, 0, 0, DeleteVersion},
       {"pref get dialog-size", "", "show the exception dialog's size", "", {}, 0, 0, GetDialogSize},
-      {"pref set dialog-size", "WIDTH HEIGHT", "set the exception dialog's size", "", {}, 2, 2, SetDialogSize},
+      {"pref set dialog-size",
+       "WIDTH HEIGHT",
+       "set the exception dialog's size",
+       "",
+       {},
+       2,
+       2,
+       SetDialogSize,
+       CheckDialogSize},
       {"mark-update",
        "FILE",
        "store a server's update text and run the updater at the next logon",
@@ -188,7 +225,8 @@ std::span<const Command> ServiceCommands() {
        {},
        1,
        1,
-       MarkUpdate},
+       MarkUpdate,
+       CheckMarkUpdate},
       {"icon",
        "NAME [--overwrite]",
        "name a file in the icon cache",
@@ -204,7 +242,8 @@ std::span<const Command> ServiceCommands() {
        {{"--icon", true}, {"--flags", true}},
        2,
        2,
-       DesktopShortcut},
+       DesktopShortcut,
+       CheckFlags},
       {"shortcut internet",
        "NAME URL ICON --auth FILE --strings FILE [--flags N]",
        "make shortcuts that a signed message entitles to",
@@ -212,7 +251,8 @@ std::span<const Command> ServiceCommands() {
        {{"--auth", true}, {"--strings", true}, {"--flags", true}},
        3,
        3,
-       InternetShortcut},
+       InternetShortcut,
+       CheckInternetShortcut},
       {"audio watch",
        "[--seconds N]",
        "tell when the audio devices change",
@@ -220,7 +260,8 @@ std::span<const Command> ServiceCommands() {
        {{"--seconds", true}},
        0,
        0,
-       WatchAudio},
+       WatchAudio,
+       CheckWatchAudio},
       {"drive", "LETTER:", "ask whether a drive is there", "", {}, 1, 1, Drive},
       {"joysticks", "", "count the game controllers", "", {}, 0, 0, Joysticks},
       {"delay-screensaver", "", "start the screen saver's time anew", "", {}, 0, 0, DelayScreensaver},

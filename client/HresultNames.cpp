@@ -28,6 +28,7 @@ constexpr Row kRows[] = {
     {0x80070050, "ERROR_FILE_EXISTS", "exists already"},
     {0x80070091, "ERROR_DIR_NOT_EMPTY", "directory not empty"},
     {0x800700B7, "ERROR_ALREADY_EXISTS", "exists already"},
+    {0x800704C7, "ERROR_CANCELLED", "the user chose nothing"},
     {0x80040154, "REGDB_E_CLASSNOTREG", "class not registered"},
     {0x80010010, "RPC_E_INVALID_PARAMETER", "shortcut refused"},
     {0x800706BA, "RPC_S_SERVER_UNAVAILABLE", "the server is gone"},

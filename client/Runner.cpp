@@ -54,14 +54,14 @@ ExitCode ReportNoBroker(HRESULT result) {
   return ExitCode::NoBroker;
 }
 
-Outcome RunCommand(const Command& command, ILumenBroker6* broker, const Arguments& arguments, bool json, bool silent) {
+// Done, or what is wrong with a command line before anything is done for it.
+Outcome CheckArguments(const Command& command, const Arguments& arguments, bool openFiles) {
   const size_t count = arguments.Positional().size();
   if (!arguments.Error().empty()) return Outcome::BadUsage(arguments.Error());
   if (count < command.fewest || count > command.most) {
     return Outcome::BadUsage("wants: " + std::string(command.name) + " " + std::string(command.synopsis));
   }
-  Context context{broker, arguments, json, silent};
-  return command.run(context);
+  return command.check == nullptr ? Outcome() : command.check(arguments, openFiles);
 }
 
 std::vector<OptionSpec> OptionsOf(const Command& command) {
@@ -93,15 +93,13 @@ void ShowOutcome(const Command& command, const Arguments& arguments, const Outco
 ExitCode RunOne(const Command& command, const std::vector<std::string>& words) {
   const Arguments arguments(words, OptionsOf(command));
   const bool json = arguments.Has("--json");
-  const size_t count = arguments.Positional().size();
-  Outcome outcome;
-  if (!arguments.Error().empty() || count < command.fewest || count > command.most) {
-    outcome = RunCommand(command, nullptr, arguments, json, false);
-  } else {
+  Outcome outcome = CheckArguments(command, arguments, true);
+  if (outcome.code == ExitCode::Done) {
     ComPtr<ILumenBroker6> broker;
     const HRESULT activated = Activate(broker);
     if (FAILED(activated)) return ReportNoBroker(activated);
-    outcome = RunCommand(command, broker.Get(), arguments, json, false);
+    Context context{broker.Get(), arguments, json, false};
+    outcome = command.run(context);
   }
   ShowOutcome(command, arguments, outcome, json);
   return outcome.code;
@@ -114,15 +112,24 @@ std::string ExpandEnvironment(const std::string& word) {
   return length == 0 || length > std::size(buffer) ? word : ToUtf8(buffer);
 }
 
-// One step. What it came to, or nothing when the step itself is wrong.
-std::optional<Outcome> RunStep(const AccountStep& step, ILumenBroker6* broker) {
+// One step, or without a broker a look at its words alone: the files it reads may be the work of steps before it.
+Outcome RunStep(const AccountStep& step, ILumenBroker6* broker) {
   std::vector<std::string> words;
   std::transform(step.words.begin(), step.words.end(), std::back_inserter(words), ExpandEnvironment);
   size_t used = 0;
   const Command* const command = FindCommand(words, used);
-  if (command == nullptr) return std::nullopt;
+  if (command == nullptr) return Outcome::BadUsage("no such command: " + step.words.front());
   words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(used));
-  return RunCommand(*command, broker, Arguments(words, command->options), false, true);
+  const Arguments arguments(words, command->options);
+  const Outcome checked = CheckArguments(*command, arguments, broker != nullptr);
+  if (checked.code != ExitCode::Done || broker == nullptr) return checked;
+  Context context{broker, arguments, false, true};
+  return command->run(context);
+}
+
+ExitCode ReportBadStep(const AccountStep& step, const Outcome& outcome) {
+  PrintError("lumenctl: line " + std::to_string(step.line) + ": " + outcome.message + "\n");
+  return ExitCode::Usage;
 }
 
 std::string ResultColumn(HRESULT result) {
@@ -137,19 +144,15 @@ ExitCode RunSteps(const ParsedAccount& account, ILumenBroker6* broker) {
       Print("\n" + step.heading + "\n");
       continue;
     }
-    const std::optional<Outcome> outcome = RunStep(step, broker);
-    if (!outcome || outcome->code == ExitCode::Usage) {
-      PrintError("lumenctl: line " + std::to_string(step.line) + ": " +
-                 (outcome ? outcome->message : "no such command: " + step.words.front()) + "\n");
-      return ExitCode::Usage;
-    }
-    const bool fits = outcome->result == step.expected && outcome->code != ExitCode::LocalFile;
+    const Outcome outcome = RunStep(step, broker);
+    if (outcome.code == ExitCode::Usage) return ReportBadStep(step, outcome);
+    const bool fits = outcome.result == step.expected && outcome.code != ExitCode::LocalFile;
     std::string line = Padded(std::to_string(++number) + ".", 5) + Padded(step.description, 66) +
-                       Padded(ResultColumn(outcome->result), 34) + (fits ? "ok" : "DIFFERS");
+                       Padded(ResultColumn(outcome.result), 34) + (fits ? "ok" : "DIFFERS");
     if (!fits) {
       ++different;
       line += "\n     expected " + ResultColumn(step.expected);
-      if (!outcome->message.empty()) line += "; " + outcome->message;
+      if (!outcome.message.empty()) line += "; " + outcome.message;
     }
     Print(line + "\n");
   }
@@ -176,6 +179,10 @@ ExitCode RunAccount(const std::vector<std::string>& words) {
     PrintError("lumenctl: " + words[0] + ": " + account.error + "\n");
     return ExitCode::Usage;
   }
+  for (const AccountStep& step : account.steps) {
+    const Outcome checked = step.heading.empty() ? RunStep(step, nullptr) : Outcome();
+    if (checked.code == ExitCode::Usage) return ReportBadStep(step, checked);
+  }
   ComPtr<ILumenBroker6> broker;
   const HRESULT activated = Activate(broker);
   if (FAILED(activated)) return ReportNoBroker(activated);
@@ -186,7 +193,8 @@ ExitCode RunAccount(const std::vector<std::string>& words) {
 
 std::vector<const Command*> AllCommands() {
   std::vector<const Command*> all;
-  for (const auto family : {FileCommands(), DirectoryCommands(), LcdCommands(), PrintCommands(), ServiceCommands()}) {
+  for (const auto family :
+       {FileCommands(), DirectoryCommands(), DialogCommands(), LcdCommands(), PrintCommands(), ServiceCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

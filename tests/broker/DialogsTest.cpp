@@ -277,6 +277,28 @@ TEST_F(Dialogs, SavingOffersTheInitialNameAndAsksBeforeOverwriting) {
   EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
 }
 
+TEST_F(Dialogs, TheCommandLineOpensAndSavesFromAnInstalledFolder) {
+  const WideString program = Trusted(L"lumenctl.exe");
+  ASSERT_TRUE(CopyFileW((broker_process::BuildFolder() + L"\\bin\\lumenctl.exe").c_str(), program.c_str(), FALSE));
+  const auto run = [&](const WideString& arguments, const DialogDriver::Act& act, std::string& said) {
+    DialogDriver user(g_desktop->Handle(), act);
+    const DWORD code = broker_process::RunToEnd(L"\"" + program + L"\" " + arguments, &said);
+    EXPECT_TRUE(user.Finish()) << said;
+    return code;
+  };
+  std::string said;
+  EXPECT_EQ(run(L"open-dialog Texts *.txt All *.* --multiple",
+                Choose(L"\"" + In(L"one.txt") + L"\" \"" + In(L"two.txt") + L"\""), said),
+            0u);
+  EXPECT_NE(said.find("C:\\lumen dialogs\\one.txt\nC:\\lumen dialogs\\two.txt\n"), std::string::npos) << said;
+  EXPECT_EQ(run(L"open-dialog", Cancel, said), 1u);
+  EXPECT_NE(said.find("0x800704C7"), std::string::npos) << said;
+  EXPECT_EQ(run(L"save-dialog --name a.txt --text hello --json", Choose(In(L"saved.txt")), said), 0u);
+  EXPECT_NE(said.find("{\"path\":\"C:\\\\lumen dialogs\\\\saved.txt\"}"), std::string::npos) << said;
+  EXPECT_EQ(ReadWhole(In(L"saved.txt")), "hello");
+  DeleteFileW(program.c_str());
+}
+
 TEST_F(Dialogs, OthersAreServedWhileADialogIsUp) {
   std::string chosen;
   broker_process::Client* other = nullptr;

@@ -5,17 +5,22 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/TestFiles.h"
+
 namespace broker_process {
 
 namespace {
 
 constexpr wchar_t kServerName[] = L"LumenHost.exe";
 
-KernelHandle Start(WideString commandLine) {
+KernelHandle Start(WideString commandLine, HANDLE output = nullptr) {
   STARTUPINFOW startup = {};
   startup.cb = sizeof(startup);
+  startup.dwFlags = output == nullptr ? 0 : STARTF_USESTDHANDLES;
+  startup.hStdOutput = startup.hStdError = output;
   PROCESS_INFORMATION started = {};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started)) {
+  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, output != nullptr, 0, nullptr, nullptr, &startup,
+                      &started)) {
     return {};
   }
   const KernelHandle thread(started.hThread);
@@ -45,11 +50,24 @@ WideString BuildFolder() {
   return own.substr(0, own.find_last_of(L'\\', tests - 1));
 }
 
-DWORD RunToEnd(const WideString& commandLine) {
-  const KernelHandle process = Start(commandLine);
+DWORD RunToEnd(const WideString& commandLine, std::string* said) {
+  wchar_t temp[MAX_PATH] = {};
+  GetTempPathW(MAX_PATH, temp);
+  const WideString file = temp + WidenAscii("said" + std::to_string(GetCurrentProcessId()));
+  FileHandle output;
+  if (said != nullptr) {
+    SECURITY_ATTRIBUTES inherit = {sizeof(inherit), nullptr, TRUE};
+    output.Reset(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, 0, nullptr));
+  }
+  const KernelHandle process = Start(commandLine, output.Get());
   DWORD exitCode = STILL_ACTIVE;
   if (process && WaitForSingleObject(process.Get(), kPatience) == WAIT_OBJECT_0) {
     GetExitCodeProcess(process.Get(), &exitCode);
+  }
+  if (said != nullptr) {
+    output.Reset();
+    *said = testing_files::ReadWhole(file);
+    DeleteFileW(file.c_str());
   }
   return exitCode;
 }

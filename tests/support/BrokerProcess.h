@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "LumenBroker.h"
 #include "engine/ComSupport.h"
 #include "engine/Handles.h"
@@ -17,8 +19,9 @@ constexpr DWORD kPatience = 30000;  // milliseconds; far more than anything here
 
 // The folder of the build, without a trailing separator: bin, tests and results lie in it.
 [[nodiscard]] WideString BuildFolder();
-// Runs a command line to its end; its exit code, or STILL_ACTIVE when it could not be started or did not end.
-[[nodiscard]] DWORD RunToEnd(const WideString& commandLine);
+// Runs a command line to its end; its exit code, or STILL_ACTIVE when it could not be started or did not end. With
+// `said`, what it wrote to its standard output and error goes there.
+[[nodiscard]] DWORD RunToEnd(const WideString& commandLine, std::string* said = nullptr);
 // Registers bin\LumenHost.exe as an installer does, and the proxy that Wine needs. Once a process is enough.
 [[nodiscard]] bool Register();
 // What a client calls. E_FAIL and the like come back as COM gave them, with `broker` null.
