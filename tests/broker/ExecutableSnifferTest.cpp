@@ -142,7 +142,7 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
   int refused = 0;
   for (const int32_t header : kHeaders) {
     Bytes image = Image();
-    for (int i = 0; i < 4; ++i) image[static_cast<size_t>(60 + i)] = static_cast<uint8_t>(header >> (8 * i));
+    for (int i = 0; i < 4; ++i) image[60u + static_cast<size_t>(i)] = static_cast<uint8_t>(header >> (8 * i));
     if (header >= 64 && header < 117) std::copy_n(image.begin() + 80, 4, image.begin() + header);
     const auto size = static_cast<int32_t>(image.size());
     for (const Bytes& content : {image, Bytes(image.begin(), image.begin() + 62), Bytes(image.size(), 'x'), Bytes()}) {

@@ -48,19 +48,19 @@ TEST_F(RealPaths, RootsEndingsDotsAndStreams) {
 }
 
 TEST_F(RealPaths, ALinkedDirectoryIsRefusedSinceItsDataCannotBeRead) {
-  MakeLink(outside.Path(), player.Path(), L"/link");
+  MakeLink(outside.Path(), player.Path(), L"link");
   ASSERT_NE(GetFileAttributesW((player.Path() + L"\\link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
   ASSERT_TRUE(Exists(player.Path() + L"\\link"));
   EXPECT_FALSE(Writable(player.Path() + L"\\link\\a.sol"));
   EXPECT_FALSE(Writable(player.Path() + L"\\link\\none\\a.sol"));
   EXPECT_TRUE(Writable(player.Path() + L"\\a.sol"));
-  RemoveLink(player.Path(), L"/link");
+  RemoveLink(player.Path(), L"link");
 }
 
 // Asking about "trap " tells of "trap", while a file behind it opens behind the link.
 TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
   MakeDirectories(player.Path() + L"\\trap");
-  MakeLink(outside.Path(), player.Path(), L"/trap ");
+  MakeLink(outside.Path(), player.Path(), L"trap ");
   ASSERT_EQ(GetFileAttributesW((player.Path() + L"\\trap ").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
   const WideString through = player.Path() + L"\\trap \\a.sol";
   ASSERT_TRUE(FileHandle(CreateFileW(through.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)));
@@ -68,7 +68,7 @@ TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
   EXPECT_FALSE(Writable(through));
   EXPECT_FALSE(Writable(L"\\\\?\\" + through));
   EXPECT_TRUE(Writable(player.Path() + L"\\trap\\a.sol"));
-  RemoveLink(player.Path(), L"/trap ");
+  RemoveLink(player.Path(), L"trap ");
 }
 
 TEST_F(RealPaths, AShortNameDoesNotSlipPastARoot) {

@@ -94,11 +94,11 @@ TEST_F(FileManager, ExpiresByAgeAndTakesEmptiedDirectories) {
 TEST_F(FileManager, ALinkInATreeIsNeverEntered) {
   const testing_files::CleanDirectory outside(L"C:\\file manager outside");
   testing_files::WriteWhole(outside.Path() + L"\\kept", "xyz");
-  testing_files::MakeLink(outside.Path(), tree.Path(), L"/link");
+  testing_files::MakeLink(outside.Path(), tree.Path(), L"link");
   EXPECT_EQ(manager.GetPathSize(At("").c_str()), 0u);
   EXPECT_TRUE(manager.ExpireFiles(At("").c_str(), 0, UINT32_MAX));
   EXPECT_TRUE(testing_files::Exists(outside.Path() + L"\\kept"));
-  testing_files::RemoveLink(tree.Path(), L"/link");
+  testing_files::RemoveLink(tree.Path(), L"link");
 }
 
 // The locations last for the process, so that a later change of the folders is not seen.

@@ -31,12 +31,30 @@ inline WideString OutsidePath(const WideString& path) {
   return wide;
 }
 
-// `name` begins with a slash. What is at `target` need not be there.
+// Whether a listing has the name, with what asking for it by its path would drop.
+inline bool Lists(const WideString& directory, WideView name) {
+  WIN32_FIND_DATAW entry = {};
+  const FindHandle search(FindFirstFileW((directory + L"\\*").c_str(), &entry));
+  if (!search) return false;
+  do {
+    if (WideView(entry.cFileName) == name) return true;
+  } while (FindNextFileW(search.Get(), &entry));
+  return false;
+}
+
+// The program that is started may end later than the one that starts it, so what it does is looked for.
+inline void WaitUntilListed(const WideString& directory, WideView name, bool listed) {
+  for (int round = 0; round < 2000 && Lists(directory, name) != listed; ++round) Sleep(10);
+}
+
+// What is at `target` must be there.
 inline void MakeLink(const WideString& target, const WideString& directory, const WideString& name) {
-  RunOutside(L"/bin/ln -s \"" + OutsidePath(target) + L"\" \"" + OutsidePath(directory) + name + L"\"");
+  RunOutside(L"/bin/ln -s \"" + OutsidePath(target) + L"\" \"" + OutsidePath(directory) + L"/" + name + L"\"");
+  WaitUntilListed(directory, name, true);
 }
 inline void RemoveLink(const WideString& directory, const WideString& name) {
-  RunOutside(L"/bin/rm \"" + OutsidePath(directory) + name + L"\"");
+  RunOutside(L"/bin/rm \"" + OutsidePath(directory) + L"/" + name + L"\"");
+  WaitUntilListed(directory, name, false);
 }
 
 }  // namespace testing_files
