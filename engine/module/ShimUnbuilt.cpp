@@ -1,11 +1,6 @@
 // Operations that this build does not have yet. They fail cleanly: nothing is read, written or reported.
 #include "engine/LumenBrokerShim.h"
 
-MorphUI* LumenBrokerShim::CreateUI() noexcept {
-  return nullptr;
-}
-void LumenBrokerShim::DestroyUI(void* /*ignored*/, MorphUI* /*ui*/) noexcept {}
-
 bool LumenBrokerShim::UninstallProduct(uint32_t /*kind*/, MString /*file*/, uint8_t /*removeSafeVersions*/) noexcept {
   return false;
 }
