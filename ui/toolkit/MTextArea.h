@@ -3,15 +3,22 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 #include "engine/MString.h"
 #include "ui/toolkit/MRegion.h"
+#include "ui/toolkit/MTextChunk.h"
+#include "ui/toolkit/TextCanvas.h"
 
-struct MTextChunk;
+class MHTMLLink;
 
 class MTextArea : public MSkinnedSection {
  public:
+  // Fonts of `size` pixels, of a face that fits the thread's locale.
   MTextArea(MWindow* inWindow, int32_t size, bool markup, bool bold);
+  // An area on another canvas.
+  MTextArea(MWindow* inWindow, std::unique_ptr<TextCanvas> on, bool markup, bool bold);
   ~MTextArea() override;
   void Layout() override;
   // Draws the text anew at the region's size; the number of lines.
@@ -25,6 +32,7 @@ class MTextArea : public MSkinnedSection {
   MWindow* window = nullptr;
   int32_t bufferWidth = 256;
   int32_t bufferHeight = 128;
+  // Lent by the canvas.
   DrawingContext dc = nullptr;
   BitmapHandle bitmap = nullptr;
   uint32_t* pixels = nullptr;
@@ -34,9 +42,18 @@ class MTextArea : public MSkinnedSection {
   bool plainBold = false;
   bool hasMarkup = false;
   bool needsParse = false;
-  MTextChunk* chunks = nullptr;
+  ChunkList chunks;
   int32_t verticalOffset = 0;
 
   // Takes effect at the next Layout.
   void SetText(const MString& newText);
+
+ private:
+  void ResizeBuffer(int32_t width, int32_t height);
+  [[nodiscard]] ChunkList Parse() const;
+  void AddLink(const MTextChunk& chunk, const Rect& place);
+
+  std::unique_ptr<TextCanvas> canvas;
+  // Every link since the area was made. A render may come from within a link's own handler, which must find it alive.
+  std::vector<std::unique_ptr<MHTMLLink>> links;
 };
