@@ -1,0 +1,302 @@
+// Texts without a window system: mark-up, line breaking against a grid, the shadow, and areas with links.
+#include <gtest/gtest.h>
+
+#include "tests/ui/toolkit/GridCanvas.h"
+#include "ui/toolkit/LocaleLayout.h"
+#include "ui/toolkit/MHTMLLink.h"
+#include "ui/toolkit/MTextArea.h"
+#include "ui/toolkit/RegionWalk.h"
+#include "ui/toolkit/TextLayout.h"
+
+namespace {
+
+MString Wide(const char* text) {
+  return MString(WideView(FromUtf8(text)));
+}
+
+// Each chunk as text in brackets behind its marks: n begins a line, b bold, +8 spacing, a=target or ncp.
+std::string Spelled(const MTextChunk* chunk) {
+  std::string all;
+  for (; chunk != nullptr; chunk = chunk->next) {
+    if (chunk->newLine) all += "n";
+    if (chunk->bold) all += "b";
+    if (chunk->spacing != 0) all += "+" + std::to_string(chunk->spacing);
+    if (chunk->linkKind == kUrlLink) all += "a=" + Text(chunk->href);
+    if (chunk->linkKind == kSettingsLink) all += "ncp";
+    all += "[" + Text(chunk->text) + "]";
+  }
+  return all;
+}
+
+struct MarkupRow {
+  const char* reason;
+  const char* text;
+  const char* chunks;
+};
+constexpr MarkupRow kMarkup[] = {
+    {"plain", "one two", "[one two]"},
+    {"nothing", "", ""},
+    {"a tag alone", "<strong>", ""},
+    {"both forms of a break", "a<br/>b<br>c</br>d", "[a]n[b]n[c]n[d]"},
+    {"a break at the end shows nothing", "a<br>", "[a]"},
+    {"empty lines", "a<br/><br/>b", "[a]n[]n[b]"},
+    {"a tag up to its end, however odd", "a<br/<br/>b", "[a]n[b]"},
+    {"a line feed breaks before what precedes it", "a\nb", "n[a][b]"},
+    {"line feeds alone", "\n\nx", "n[]n[][x]"},
+    {"bold from the next stretch", "a<strong>b</strong>c", "[a]b[b][c]"},
+    {"names in any case, other words ignored", "<STRONG class='x'>a</Strong\t>b", "b[a][b]"},
+    {"either quote", "<a href='x\"y'>l</a><A HREF=\"z'\">m</a>n", "a=x\"y[l]a=z'[m][n]"},
+    {"the first quoted value, whatever its name", "<a id='1' href='2'>l", "a=1[l]"},
+    {"an unclosed quote goes to the tag's end", "<a href='u>l</a>m", "a=u[l][m]"},
+    {"no target", "<a>l</a>m", "a=[l][m]"},
+    {"the name ends at a slash", "<a/b='x'>l", "a=x[l]"},
+    {"settings", "x<ncp>l</ncp>m", "[x]ncp[l][m]"},
+    {"a target outlasts a settings link", "<a href='u'>l<ncp>m</ncp>n", "a=u[l]ncp[m][n]"},
+    {"a list", "<ul><li>x</li><li>y</li></ul>z", "n+8[\xE2\x80\xA2 x]n+8[\xE2\x80\xA2 y]n+8[z]"},
+    {"an item without text takes its bullet", "<li><li>y", "n+8[\xE2\x80\xA2 ]n+8[\xE2\x80\xA2 y]"},
+    {"an item in bold", "<strong><li>y", "nb+8[\xE2\x80\xA2 y]"},
+    {"unknown and empty tags", "a<x>b<>c</>d<//a>e", "[a][b][c][d][e]"},
+    {"a tag that never ends", "a<br", "[a]"},
+    {"entities stay", "a &amp; b &lt;", "[a &amp; b &lt;]"},
+    {"a lone end", "a>b", "[a>b]"},
+};
+
+TEST(Markup, IsCutIntoChunks) {
+  for (const MarkupRow& row : kMarkup) {
+    EXPECT_EQ(Spelled(ParseMarkup(Wide(row.text)).get()), row.chunks) << row.reason;
+  }
+}
+
+struct LayoutRow {
+  const char* reason;
+  const char* text;
+  int32_t width;  // of the frame; a unit is 10 wide, a line 12 high
+  int32_t lines;
+  Lines drawn;
+};
+const LayoutRow kLayouts[] = {
+    {"one line", "one two", 100, 1, {"0,0 one two"}},
+    {"broken at blanks", "one two three", 80, 2, {"0,0 one two", "0,12 three"}},
+    {"a blank just behind what fits does not count", "ab cd efg", 50, 3, {"0,0 ab", "0,12 cd", "0,24 efg"}},
+    {"several blanks at a break go", "ab    cd", 40, 2, {"0,0 ab ", "0,12 cd"}},
+    {"a word too wide is cut, not lost", "abcdefgh", 30, 3, {"0,0 abc", "0,12 def", "0,24 gh"}},
+    {"a blank at the start is no place to break", " abcdefgh", 40, 3, {"0,0  abc", "0,12 defg", "0,24 h"}},
+    {"runs on one line", "ab<strong>cd</strong>ef", 100, 1, {"0,0 ab", "20,0 cd bold", "48,0 ef"}},
+    {"a run that goes on wraps to the line's start",
+     "abc<strong>d e</strong>",
+     60,
+     2,
+     {"0,0 abc", "30,0 d bold", "0,12 e bold"}},
+    {"no room for one unit of the next run", "abc<x>def", 39, 2, {"0,0 abc", "0,12 def"}},
+    {"no room at all drops what follows", "abc<x>def", 30, 1, {"0,0 abc"}},
+    {"a frame without width", "abc", 0, 1, {}},
+    {"narrower than a unit ends", "abc", 9, 1, {}},
+    {"narrower than a later, bolder unit ends", "a<strong>b</strong>c", 12, 2, {"0,0 a"}},
+    {"breaks", "a<br/>b", 100, 2, {"0,0 a", "0,12 b"}},
+    {"an empty line is as high as the last", "a<br/><br/>b", 100, 3, {"0,0 a", "0,24 b"}},
+    {"spacing moves a run down on its own line", "<li>ab</li>cd", 100, 2, {"0,8 \xE2\x80\xA2 ab", "40,8 cd"}},
+    {"spacing moves every line of a wrapped run", "<li>ab cd", 50, 3, {"0,8 \xE2\x80\xA2 ab", "0,28 cd"}},
+    {"blanks at the very end of a full line wrap once more", "abc <x>d", 30, 2, {"0,0 abc", "0,12 d"}},
+    {"links in their colour", "a <a href='u'>b</a>", 100, 1, {"0,0 a ", "20,0 b colour 77", "underline 20,11,30,12"}},
+    {"a link without target is text", "<a>b</a>", 100, 1, {"0,0 b"}},
+    {"a link on two lines",
+     "<ncp>ab cd</ncp>",
+     40,
+     2,
+     {"0,0 ab colour 77", "underline 0,11,20,12", "0,12 cd colour 77", "underline 0,23,20,24"}},
+};
+
+TEST(TextLayout, BreaksLinesAsDocumented) {
+  for (const LayoutRow& row : kLayouts) {
+    GridCanvas canvas;
+    const ChunkList chunks = ParseMarkup(Wide(row.text));
+    const int32_t lines = LayoutText(chunks.get(), {row.width, 100, 0, 0, 77}, canvas, [](const auto&, const auto&) {});
+    EXPECT_EQ(canvas.own, row.drawn) << row.reason;
+    EXPECT_EQ(lines, row.lines) << row.reason;
+  }
+}
+
+TEST(TextLayout, AddsItsFlagsAndTheVerticalOffset) {
+  GridCanvas canvas;
+  const ChunkList chunks = ParseMarkup(Wide("<a href='u'>ab</a>"));
+  Lines links;
+  LayoutText(chunks.get(), {100, 50, 3, 262144, 77}, canvas, [&](const MTextChunk& chunk, const Rect& place) {
+    links.push_back(Text(chunk.href) + " " + Spell(place));
+  });
+  EXPECT_EQ(canvas.own, (Lines{"0,3 ab colour 77", "underline 0,14,20,15"}));
+  EXPECT_EQ(links, Lines{"u 0,3,20,15"});
+  EXPECT_EQ(canvas.lastFlags, 262144u + 288);
+}
+
+// A bitmap of 4 columns and 3 rows, of which 2 by 2 at the top left are used: the bottom row of it is shaded, and the
+// rows below and the column beside it are not.
+TEST(TextShade, TakesGreenForCoverageAndThrowsAShadowOneRowDown) {
+  std::vector<uint32_t> pixels(12, 0x00112233);
+  const auto at = [&](size_t column, size_t row) -> uint32_t& { return pixels[(2 - row) * 4 + column]; };
+  at(0, 0) = 0x00FFFFFF, at(0, 1) = 0;
+  at(1, 0) = 0x00000000, at(1, 1) = 0x002E98FF;
+  ShadeText(pixels, 4, 2, 2, 255);
+  EXPECT_EQ(at(0, 0), 0x00FFFFFFu) << "the top row is left as it is";
+  // Shadow: (255 * 255 >> 8) * 255 >> 8 = 253.
+  EXPECT_EQ(at(0, 1), 0xFD000000u);
+  // Coverage 152 of a link's colour: 152 * 255 >> 8 = 151, and each channel by that.
+  EXPECT_EQ(at(1, 1), 151u << 24 | (151u * 0x2E >> 8) << 16 | (151u * 0x98 >> 8) << 8 | 151u * 0xFF >> 8);
+  EXPECT_EQ(at(2, 1), 0x00112233u);
+  EXPECT_EQ(at(0, 2), 0x00112233u);
+}
+
+TEST(TextShade, IsDimmedByAlphaAndStaysWithinTheBitmap) {
+  std::vector<uint32_t> pixels(4, 0x00FFFFFF);
+  ShadeText(pixels, 2, 2, 2, 128);
+  EXPECT_EQ(pixels[0], 127u << 24 | 126u << 16 | 126u << 8 | 126u);
+  for (const int32_t size : {-5, 0, 1, 2, 3, 1000, INT32_MAX}) ShadeText(pixels, 2, size, size, 255);
+  ShadeText({}, 0, 5, 5, 255);
+  ShadeText({}, 7, 5, 5, 255);
+}
+
+// An area on a grid canvas in a window that keeps what it is asked for.
+struct Area {
+  explicit Area(bool markup, bool bold = false) : area(&window, std::make_unique<GridCanvas>(&drawn), markup, bold) {
+    area.bounds = Rect::Of(10, 20, 100, 50);
+    window.Attach(&area);
+    drawn.clear();
+  }
+  Lines Render(const char* text) {
+    area.SetText(Wide(text));
+    lines = area.Render();
+    return std::exchange(drawn, {});
+  }
+
+  RecordingWindow window;
+  Lines drawn;
+  MTextArea area;
+  int32_t lines = 0;
+};
+
+TEST(TextArea, PlainTextShowsItsMarkup) {
+  Area plain(false, true);
+  EXPECT_EQ(plain.Render("<br>x"), (Lines{"0,0 <br>x bold", "flush"}));
+  EXPECT_EQ(plain.area.chunks->color, 16777215u);
+  EXPECT_EQ(Text(plain.area.label), "<br>x");
+  EXPECT_EQ(Spell(plain.area.sourceRect), "[0,0,100,50]");
+  EXPECT_EQ(plain.area.drawFlags, kDrawBlend);
+  EXPECT_EQ(plain.Render(""), Lines{"flush"}) << "a plain text without units is still a run";
+}
+
+TEST(TextArea, DrawsAtLayoutAndNotBefore) {
+  Area area(true);
+  area.area.SetText(Wide("a"));
+  EXPECT_EQ(area.drawn, Lines{});
+  area.area.Layout();
+  EXPECT_EQ(area.drawn, (Lines{"0,0 a", "flush"}));
+  EXPECT_FALSE(area.area.needsParse);
+  EXPECT_EQ(area.window.Take(true), Lines{"invalidate 10,20,110,70"});
+}
+
+TEST(TextArea, WithoutAnythingToShowItStaysAsItWas) {
+  Area area(true);
+  area.Render("a");
+  area.window.Take(true);
+  EXPECT_EQ(area.Render(""), Lines{});
+  EXPECT_EQ(area.lines, 1);
+  EXPECT_EQ(Text(area.area.label), "a");
+  EXPECT_EQ(area.window.Take(true), Lines{});
+  EXPECT_EQ(area.area.pixels[0], 0u) << "its bitmap is cleared all the same";
+}
+
+TEST(TextArea, TheBitmapGrowsInStepsOnBothSidesAtOnce) {
+  Area area(false);
+  const struct {
+    int32_t width, height;
+    Lines made;
+  } rows[] = {{256, 128, {}},
+              {257, 20, {"bitmap 384 128"}},
+              {384, 128, {}},
+              {10, 129, {"bitmap 128 256"}},
+              {127, 10, {}},
+              {128, 10, {}},
+              {129, 10, {"bitmap 256 128"}},
+              {-300, 200, {"bitmap 128 256"}}};
+  for (const auto& row : rows) {
+    area.area.bounds = Rect::Of(0, 0, row.width, row.height);
+    Lines made = area.Render("");
+    std::erase(made, "flush");
+    EXPECT_EQ(made, row.made) << row.width << " by " << row.height;
+  }
+}
+
+TEST(TextArea, LinksBecomeRegionsThatOpenTheirTarget) {
+  Area area(true);
+  area.Render("x <a href='u'>link</a> <ncp>set</ncp>");
+  MRegion* const first = area.area.firstChild;
+  ASSERT_NE(first, nullptr);
+  ASSERT_NE(first->Next(), nullptr);
+  EXPECT_EQ(Spell(first->bounds), "20,0,60,12");
+  EXPECT_EQ(Spell(first->firstChild->bounds), "0,11,40,12");
+  EXPECT_EQ(first->firstChild->image.AsColor(), 14188839u);
+  EXPECT_NE(dynamic_cast<MNCPLink*>(first->Next()), nullptr);
+  area.window.Take();
+  for (const int32_t x : {50, 100}) {
+    for (const uint32_t message : {kMouseMove, kMousePress, kMouseRelease}) area.window.DispatchMouse(message, {x, 25});
+    area.window.DispatchMouse(kMouseMove, {5, 5});
+  }
+  EXPECT_EQ(area.window.Take(), (Lines{"capture", "hand", "open u", "release", "arrow", "capture", "hand", "settings",
+                                       "release", "arrow"}));
+}
+
+TEST(TextArea, TheLinksOfTheLastLayoutDropOutButLiveOn) {
+  Area area(true);
+  area.Render("<a href='u'>a</a> <a href='v'>b</a>");
+  MRegion* const first = area.area.firstChild;
+  MRegion* const second = first->Next();
+  area.Render("<a href='w'>c</a>");
+  EXPECT_EQ(Text(static_cast<MHTMLLink*>(area.area.firstChild)->url), "w");
+  EXPECT_EQ(area.area.firstChild->Next(), nullptr);
+  EXPECT_EQ(first->parent, nullptr);
+  EXPECT_EQ(second->parent, nullptr);
+  EXPECT_EQ(Text(static_cast<MHTMLLink*>(second)->url), "v") << "a handler on its way may still need it";
+}
+
+// A canvas that never gets a bitmap, as for a size out of all bounds.
+TEST(TextArea, WithoutABitmapNothingIsTouched) {
+  class NoBitmap final : public TextCanvas {
+    void Resize(int32_t, int32_t) override {}
+    [[nodiscard]] const Surface& Lend() const override { return surface; }
+    TextFit Measure(WideView, bool, int32_t, std::span<int32_t>) override { return {}; }
+    int32_t Draw(WideView, uint32_t, const Rect&, uint32_t) override { return 0; }
+    void FillWhite(const Rect&) override {}
+    void Flush() override {}
+    Surface surface;
+  };
+  RecordingWindow window;
+  MTextArea area(&window, std::make_unique<NoBitmap>(), false, false);
+  area.bounds = Rect::Of(0, 0, INT32_MAX, INT32_MAX);
+  area.SetText(Wide("text"));
+  EXPECT_EQ(area.Render(), 1);
+}
+
+TEST(LocaleLayout, FacesAndOffsetsFollowTheLocaleExactly) {
+  struct Row {
+    uint32_t locale;
+    const char* face;
+    int32_t height, splash, autoUpdate, restart, choice;
+    std::array<int32_t, 3> labels;
+  };
+  constexpr Row kRows[] = {
+      {1028, "Mingliu", 13, 3, 3, 1, 3, {1, 1, 1}}, {1041, "Mincho", 14, 3, 3, 1, 3, {0, 1, 0}},
+      {1042, "Arial", 16, 0, 3, 1, 0, {0, 0, 0}},   {2052, "SimSun", 13, 3, 3, 1, 3, {1, 1, 1}},
+      {1033, "Arial", 16, 0, 0, 0, 0, {0, 0, 0}},   {3076, "Arial", 16, 0, 0, 0, 0, {0, 0, 0}},
+  };
+  for (const Row& row : kRows) {
+    EXPECT_STREQ(ChooseFont(row.locale, 16).face, row.face) << row.locale;
+    EXPECT_EQ(ChooseFont(row.locale, 16).height, row.height) << row.locale;
+    const LocaleOffsets& offsets = OffsetsOf(row.locale);
+    EXPECT_EQ(offsets.splash, row.splash) << row.locale;
+    EXPECT_EQ(offsets.autoUpdate, row.autoUpdate) << row.locale;
+    EXPECT_EQ(offsets.restartNote, row.restart) << row.locale;
+    EXPECT_EQ(offsets.updateChoice, row.choice) << row.locale;
+    EXPECT_EQ(offsets.updateChoiceLabels, row.labels) << row.locale;
+  }
+}
+
+}  // namespace
