@@ -128,8 +128,8 @@ TEST_F(ModuleFixture, TheThreadsLocaleChoosesTheLanguageAndAnUnknownOneGivesEngl
     LCID locale;
     const char* close;
     uint32_t width;
-  } rows[] = {{1033, "CLOSE", 730},  {1041, "閉じる", 730}, {1029, "ZAVŘÍT", 750}, {2052, "关闭", 730},
-              {1028, "關閉", 730},   {1042, "닫기", 730},   {3082, "CERRAR", 730}, {1031, "SCHLIESSEN", 730},
+  } rows[] = {{1033, "CLOSE", 730},   {1041, "閉じる", 730}, {1029, "ZAVŘÍT", 750}, {2052, "关闭", 730},
+              {1028, "關閉", 730},    {1042, "닫기", 730},   {3082, "CERRAR", 730}, {1031, "SCHLIESSEN", 730},
               {1049, "ЗАКРЫТЬ", 730}, {1035, "CLOSE", 730}};
   for (const auto& row : rows) {
     const LocaleScope scope(row.locale);
