@@ -1,6 +1,7 @@
 // Stands in for the player's update and feedback services, whichever its file is named after ("...Feedback..." or not).
 //   without arguments  a service, which stops at once when told to
-//   -install           registers itself with the service manager and starts
+//   -install, -setSilentAutoUpdate, -setNotifyAutoUpdate
+//                      registers itself with the service manager and starts
 //   -uninstall         takes itself off the service manager
 //   any switch         is appended to <its path>.switches; its exit code is what <its path>.codes says of it
 //                      ("-switch 7", one a line), else 0. The code 1000 waits for the event of PlayerService.h first.
@@ -59,7 +60,8 @@ bool Install(const WideString& path) {
       CreateServiceW(manager.Get(), Name(), g_feedback ? kFeedbackServiceDisplayName : kUpdateServiceDisplayName,
                      SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
                      command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
-  return service && StartServiceW(service.Get(), 0, nullptr);
+  if (!service) return GetLastError() == ERROR_SERVICE_EXISTS;
+  return StartServiceW(service.Get(), 0, nullptr);
 }
 
 void Uninstall() {
@@ -91,7 +93,8 @@ int main(int count, char** arguments) {
   if (count < 2) return Dispatch() ? 0 : 1;
   const std::string word = arguments[count - 1];
   std::ofstream(path + ".switches", std::ios::app) << word << "\n";
-  if (word == "-install" && !Install(own)) return 1;
+  const bool installs = word == "-install" || word == "-setSilentAutoUpdate" || word == "-setNotifyAutoUpdate";
+  if (installs && !Install(own)) return 1;
   if (word == "-uninstall") Uninstall();
   const int code = CodeOf(path, word);
   if (code == kPlayerServiceWaits) {

@@ -1,61 +1,186 @@
+// What the host decides without the system: its command line, the files of a kind, texts, tables.
 #include <gtest/gtest.h>
 
+#include "engine/ProductKind.h"
+#include "engine/ReportCode.h"
 #include "host/CommandLine.h"
+#include "host/ConsoleText.h"
+#include "host/PayloadList.h"
 #include "host/ReportTexts.h"
+#include "host/StatusTable.h"
 
 namespace {
+
+using namespace product_kind;
 
 TEST(HostCommandLine, UnderstandsWhatComAndPeopleWrite) {
   const struct {
     std::vector<std::string> words;
     HostCommand command;
-    const char* kind;
+    uint32_t kinds;
+    const char* marks;  // s: silent, w: what-if
     const char* log;
     bool understood;
   } rows[] = {
-      {{}, HostCommand::Help, "", "", true},
-      {{"-Embedding"}, HostCommand::Broker, "", "", true},
-      {{"/embedding"}, HostCommand::Broker, "", "", true},
-      {{"-register", "ActiveX"}, HostCommand::Register, "activex", "", true},
-      {{"-log", "a.log", "-unregister", "pepperplugin"}, HostCommand::Unregister, "pepperplugin", "a.log", true},
-      {{"-refreshIEElevationPolicies"}, HostCommand::RefreshPolicies, "", "", true},
-      {{"-help"}, HostCommand::Help, "", "", true},
-      {{"-register"}, HostCommand::Register, "", "", false},
-      {{"-register", "flash"}, HostCommand::Register, "", "", false},
-      {{"-register", "plugin", "-help"}, HostCommand::Help, "plugin", "", false},
-      {{"-log"}, HostCommand::Help, "", "", false},
-      {{"embedding"}, HostCommand::Help, "", "", false},
-      {{"-what"}, HostCommand::Help, "", "", false},
-      {{"-"}, HostCommand::Help, "", "", false},
+      {{}, HostCommand::Help, 0, "", "", true},
+      {{"-Embedding"}, HostCommand::Broker, 0, "", "", true},
+      {{"/embedding"}, HostCommand::Broker, 0, "", "", true},
+      {{"-register", "ActiveX"}, HostCommand::Register, ActiveX, "", "", true},
+      {{"-log", "a.log", "-unregister", "pepperplugin"}, HostCommand::Unregister, Pepper, "", "a.log", true},
+      {{"-install", "activex", "plugin", "pepperplugin", "-silent"},
+       HostCommand::Install,
+       ActiveX | Plugin | Pepper,
+       "s",
+       "",
+       true},
+      {{"-what-if", "-Uninstall", "plugin", "-log", "b"}, HostCommand::Uninstall, Plugin, "w", "b", true},
+      {{"-maintain", "activex"}, HostCommand::Maintain, ActiveX, "", "", true},
+      {{"-update", "plugin", "-silent", "-what-if"}, HostCommand::Update, Plugin, "sw", "", true},
+      {{"-check", "pepperplugin"}, HostCommand::Check, Pepper, "", "", true},
+      {{"-conflicts", "activex", "activex"}, HostCommand::Conflicts, ActiveX, "", "", true},
+      {{"-refreshIEElevationPolicies"}, HostCommand::RefreshPolicies, 0, "", "", true},
+      {{"-status"}, HostCommand::Status, 0, "", "", true},
+      {{"-help"}, HostCommand::Help, 0, "", "", true},
+      {{"-install"}, HostCommand::Help, 0, "", "", false},
+      {{"-install", "plugin", "nonsense"}, HostCommand::Help, 0, "", "", false},
+      {{"-check", "plugin", "activex"}, HostCommand::Help, 0, "", "", false},
+      {{"-status", "-silent"}, HostCommand::Help, 0, "", "", false},
+      {{"-silent"}, HostCommand::Help, 0, "", "", false},
+      {{"-register", "plugin", "-help"}, HostCommand::Help, 0, "", "", false},
+      {{"-log"}, HostCommand::Help, 0, "", "", false},
+      {{"embedding"}, HostCommand::Help, 0, "", "", false},
+      {{"-what"}, HostCommand::Help, 0, "", "", false},
+      {{"-"}, HostCommand::Help, 0, "", "", false},
   };
   for (const auto& row : rows) {
     const HostCommandLine line = ParseHostCommandLine(row.words);
-    const std::string shown = row.words.empty() ? "(empty)" : row.words[0];
+    const std::string shown = testing::PrintToString(row.words);
     EXPECT_EQ(line.error.empty(), row.understood) << shown << ": " << line.error;
     if (!row.understood) continue;
     EXPECT_EQ(line.command, row.command) << shown;
-    EXPECT_EQ(line.kind, row.kind) << shown;
+    EXPECT_EQ(line.kinds, row.kinds) << shown;
+    EXPECT_EQ(std::string(line.silent ? "s" : "") + (line.whatIf ? "w" : ""), row.marks) << shown;
     EXPECT_EQ(line.logFile, row.log) << shown;
   }
 }
 
-std::string Shown(uint32_t severity, uint32_t code, const wchar_t* text) {
+TEST(HostCommandLine, TheHelpNamesEveryCommandOnce) {
+  const std::string help = HostUsage();
+  for (const char* const word : {"-install KIND...", "-uninstall KIND...", "-maintain KIND ", "-update KIND ",
+                                 "-check KIND ", "-conflicts KIND...", "-status ", "-Embedding ", "-help "}) {
+    const size_t at = help.find(std::string("  ") + word);
+    EXPECT_NE(at, std::string::npos) << word;
+    EXPECT_EQ(help.find(std::string("\n  ") + word, at), std::string::npos) << word;
+  }
+}
+
+std::string Shown(uint32_t severity, uint32_t code) {
   const uint32_t id = StringIdOf(severity, code);
-  return ToUtf8(FillIn(MString(EnglishText(id)), id, code, MString(text)).View());
+  return ToUtf8(FillIn(MString(HostText(id)), id, code, MString(L"x")).View());
 }
 
 TEST(ReportTexts, ACodeWithoutATextOfItsOwnTakesThatOfItsSeverity) {
-  EXPECT_EQ(Shown(0, 18, L"x"), "Generic info '18'.  No further information is available.");
-  EXPECT_EQ(Shown(1, 1113, L"x"), "Warning '1113'.  No further information is available.");
-  EXPECT_EQ(Shown(2, 1113, L"x"), "Error '1113'.  No further information is available.");
-  EXPECT_EQ(Shown(3, 1113, L"x"), "Fatal error '1113'.  No further information is available.");
-  EXPECT_EQ(Shown(2, 0, L"x"), "No error information is available.");
-  EXPECT_EQ(Shown(2, 1034, L"C:\\a.ocx 7F"), "The control could not be registered: C:\\a.ocx 7F");
-  EXPECT_EQ(Shown(1, 1032, L"x"), "Warning '1032'.  No further information is available.");
+  EXPECT_EQ(Shown(0, 5555), "Generic info '5555'.  No further information is available.");
+  EXPECT_EQ(Shown(1, 5555), "Warning '5555'.  No further information is available.");
+  EXPECT_EQ(Shown(2, 5555), "Error '5555'.  No further information is available.");
+  EXPECT_EQ(Shown(3, 5555), "Fatal error '5555'.  No further information is available.");
+  EXPECT_EQ(Shown(2, 0), "No error information is available.");
+  EXPECT_EQ(ToUtf8(Meaning(1, 5555, L"x").View()), "Warning '5555'.  No further information is available.");
 }
 
-TEST(ReportTexts, ALogLineIsFourFields) {
-  EXPECT_EQ(ToUtf8(LogLine(MString(L"T"), 2, 1047, MString(L"C:\\a b")).View()), "T\t2\t1047\tC:\\a b\r\n");
+TEST(ReportTexts, OnlyWhatTheUserMustBeToldOfHasATextOfTheWindow) {
+  const struct {
+    ReportCode code;
+    uint32_t id;
+  } rows[] = {{ReportCode::InstallRefusedByVersionInMode1, 60},
+              {ReportCode::InstallRefusedByReleaseType, 78},
+              {ReportCode::InstallRefusedByVersion, 79},
+              {ReportCode::FileNotDeleted, 62},
+              {ReportCode::RegisterServerFailed, 64},
+              {ReportCode::ControlNotLoaded, 64},
+              {ReportCode::RegisterServerMissing, 64},
+              {ReportCode::SystemFileNotRemoved, 65},
+              {ReportCode::SystemFileQueued, 74},
+              {ReportCode::InstallerBlocked, 65},
+              {ReportCode::InstallerNeedsRestart, 73}};
+  for (const auto& row : rows) {
+    const auto code = static_cast<uint32_t>(row.code);
+    EXPECT_EQ(StringIdOf(2, code), row.id) << code;
+    EXPECT_EQ(StringIdOf(1, code), 54u) << code;
+    EXPECT_NE(HostText(row.id), nullptr) << row.id;
+  }
+}
+
+TEST(ReportTexts, EveryCodeIsASentence) {
+  const uint32_t last = static_cast<uint32_t>(ReportCode::TaskNotRegisteredAgain);
+  uint32_t known = 0;
+  for (uint32_t code = 0; code <= last; ++code) {
+    if (TextOfCode(code) == nullptr) continue;
+    ++known;
+    const std::string text = ToUtf8(TextOfCode(code));
+    EXPECT_TRUE(text.ends_with(".") || text.ends_with("^")) << text;
+  }
+  EXPECT_EQ(known, 117u);
+  EXPECT_EQ(ToUtf8(Meaning(1, 1015, L"C:\\a 20").View()), "A file could not be deleted: C:\\a 20");
+}
+
+TEST(ReportTexts, ALogLineIsFiveFieldsWhateverAFileIsCalled) {
+  EXPECT_EQ(ToUtf8(LogLine(L"T", 2, 1046, L"C:\\a\tb\nc")),
+            "T\t2\t1046\tC:\\a b c\tA file in use is empty: C:\\a b c\r\n");
+}
+
+std::string Names(const std::vector<PayloadFile>& files) {
+  std::string names;
+  for (const PayloadFile& file : files) {
+    names += ToUtf8(file.name) + "/" + std::to_string(static_cast<int>(file.source)) + (file.optional ? "? " : " ");
+  }
+  return names;
+}
+
+TEST(PayloadList, AKindIsItsPlayerItsUninstallerAndItsExtras) {
+  SettingsTree settings;
+  ParseSettings(&settings, MString(L"Host { ActiveX a.ocx help.exe; Plugin p.dll; UpdateService u.exe;"
+                                   L" FeedbackService f.exe; Uninstaller { ActiveX un.exe; };"
+                                   L" ExtraFiles { ActiveX help.exe read.txt; }; };"));
+  EXPECT_EQ(Names(FilesOfKind(&settings, ActiveX)), "a.ocx/0 un.exe/1 un.dll/2 un.settings/3 help.exe/0? read.txt/0? ");
+  EXPECT_EQ(Names(FilesOfKind(&settings, Plugin)), "p.dll/0 ");
+  EXPECT_EQ(Names(FilesOfKind(&settings, Pepper)), "");
+  EXPECT_EQ(Names(ServiceFiles(&settings, false)), "u.exe/0? ");
+  EXPECT_EQ(Names(ServiceFiles(&settings, true)), "u.exe/0? f.exe/0? ");
+}
+
+TEST(ConsoleText, MarksGoAndLineBreaksStay) {
+  const struct {
+    const wchar_t* text;
+    const char* plain;
+  } rows[] = {{L"plain", "plain"},
+              {L"see <a href='/x'>this</a>.", "see this."},
+              {L"one.<br/><br/>two", "one.\ntwo"},
+              {L"open.<br/<br/>Please", "open.\nPlease"},
+              {L"a <b", "a "},
+              {L"", ""}};
+  for (const auto& row : rows) EXPECT_EQ(ToUtf8(WithoutMarks(row.text)), row.plain);
+}
+
+TEST(ConsoleText, ProgressIsFullOnlyAtTheEnd) {
+  const struct {
+    uint64_t done, total;
+    const char* percent;
+    int filled;
+  } rows[] = {
+      {0, 10, "  0%", 0},   {5, 10, " 50%", 15}, {999, 1000, " 99%", 29}, {500, 1000, " 50%", 15},
+      {10, 10, "100%", 30}, {0, 0, "100%", 30},  {20, 10, "100%", 30},    {UINT64_MAX - 1, UINT64_MAX, " 99%", 29}};
+  for (const auto& row : rows) {
+    const std::string line = ProgressLine(row.done, row.total, "x");
+    EXPECT_NE(line.find(row.percent), std::string::npos) << line;
+    EXPECT_EQ(std::count(line.begin(), line.end(), '#'), row.filled) << line;
+  }
+}
+
+TEST(StatusTable, ColumnsAreAsWideAsTheirWidestCell) {
+  EXPECT_EQ(FormatTable({{"a", "wide one", "c"}, {"lång", "x"}, {"", "", "z"}}),
+            "a     wide one  c\n----  --------  -\nlång  x\n                z\n");
+  EXPECT_EQ(FormatTable({}), "");
 }
 
 }  // namespace

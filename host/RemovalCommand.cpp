@@ -1,0 +1,83 @@
+#include "host/RemovalCommand.h"
+
+#include <windows.h>
+
+#include "engine/ProductKeys.h"
+#include "engine/ProductKind.h"
+#include "engine/Registry.h"
+#include "host/Console.h"
+#include "host/InstallCommand.h"
+#include "host/PayloadList.h"
+#include "host/WhatIf.h"
+
+namespace {
+
+constexpr uint32_t kUninstalled = 10;
+constexpr uint32_t kWillRemove = 11;
+constexpr uint32_t kRestartToComplete = 74;
+constexpr uint32_t kAllKinds = product_kind::ActiveX | product_kind::Plugin | product_kind::Pepper;
+
+bool IsInstalled(uint32_t kind) {
+  return OpenKey(HKEY_LOCAL_MACHINE, GetProductKey(kind).c_str(), KEY_READ).IsValid();
+}
+
+bool AnyInstalled() {
+  for (const uint32_t kind : EachKind(kAllKinds)) {
+    if (IsInstalled(kind)) return true;
+  }
+  return false;
+}
+
+// The module's removal counts everything that was not there to be deleted as a failure, so its answer cannot say
+// whether the player has gone; what is left does.
+bool RemoveKind(const Session& session, uint32_t kind) {
+  (void)session.module->RemoveProductKind(kind, MString(WideView(SystemDirectory())), 1, 0);
+  if (IsInstalled(kind)) return false;
+  Tell(session, "Removed: " + std::string(NameOfKind(kind)) + ".");
+  return true;
+}
+
+// The host made the directories, so it takes them away when nothing else is in them.
+void RemoveDirectories() {
+  const WideString player = PlayerDirectory();
+  const WideString inner = player.substr(0, player.size() - 1);
+  const WideString outer = inner.substr(0, inner.rfind(L'\\'));
+  if (RemoveDirectoryW(inner.c_str())) RemoveDirectoryW(outer.c_str());
+}
+
+}  // namespace
+
+HostExit RemovePlayers(const Session& session) {
+  const ChangeLock lock;
+  if (lock.Refusal() != 0) return End(HostExit::Refused, ModuleText(session, lock.Refusal()));
+  (void)session.module->LoadEngineLists();
+  if (session.line.whatIf) return TellRemoval(session);
+  const size_t pending = PendingOperations();
+  bool all = true;
+  for (const uint32_t kind : EachKind(session.line.kinds)) {
+    if (!RemoveKind(session, kind)) all = false;
+  }
+  const MString directory{WideView(PlayerDirectory())};
+  (void)session.module->RemoveNamedFiles(session.line.kinds, directory);
+  (void)session.module->RemovePatternFiles(session.line.kinds, directory);
+  if (!AnyInstalled()) {
+    (void)session.module->RemoveUpdateService(nullptr, MString(WideView(SystemDirectory())));
+    RemoveDirectories();
+  }
+  if (PendingOperations() > pending) session.host.RequireRestart();
+  if (!all) return End(HostExit::Failed, "not every player could be removed; -log FILE tells more");
+  Tell(session, ModuleText(session, kUninstalled));
+  if (!session.host.IsRestartRequired()) return HostExit::Done;
+  Tell(session, ModuleText(session, kRestartToComplete));
+  return HostExit::RestartNeeded;
+}
+
+HostExit MaintainPlayer(const Session& session) {
+  if (session.line.silent) return RemovePlayers(session);
+  const std::string name(NameOfKind(session.line.kinds));
+  switch (Ask(ModuleText(session, kWillRemove) + "\n" + name + ": [u]ninstall, [r]einstall or [q]uit?")) {
+    case 'r': return InstallPlayers(session);
+    case 'q': return HostExit::Done;
+    default: return RemovePlayers(session);
+  }
+}

@@ -1,0 +1,9 @@
+// -uninstall, and -maintain, which asks whether to. Each says on the console how it ended.
+#pragma once
+
+#include "host/Session.h"
+
+[[nodiscard]] HostExit RemovePlayers(const Session& session);
+// The command of Add/Remove Programs: asks whether to reinstall or to remove. In silence, or when nobody answers, it
+// removes.
+[[nodiscard]] HostExit MaintainPlayer(const Session& session);

@@ -1,0 +1,69 @@
+#include "host/Session.h"
+
+// clang-format off
+#include <windows.h>
+#include <shlobj.h>
+// clang-format on
+
+#include "engine/InstallEngine.h"
+#include "engine/SystemPaths.h"
+#include "host/Console.h"
+#include "host/ConsoleText.h"
+
+namespace {
+
+constexpr uint32_t kWantsAdministrator = 57;
+constexpr uint32_t kAnotherIsActive = 59;
+constexpr wchar_t kInstallerMutex[] = L"Global\\CorvaLumenPlayerSetup";
+constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+
+}  // namespace
+
+void Tell(const Session& session, const std::string& text) {
+  if (!session.line.silent) Say(text + "\n");
+}
+
+HostExit End(HostExit code, const std::string& why) {
+  SayError("LumenHost: " + why + "\n");
+  return code;
+}
+
+std::string ModuleText(const Session& session, uint32_t id, const std::string& value) {
+  MString text;
+  session.module->LoadString(&text, id, 1);
+  const WideString plain = WithoutMarks(MString::Replace(text, L"^", MString(WideView(FromUtf8(value)))).View());
+  const size_t end = plain.find(wchar_t{0});  // the table's texts end in a zero unit
+  return ToUtf8(WideView(plain).substr(0, end));
+}
+
+std::string ShownText(const Session& session, Severity severity, ReportCode code, const WideString& text) {
+  MString shown;
+  session.host.Log().Format(&shown, &session.host, static_cast<uint32_t>(severity), static_cast<uint32_t>(code),
+                            MString(WideView(text)), 0);
+  const WideString plain = WithoutMarks(shown.View());
+  return ToUtf8(WideView(plain).substr(0, plain.find(wchar_t{0})));
+}
+
+WideString SystemDirectory() {
+  return GetSystem32Path().value_or(WideString()) + L"\\";
+}
+
+WideString PlayerDirectory() {
+  return WideString(SystemPlayerDirectory().View());
+}
+
+ChangeLock::ChangeLock() {
+  if (!IsUserAnAdmin()) {
+    refusal = kWantsAdministrator;
+    return;
+  }
+  mutex.Reset(CreateMutexW(nullptr, FALSE, kInstallerMutex));
+  if (!mutex || GetLastError() == ERROR_ALREADY_EXISTS) refusal = kAnotherIsActive;
+}
+
+size_t PendingOperations() {
+  DWORD bytes = 0;
+  const LSTATUS status = RegGetValueW(HKEY_LOCAL_MACHINE, kSessionManager, L"PendingFileRenameOperations",
+                                      RRF_RT_REG_MULTI_SZ, nullptr, nullptr, &bytes);
+  return status == ERROR_SUCCESS ? bytes : 0;
+}

@@ -1,0 +1,43 @@
+// What the commands work with: the command line, the answers to the module, and the module itself.
+#pragma once
+
+#include <string>
+
+#include "host/CommandLine.h"
+#include "host/HostedModule.h"
+#include "host/ReferenceHost.h"
+
+struct Session {
+  const HostCommandLine& line;
+  ReferenceHost& host;
+  const HostedModule& module;
+};
+
+// Says a line, unless the command is to be silent.
+void Tell(const Session& session, const std::string& text);
+// Says why a command ends here, and gives back its exit code. Also in silence.
+[[nodiscard]] HostExit End(HostExit code, const std::string& why);
+// The module's own text in the user's language, without marks, `value` in the place of "^".
+[[nodiscard]] std::string ModuleText(const Session& session, uint32_t id, const std::string& value = std::string());
+// What the failure panel would show of a report.
+[[nodiscard]] std::string ShownText(const Session& session, Severity severity, ReportCode code,
+                                    const WideString& text = WideString());
+
+// The directory of the player's files, and the system directory that it lies in; each with its last backslash.
+[[nodiscard]] WideString PlayerDirectory();
+[[nodiscard]] WideString SystemDirectory();
+
+// Held while the machine is being changed: one installer at a time, and only with administrative rights.
+class ChangeLock {
+ public:
+  ChangeLock();
+  // Nothing when the machine may be changed; else the id of the module's text about it.
+  [[nodiscard]] uint32_t Refusal() const { return refusal; }
+
+ private:
+  KernelHandle mutex;
+  uint32_t refusal = 0;
+};
+
+// How many bytes of file operations wait for the next restart.
+[[nodiscard]] size_t PendingOperations();
