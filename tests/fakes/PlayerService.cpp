@@ -1,16 +1,18 @@
 // Stands in for the player's update and feedback services, whichever its file is named after ("...Feedback..." or not).
 //   without arguments  a service, which stops at once when told to
+//   any switch         is appended to <its path>.switches, one a line
+// With a file <its path>.codes it does nothing else and gives the exit code that the file has for the switch ("-switch
+// 7", one a line), else 0; the code 1000 waits for the event of PlayerService.h first. Without that file:
 //   -install, -setSilentAutoUpdate, -setNotifyAutoUpdate
 //                      registers itself with the service manager and starts
 //   -uninstall         takes itself off the service manager
-//   any switch         is appended to <its path>.switches; its exit code is what <its path>.codes says of it
-//                      ("-switch 7", one a line), else 0. The code 1000 waits for the event of PlayerService.h first.
 #include "tests/fakes/PlayerService.h"
 
 #include <windows.h>
 
 #include <fstream>
 #include <string>
+#include <utility>
 
 #include "engine/Handles.h"
 #include "removal/ServiceRunner.h"
@@ -73,14 +75,16 @@ void Uninstall() {
   DeleteService(service.Get());
 }
 
-int CodeOf(const std::string& path, const std::string& word) {
-  std::ifstream codes(path + ".codes");
+int Scripted(std::ifstream codes, const std::string& word) {
   std::string known;
   int code = 0;
-  while (codes >> known >> code) {
-    if (known == word) return code;
+  while (codes >> known >> code && known != word) code = 0;
+  if (!codes) return 0;
+  if (code == kPlayerServiceWaits) {
+    const KernelHandle release(OpenEventW(SYNCHRONIZE, FALSE, kPlayerServiceRelease));
+    WaitForSingleObject(release.Get(), 60000);
   }
-  return 0;
+  return code;
 }
 
 }  // namespace
@@ -93,13 +97,9 @@ int main(int count, char** arguments) {
   if (count < 2) return Dispatch() ? 0 : 1;
   const std::string word = arguments[count - 1];
   std::ofstream(path + ".switches", std::ios::app) << word << "\n";
+  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), word);
   const bool installs = word == "-install" || word == "-setSilentAutoUpdate" || word == "-setNotifyAutoUpdate";
   if (installs && !Install(own)) return 1;
   if (word == "-uninstall") Uninstall();
-  const int code = CodeOf(path, word);
-  if (code == kPlayerServiceWaits) {
-    const KernelHandle release(OpenEventW(SYNCHRONIZE, FALSE, kPlayerServiceRelease));
-    WaitForSingleObject(release.Get(), 60000);
-  }
-  return code;
+  return 0;
 }
