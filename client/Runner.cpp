@@ -121,7 +121,7 @@ Outcome RunStep(const AccountStep& step, ILumenBroker6* broker) {
   if (command == nullptr) return Outcome::BadUsage("no such command: " + step.words.front());
   words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(used));
   const Arguments arguments(words, command->options);
-  const Outcome checked = CheckArguments(*command, arguments, broker != nullptr);
+  Outcome checked = CheckArguments(*command, arguments, broker != nullptr);
   if (checked.code != ExitCode::Done || broker == nullptr) return checked;
   Context context{broker, arguments, false, true};
   return command->run(context);
