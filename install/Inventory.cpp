@@ -13,6 +13,18 @@ namespace {
 // The value of the safe versions that speaks of this build's major version.
 constexpr wchar_t kSafeVersionName[] = L"28.0";
 
+// The keys of GetReleaseTypeKey, in the order of asking. This question has always spelled the hive's first key in
+// capitals, and logs show it.
+struct ReleaseTypeRow {
+  uint32_t kind;
+  const char* key;
+};
+constexpr ReleaseTypeRow kReleaseTypes[] = {
+    {product_kind::ActiveX, "SOFTWARE\\Halcyonics\\LumenPlayerActiveXReleaseType"},
+    {product_kind::Plugin, "SOFTWARE\\Halcyonics\\LumenPlayerPluginReleaseType"},
+    {product_kind::Pepper, "SOFTWARE\\Halcyonics\\LumenPlayerPepperReleaseType"},
+};
+
 bool ReadInto(MString* out, HostCallbacks* host, uint32_t kind, const wchar_t* name) {
   const auto text = ReadRegistryText(host, HKEY_LOCAL_MACHINE, KeyName(GetProductKey(kind)), name);
   if (text) *out = *text;
@@ -31,14 +43,12 @@ InstalledState CompareInstalledVersion(HostCallbacks* host, uint32_t kind) {
 }
 
 bool ReleaseTypeMatches(HostCallbacks* host, uint32_t kinds, uint32_t expected) {
-  uint32_t deciding = 0;
-  for (const uint32_t kind : {product_kind::ActiveX, product_kind::Plugin, product_kind::Pepper}) {
-    if ((kinds & kind) != 0) deciding = kind;
+  const char* key = nullptr;
+  for (const ReleaseTypeRow& row : kReleaseTypes) {
+    if ((kinds & row.kind) != 0) key = row.key;
   }
-  if (deciding == 0) return true;
-  const std::string key = GetReleaseTypeKey(deciding);
   // Nothing installed is no failure, so the key is tried before the read that reports.
-  if (!OpenKey(HKEY_LOCAL_MACHINE, key.c_str(), KEY_QUERY_VALUE)) return true;
+  if (key == nullptr || !OpenKey(HKEY_LOCAL_MACHINE, key, KEY_QUERY_VALUE)) return true;
   return ReadRegistryNumber(host, HKEY_LOCAL_MACHINE, KeyName(key), L"Release").value_or(0) == expected;
 }
 

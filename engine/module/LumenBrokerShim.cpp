@@ -17,7 +17,6 @@
 
 namespace {
 
-
 // The null list stands for "no engine", which only a failed allocation leaves.
 MStringList* ListOf(InstallEngine* engine, MStringList InstallEngine::*list) {
   return engine == nullptr ? nullptr : &(engine->*list);

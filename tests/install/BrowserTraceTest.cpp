@@ -5,6 +5,7 @@
 
 #include "install/PluginDirectories.h"
 #include "tests/install/InstallFixture.h"
+#include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
 
 namespace {
@@ -55,12 +56,9 @@ TEST_F(InstallFixture, EachRunningBrowserIsAskedInItsUsersPlace) {
   const ImportHook list(self, "K32EnumProcesses", &ListProcesses);
   const ImportHook name(self, "K32GetModuleBaseNameW", &NameProcess);
   const ImportHook start(self, "CreateProcessAsUserW", &StartAsUser);
-  DWORD before = 0;
-  DWORD after = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &before);
+  const DWORD before = counts::KernelHandles();
   AskBrowsersToRefresh(&host);
-  GetProcessHandleCount(GetCurrentProcess(), &after);
-  EXPECT_EQ(after, before);
+  EXPECT_EQ(counts::KernelHandles(), before);
   const std::string line = "\"C:\\Lumen Player\\util.exe\" -refreshIEElevationPolicies";
   EXPECT_EQ(g_scan.started, (Lines{line, line, line}));
   EXPECT_EQ(g_scan.asked, g_scan.names.size());

@@ -3,6 +3,7 @@
 
 #include "engine/SystemPaths.h"
 #include "tests/install/InstallFixture.h"
+#include "tests/support/CountFixture.h"
 #include "tests/support/FaultSteps.h"
 
 namespace {
@@ -228,6 +229,16 @@ TEST_F(FileReplacement, ModesDifferInAccessAndInWhetherTheyMakeAFile) {
     SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
     EXPECT_EQ(ReadFile(file.Get(), &unit, 1, &count, nullptr) != 0, row.reads) << row.mode;
   }
+}
+
+TEST_F(FileReplacement, TestingAndReplacingLeavesNoHandle) {
+  const MString path = File("file.dll");
+  const FileHandle user = Hold(path, GENERIC_READ, FILE_SHARE_READ);
+  EXPECT_TRUE(LeavesNothing(8, [&](int) {
+    (void)TestFileLocked(&host, kTestLock, path);
+    (void)ReplaceFile(shim, path, product_kind::Plugin);
+    (void)RemoveSystemFile(&host, path);
+  }));
 }
 
 TEST_F(FileReplacement, SystemFileStaysWhileAnyKindIsInstalled) {

@@ -3,6 +3,7 @@
 
 #include "engine/ProductKeys.h"
 #include "tests/install/InstallFixture.h"
+#include "tests/support/CountFixture.h"
 #include "tests/support/FaultSteps.h"
 
 namespace {
@@ -62,7 +63,7 @@ TEST_F(InstallFixture, ReleaseTypeIsJudgedByTheLastKindNamed) {
   for (const auto& row : rows) EXPECT_EQ(shim->ReleaseTypeMatches(row.kinds, row.expected), row.matches) << row.kinds;
   host.Forget();
   EXPECT_TRUE(shim->ReleaseTypeMatches(32768, 0));
-  EXPECT_EQ(host.Reports(), Lines{"1 1036 " + kMachinePlayer + "PepperReleaseType/Release 2"});
+  EXPECT_EQ(host.Reports(), Lines{"1 1036 SOFTWARE\\Halcyonics\\LumenPlayerPepperReleaseType/Release 2"});
   ClearMachine();
   host.Forget();
   EXPECT_TRUE(shim->ReleaseTypeMatches(8 | 16 | 32768, 7)) << "nothing is installed";
@@ -136,6 +137,7 @@ TEST_F(InstallFixture, CleanUpRunsOnAndJoinsItsResults) {
     SetText(GetOldUninstallKey(kind), "x", "");
   };
   FaultSteps faults;
+  const DWORD handles = counts::KernelHandles();
   for (const uint32_t kind : kAllKinds) {
     Lines all = {
         "delete value HKCU\\" + runOnce + " | LumenPlayerUpdate",
@@ -164,4 +166,5 @@ TEST_F(InstallFixture, CleanUpRunsOnAndJoinsItsResults) {
     EXPECT_FALSE(CleanRegistry(&host, kind)) << "what is missing counts as failed";
     EXPECT_EQ(host.Reports().size(), all.size());
   }
+  EXPECT_EQ(counts::KernelHandles(), handles);
 }

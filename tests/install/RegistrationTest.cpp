@@ -5,6 +5,7 @@
 
 #include "install/ControlRegistration.h"
 #include "tests/install/InstallFixture.h"
+#include "tests/support/CountFixture.h"
 #include "tests/support/FaultSteps.h"
 #include "tests/support/RegistrySnapshot.h"
 
@@ -56,6 +57,12 @@ std::string SeriesOf(const std::string& step) {
 
 bool EndsRegistration(const std::string& step) {
   return step.starts_with("load ") || step.starts_with("entry ");
+}
+
+// The broker's registration keeps a key open whose value it could not write.
+bool LeavesKeyOpen(const std::string& step) {
+  const bool value = step.starts_with("text ") || step.starts_with("number ");
+  return value && SeriesOf(step).empty() && step.find("Image File") == std::string::npos;
 }
 
 // What is left of `all` when the step at `at` fails.
@@ -123,8 +130,14 @@ TEST_P(Registration, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
   const Lines all = faults.Run(0, registering);
   ASSERT_GT(all.size(), 20u);
   for (size_t at = 0; at < all.size(); ++at) {
+    // The repairs of the class keys are many and alike; the first stands for all.
+    const auto repairs = [&](size_t step) { return all[step].starts_with("security MACHINE"); };
+    if (at > 0 && repairs(at) && repairs(at - 1)) continue;
     fresh();
-    EXPECT_EQ(faults.Run(at + 1, registering), StepsWhenFailing(all, at)) << all[at];
+    const DWORD handles = counts::KernelHandles();
+    const Lines steps = faults.Run(at + 1, registering);
+    EXPECT_EQ(counts::KernelHandles() - handles, LeavesKeyOpen(all[at]) ? 1u : 0u) << all[at];
+    EXPECT_EQ(steps, StepsWhenFailing(all, at)) << all[at];
     EXPECT_EQ(host.Reports(), ReportWhenFailing(all, at)) << all[at];
     EXPECT_EQ(result, !EndsRegistration(all[at])) << all[at];
     EXPECT_EQ(shim->WasRegistrationReached(), result ? 1 : 0) << all[at];
