@@ -1,0 +1,155 @@
+// The add-on methods of a broker object, with a real server behind the vendor's name and a real product.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "broker/CoLumenBrokerServer.h"
+#include "tests/delivery/AddOnMaterial.h"
+#include "tests/support/DemoAddOnProcess.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/RecordingHost.h"
+#include "tests/support/WebServer.h"
+
+namespace {
+
+constexpr ULONG kUnset = 77;
+
+class AddOnMethods : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    server = new WebServer(addon::Folder(L"server"));
+    ASSERT_TRUE(server->IsRunning());
+  }
+  static void TearDownTestSuite() { delete server; }
+  void SetUp() override { host.downloadSettings = MString(addon::Folder(L"authority\\root.der").c_str()); }
+
+  ULONG Open(const std::string& path) {
+    ULONG cookie = kUnset;
+    const BString url((L"http://get.corva.example" + WidenAscii(path)).c_str());
+    EXPECT_EQ(broker->BrokerLMOpenDownload(url.Get(), &cookie), S_OK) << path;
+    return cookie;
+  }
+  void Pump(ULONG cookie) {
+    for (ULONG position = 0, length = 1; position != length;) {
+      const ULONG before = position;
+      ASSERT_EQ(broker->BrokerLMUpdateDownload(cookie, &position, &length), S_OK);
+      ASSERT_TRUE(position > before || position == length) << "the position stands still";
+    }
+  }
+  ULONG Close(ULONG cookie, const wchar_t* as) {
+    ULONG result = kUnset;
+    const BString wide(as);
+    EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, wide.Get(), &result), S_OK);
+    return result;
+  }
+  ULONG Store(const std::string& path, const wchar_t* as) {
+    const ULONG cookie = Open(path);
+    Pump(cookie);
+    return Close(cookie, as);
+  }
+
+  static WebServer* server;
+  ComInitializer apartment;
+  RecordingHost host;
+  const testing_files::CleanDirectory clean{addon::ProductsFolder()};
+  const demo_addon::Stopped stopped;
+  const BString name{L"DemoAddOn"};
+  ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(&host));
+};
+WebServer* AddOnMethods::server = nullptr;
+
+TEST_F(AddOnMethods, ArgumentsAndCookies) {
+  ULONG a = kUnset, b = kUnset;
+  const BString url(L"http://get.corva.example/status/200");
+  EXPECT_EQ(broker->BrokerLMOpenDownload(nullptr, &a), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMOpenDownload(url.Get(), nullptr), E_INVALIDARG);
+  EXPECT_EQ(a, kUnset);
+  for (const wchar_t* const bad : {L"http://get.corva.example/status/400", L"http://get.other.example/", L""}) {
+    const BString refused(bad);
+    a = kUnset;
+    EXPECT_EQ(broker->BrokerLMOpenDownload(refused.Get(), &a), E_FAIL) << ToUtf8(bad);
+    EXPECT_EQ(a, 0u);
+    EXPECT_EQ(broker->BrokerLMUpdateDownload(1, &a, &b), E_INVALIDARG) << "no cookie is left";
+  }
+
+  const ULONG cookie = Open("/status/200");
+  EXPECT_EQ(cookie, 4u) << "the three before took a number each";
+  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, nullptr, &b), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, &b), S_OK) << "still open";
+  EXPECT_EQ(a, 5u);
+  EXPECT_EQ(b, 5u);
+  EXPECT_EQ(Close(cookie, nullptr), 0u) << "abandoned";
+  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, &b), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, &a), E_INVALIDARG);
+  EXPECT_FALSE(testing_files::Exists(addon::ProductFile(L"DemoAddOn", L"")));
+
+  ULONG file = 0;
+  testing_files::MakeDirectories(testing_files::PlayerDirectory());
+  const BString path((testing_files::PlayerDirectory() + L"\\a.sol").c_str());
+  ASSERT_EQ(broker->BrokerCreateFile(path.Get(), 0, 1, &file), S_OK);
+  EXPECT_EQ(broker->BrokerLMUpdateDownload(file, &a, &b), E_INVALIDARG) << "a file is no download";
+  EXPECT_EQ(broker->BrokerLMCloseDownload(file, nullptr, &a), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerCloseHandle(file), S_OK);
+
+  EXPECT_EQ(broker->BrokerLMLaunch(nullptr, nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMIsRunning(nullptr), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMGetVersion(nullptr, &a, &b), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), nullptr, &b), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &a, nullptr), E_INVALIDARG);
+}
+
+TEST_F(AddOnMethods, AProductsLife) {
+  ULONG high = kUnset, low = kUnset;
+  const BString parameters(L"--say \"hello there\"");
+  EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), parameters.Get()), E_FAIL) << "not there";
+  EXPECT_EQ(Store("/files/DemoAddOn.package", L"DemoAddOn"), 0u);
+  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &high, &low), E_FAIL) << "no digest yet";
+  EXPECT_EQ(high, kUnset);
+  EXPECT_EQ(Store("/files/digest.s", L"DIGEST#DemoAddOn"), 0u);
+  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &high, &low), S_OK);
+  EXPECT_EQ(high, 0x00030001u);
+  EXPECT_EQ(low, 0x0004009Fu);
+
+  EXPECT_EQ(broker->BrokerLMIsRunning(name.Get()), S_FALSE);
+  EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), parameters.Get()), S_OK);
+  EXPECT_EQ(broker->BrokerLMIsRunning(name.Get()), S_OK);
+  EXPECT_EQ(testing_files::ReadWhole(addon::ProductFile(L"DemoAddOn", L"seen.txt")), "--say \"hello there\"");
+  demo_addon::Stop();
+  EXPECT_EQ(broker->BrokerLMIsRunning(name.Get()), S_FALSE);
+
+  host.downloadSettings = MString(L"");
+  EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), nullptr), E_FAIL) << "the host is asked each time";
+  const ComPtr<ILumenBroker6> hostless = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
+  EXPECT_EQ(hostless->BrokerLMGetVersion(name.Get(), &high, &low), E_FAIL);
+}
+
+TEST_F(AddOnMethods, ResultsOfStoring) {
+  EXPECT_EQ(Store("/files/DemoAddOn.package", L"Demo.AddOn"), 3u);
+  EXPECT_EQ(Store("/files/DemoAddOn.package", L"DIGEST#Demo.AddOn"), 6u);
+  EXPECT_EQ(Store("/files/digest.s", L"DemoAddOn"), 6u) << "no package";
+  EXPECT_EQ(Close(Open("/files/DemoAddOn.package"), L"DemoAddOn"), 6u) << "closed before it was read";
+  EXPECT_EQ(Store("/claims/0/0", L"DemoAddOn"), 6u);
+  EXPECT_EQ(Store("/files/digest.s", L"DIGEST#Nowhere"), 3u);
+  EXPECT_FALSE(testing_files::Exists(addon::ProductFile(L"DemoAddOn", L"DemoAddOn.exe")));
+}
+
+int g_closed = 0;
+BOOL WINAPI CountClosed(void* handle) {
+  ++g_closed;
+  static auto* const close = reinterpret_cast<BOOL(WINAPI*)(void*)>(
+      reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"wininet.dll"), "InternetCloseHandle")));
+  return close(handle);
+}
+
+TEST_F(AddOnMethods, AnObjectsEndEndsItsDownloads) {
+  const ImportHook hook(GetModuleHandleW(nullptr), "InternetCloseHandle", CountClosed);
+  g_closed = 0;
+  EXPECT_EQ(Open("/claims/100000/100000"), 1u);
+  EXPECT_EQ(Open("/slow/10"), 2u);
+  broker.Reset();
+  EXPECT_EQ(g_closed, 6);
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+// The demonstration add-on as a running process.
+#pragma once
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <tlhelp32.h>
+
+#include "engine/Handles.h"
+
+namespace demo_addon {
+
+constexpr DWORD kPatience = 30000;
+
+[[nodiscard]] inline KernelHandle Find() {
+  const KernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  PROCESSENTRY32W entry = {};
+  entry.dwSize = sizeof(entry);
+  for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more; more = Process32NextW(snapshot.Get(), &entry)) {
+    if (lstrcmpiW(entry.szExeFile, L"DemoAddOn.exe") != 0) continue;
+    return KernelHandle(OpenProcess(SYNCHRONIZE, FALSE, entry.th32ProcessID));
+  }
+  return {};
+}
+
+// Ends it, if it runs, and waits until it is gone.
+inline void Stop() {
+  const KernelHandle process = Find();
+  const KernelHandle stop(CreateEventA(nullptr, TRUE, FALSE, "LumenDemoAddOnStop"));
+  SetEvent(stop.Get());
+  if (process) EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+}
+
+// Stops it before and after a test.
+struct Stopped {
+  Stopped() { Stop(); }
+  Stopped(const Stopped&) = delete;
+  Stopped& operator=(const Stopped&) = delete;
+  ~Stopped() { Stop(); }
+};
+
+}  // namespace demo_addon
