@@ -63,6 +63,7 @@ struct Command {
 [[nodiscard]] std::span<const Command> PrintCommands();
 [[nodiscard]] std::span<const Command> ServiceCommands();
 [[nodiscard]] std::span<const Command> DialogCommands();
+[[nodiscard]] std::span<const Command> AddOnCommands();
 
 // All commands, family by family.
 [[nodiscard]] std::vector<const Command*> AllCommands();

@@ -84,6 +84,7 @@ void ShowOutcome(const Command& command, const Arguments& arguments, const Outco
   if (outcome.code == ExitCode::Refused) {
     for (const std::string& word : arguments.Positional()) text += " " + word;
     text += ": " + DescribeResult(outcome.result);
+    if (!outcome.message.empty()) text += "\n" + outcome.message;
   } else {
     text += ": " + outcome.message;
   }
@@ -193,8 +194,8 @@ ExitCode RunAccount(const std::vector<std::string>& words) {
 
 std::vector<const Command*> AllCommands() {
   std::vector<const Command*> all;
-  for (const auto family :
-       {FileCommands(), DirectoryCommands(), DialogCommands(), LcdCommands(), PrintCommands(), ServiceCommands()}) {
+  for (const auto family : {FileCommands(), DirectoryCommands(), DialogCommands(), LcdCommands(), PrintCommands(),
+                            ServiceCommands(), AddOnCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

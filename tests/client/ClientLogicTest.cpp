@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "client/Account.h"
+#include "client/AddOnTexts.h"
 #include "client/Arguments.h"
 #include "client/HresultNames.h"
 #include "client/Json.h"
@@ -49,6 +52,38 @@ TEST(Account, LinesAndWhatIsWrongWithThem) {
   for (const char* const wrong : {"S_OK no command ::", "S_OK none", "NOPE x :: y", "S_OK x :: \"open", "== "}) {
     EXPECT_NE(ParseAccount(wrong).error, "") << wrong;
   }
+}
+
+TEST(AddOnTexts, ProgressFromNothingToAll) {
+  const struct {
+    uint32_t done;
+    uint32_t total;
+    const char* line;
+  } rows[] = {
+      {0, 2000, "package  [------------------------]   0%  0 bytes of 2.0 KiB"},
+      {1000, 2000, "package  [############------------]  50%  1000 bytes of 2.0 KiB"},
+      {2000, 2000, "package  [########################] 100%  2.0 KiB of 2.0 KiB"},
+      {0, 0, "package  [########################] 100%  0 bytes of 0 bytes"},
+      {0xFFFFFFFE, 0xFFFFFFFF, "package  [#######################-]  99%  4096.0 MiB of 4096.0 MiB"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(ProgressLine("package", row.done, row.total), row.line);
+}
+
+TEST(AddOnTexts, ArgumentsAndResults) {
+  EXPECT_EQ(CheckProductName("Demo7"), "");
+  for (const char* const wrong : {"", "a.b", "a-b", "12345678901234567890123456789012"}) {
+    EXPECT_NE(CheckProductName(wrong), "") << wrong;
+  }
+  EXPECT_EQ(CheckDownloadUrl("https://x"), "");
+  for (const char* const wrong : {"", "ftp://x", "get.corva.example/x"})
+    EXPECT_NE(CheckDownloadUrl(wrong), "") << wrong;
+  EXPECT_EQ(DigestUrlBeside("http://h/a/b.package?c=/d"), "http://h/a/digest.s");
+  EXPECT_EQ(DigestUrlBeside("http://h/b"), "http://h/digest.s");
+  EXPECT_EQ(VersionText(0x00030001, 0x0004009F), "3.1.4.159");
+  EXPECT_EQ(VersionText(UINT32_MAX, 0), "65535.65535.0.0");
+  std::set<std::string_view> texts;
+  for (const uint32_t code : {0u, 3u, 4u, 5u, 6u, 7u}) texts.insert(DescribeStoreResult(code));
+  EXPECT_EQ(texts.size(), 6u);
 }
 
 TEST(Json, ObjectsAreOneLineWhateverTheirTextHolds) {

@@ -17,13 +17,13 @@ class Downloads : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     // Before anything asks for it: a process keeps the trusted authorities that it first saw.
-    root = new TrustedRoot(addon::MessageText("tls-authority.der"));
+    AddTrustedRoot(addon::MessageText("tls-authority.der"));
     server = new WebServer(addon::Folder(L"server"));
     ASSERT_TRUE(server->IsRunning());
   }
   static void TearDownTestSuite() {
     delete server;
-    delete root;
+    RemoveTrustedRoot(addon::MessageText("tls-authority.der"));
   }
 
   // Opens and pumps to the end, or until a read brings nothing; the bytes received, or nothing when a step failed.
@@ -38,10 +38,8 @@ class Downloads : public testing::Test {
     return download.Received();
   }
 
-  static TrustedRoot* root;
   static WebServer* server;
 };
-TrustedRoot* Downloads::root = nullptr;
 WebServer* Downloads::server = nullptr;
 
 TEST_F(Downloads, AnswersGoodAndBad) {

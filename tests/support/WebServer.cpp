@@ -101,21 +101,21 @@ void WebServer::UseAsProxy(const std::string& port) {
                  static_cast<DWORD>(servers.size() + 1));
 }
 
-TrustedRoot::TrustedRoot(const std::string& der) {
-  certificate_ = CertCreateCertificateContext(X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()),
-                                              static_cast<DWORD>(der.size()));
+void AddTrustedRoot(const std::string& der) {
   const HCERTSTORE store = OpenRoots();
-  EXPECT_TRUE(CertAddCertificateContextToStore(store, static_cast<PCCERT_CONTEXT>(certificate_),
-                                               CERT_STORE_ADD_REPLACE_EXISTING, nullptr));
+  EXPECT_TRUE(CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()),
+                                               static_cast<DWORD>(der.size()), CERT_STORE_ADD_REPLACE_EXISTING,
+                                               nullptr));
   CertCloseStore(store, 0);  // no certificate of the store is held, or it would not be written before that is freed
 }
 
-TrustedRoot::~TrustedRoot() {
+void RemoveTrustedRoot(const std::string& der) {
   const HCERTSTORE store = OpenRoots();
-  PCCERT_CONTEXT stored =
-      CertFindCertificateInStore(store, X509_ASN_ENCODING, 0, CERT_FIND_EXISTING, certificate_, nullptr);
-  EXPECT_NE(stored, nullptr);
+  const PCCERT_CONTEXT certificate = CertCreateCertificateContext(
+      X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()), static_cast<DWORD>(der.size()));
+  const PCCERT_CONTEXT stored =
+      CertFindCertificateInStore(store, X509_ASN_ENCODING, 0, CERT_FIND_EXISTING, certificate, nullptr);
   if (stored != nullptr) CertDeleteCertificateFromStore(stored);  // frees it too
+  CertFreeCertificateContext(certificate);
   CertCloseStore(store, 0);
-  CertFreeCertificateContext(static_cast<PCCERT_CONTEXT>(certificate_));
 }

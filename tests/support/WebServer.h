@@ -31,14 +31,7 @@ class WebServer {
   SOCKET lifeline_ = INVALID_SOCKET;
 };
 
-// A certificate that this user's root store holds for a scope.
-class TrustedRoot {
- public:
-  explicit TrustedRoot(const std::string& der);
-  TrustedRoot(const TrustedRoot&) = delete;
-  TrustedRoot& operator=(const TrustedRoot&) = delete;
-  ~TrustedRoot();
-
- private:
-  const void* certificate_ = nullptr;
-};
+// Puts a certificate (DER) into this user's root store, and takes it out again. A process sees the store as it first
+// met it, so the one that is to trust must not have asked before.
+void AddTrustedRoot(const std::string& der);
+void RemoveTrustedRoot(const std::string& der);
