@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #include "ui/toolkit/GdiSupport.h"
-#include "ui/toolkit/LocaleLayout.h"
+#include "ui/toolkit/LocaleFont.h"
 #include "ui/toolkit/MTextArea.h"
 #include "ui/toolkit/MWindow.h"
 

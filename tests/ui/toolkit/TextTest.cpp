@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/ui/toolkit/GridCanvas.h"
-#include "ui/toolkit/LocaleLayout.h"
+#include "ui/toolkit/LocaleFont.h"
 #include "ui/toolkit/MHTMLLink.h"
 #include "ui/toolkit/MTextArea.h"
 #include "ui/toolkit/RegionWalk.h"
@@ -275,27 +275,16 @@ TEST(TextArea, WithoutABitmapNothingIsTouched) {
   EXPECT_EQ(area.Render(), 1);
 }
 
-TEST(LocaleLayout, FacesAndOffsetsFollowTheLocaleExactly) {
-  struct Row {
+TEST(LocaleFont, FollowsTheLocaleExactly) {
+  const struct {
     uint32_t locale;
     const char* face;
-    int32_t height, splash, autoUpdate, restart, choice;
-    std::array<int32_t, 3> labels;
-  };
-  constexpr Row kRows[] = {
-      {1028, "Mingliu", 13, 3, 3, 1, 3, {1, 1, 1}}, {1041, "Mincho", 14, 3, 3, 1, 3, {0, 1, 0}},
-      {1042, "Arial", 16, 0, 3, 1, 0, {0, 0, 0}},   {2052, "SimSun", 13, 3, 3, 1, 3, {1, 1, 1}},
-      {1033, "Arial", 16, 0, 0, 0, 0, {0, 0, 0}},   {3076, "Arial", 16, 0, 0, 0, 0, {0, 0, 0}},
-  };
-  for (const Row& row : kRows) {
+    int32_t height;
+  } rows[] = {{1028, "Mingliu", 13}, {1041, "Mincho", 14}, {2052, "SimSun", 13},
+              {1042, "Arial", 16},   {1033, "Arial", 16},  {3076, "Arial", 16}};
+  for (const auto& row : rows) {
     EXPECT_STREQ(ChooseFont(row.locale, 16).face, row.face) << row.locale;
     EXPECT_EQ(ChooseFont(row.locale, 16).height, row.height) << row.locale;
-    const LocaleOffsets& offsets = OffsetsOf(row.locale);
-    EXPECT_EQ(offsets.splash, row.splash) << row.locale;
-    EXPECT_EQ(offsets.autoUpdate, row.autoUpdate) << row.locale;
-    EXPECT_EQ(offsets.restartNote, row.restart) << row.locale;
-    EXPECT_EQ(offsets.updateChoice, row.choice) << row.locale;
-    EXPECT_EQ(offsets.updateChoiceLabels, row.labels) << row.locale;
   }
 }
 

@@ -1,0 +1,303 @@
+// What a screen reader is told: the proxies of real regions, reached as a reader reaches them, and after their region.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <oleacc.h>
+
+#include <optional>
+
+#include "engine/ComSupport.h"
+#include "engine/DllHelpers.h"
+#include "tests/support/RecordingHost.h"
+#include "tests/support/TestDesktop.h"
+#include "tests/ui/toolkit/WindowDriver.h"
+#include "ui/toolkit/AccProxy.h"
+#include "ui/toolkit/MAccProxyObject.h"
+#include "ui/toolkit/MHTMLLink.h"
+#include "ui/toolkit/MTextArea.h"
+#include "ui/toolkit/MWindow.h"
+#include "ui/toolkit/MorphUI.h"
+#include "ui/toolkit/Widgets.h"
+
+namespace {
+
+class PlainWindow final : public MWindow {
+ public:
+  explicit PlainWindow(MorphUI* ui) : MWindow(ui) {
+    ui->window = this;
+    rect = {0, 0, 300, 200};
+    ApplyRect(false, false);
+    Show(true);
+  }
+  bool HandleEvent(uint32_t, uint32_t, int64_t) override { return true; }
+  void SetFocusRegion(MRegion* region, bool showRing) override { PlaceFocus(region, showRing, nullptr); }
+};
+
+VARIANT Child(LONG id, VARTYPE type = VT_I4) {
+  VARIANT child = {};
+  child.vt = type;
+  child.lVal = id;
+  return child;
+}
+const VARIANT kSelf = Child(CHILDID_SELF);
+
+// The platform's way: it sends WM_GETOBJECT to the window and unpacks the answer.
+ComPtr<IAccessible> ObjectOf(HWND window) {
+  static BoundFunction<decltype(::AccessibleObjectFromWindow)> find(L"oleacc.dll", "AccessibleObjectFromWindow");
+  ComPtr<IAccessible> object;
+  const HRESULT found = find.Get()(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                   reinterpret_cast<void**>(object.GetAddressOf()));
+  EXPECT_EQ(found, S_OK);
+  return object;
+}
+
+std::optional<std::string> NameOf(IAccessible& object) {
+  BString name;
+  EXPECT_EQ(object.get_accName(kSelf, name.Receive()), S_OK);
+  if (name.Get() == nullptr) return std::nullopt;
+  return ToUtf8(name.View());
+}
+LONG RoleOf(IAccessible& object, LONG child = CHILDID_SELF) {
+  VARIANT role = {};
+  EXPECT_EQ(object.get_accRole(Child(child), &role), S_OK);
+  EXPECT_EQ(role.vt, VT_I4);
+  return role.lVal;
+}
+LONG StateOf(IAccessible& object, LONG before = 0) {
+  VARIANT state = {};
+  state.lVal = before;
+  EXPECT_EQ(object.get_accState(Child(7), &state), S_OK) << "asked for any child";
+  EXPECT_EQ(state.vt, VT_I4);
+  return state.lVal;
+}
+
+class Accessibility : public testing::Test {
+ protected:
+  template <class Region>
+  Region* Place(std::unique_ptr<Region> region, const Rect& at, int32_t id = 0) {
+    region->bounds = at;
+    region->controlId = id;
+    window.Attach(region.get());
+    regions.push_back(std::move(region));
+    return static_cast<Region*>(regions.back().get());
+  }
+
+  ComInitializer com;
+  RecordingHost host;
+  MorphUI ui{&host, nullptr};
+  PlainWindow window{&ui};
+  MRadioGroup group;
+  std::vector<std::unique_ptr<MRegion>> regions;
+};
+
+TEST_F(Accessibility, EachControlHasItsNameRoleStateAndPlace) {
+  auto* const button = Place(MakeButton(&window, ImageRef(), MString(L"INSTALL")), Rect::Of(10, 20, 140, 33), 100);
+  auto* const box = Place(MakeCheckbox(&window, ImageRef(), true), Rect::Of(10, 70, 15, 15), 200);
+  box->label = MString(L"I agree \x00AE");
+  auto* const clear = Place(MakeCheckbox(&window, ImageRef(), false), Rect::Of(40, 70, 15, 15), 201);
+  auto* const radio = Place(MakeRadio(&window, ImageRef(), true, 0, &group), Rect::Of(10, 100, 15, 15), 300);
+  auto* const text = Place(std::make_unique<MTextArea>(&window, 16, true, false), Rect::Of(10, 130, 200, 40));
+  ASSERT_EQ(text->nativeWindow, nullptr);
+  text->Detach();
+  text->drawFlags |= kNativeChild;
+  text->SetText(MString(L"Read <strong>this</strong>"));
+  window.Attach(text);
+  text->Layout();
+  const struct {
+    MRegion* region;
+    std::optional<std::string> name;
+    LONG role, state;
+  } rows[] = {
+      {button, "INSTALL", ROLE_SYSTEM_PUSHBUTTON, 1048576},
+      {box, "I agree \xC2\xAE", ROLE_SYSTEM_CHECKBUTTON, 1048576 + 16},
+      {clear, std::nullopt, ROLE_SYSTEM_CHECKBUTTON, 1048576},
+      {radio, std::nullopt, ROLE_SYSTEM_RADIOBUTTON, 1048576 + 16},
+      {text, "Read <strong>this</strong>", ROLE_SYSTEM_STATICTEXT, STATE_SYSTEM_READONLY},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.role);
+    ASSERT_NE(row.region->nativeWindow, nullptr);
+    const ComPtr<IAccessible> object = ObjectOf(row.region->nativeWindow);
+    ASSERT_NE(object.Get(), nullptr);
+    EXPECT_EQ(NameOf(*object.Get()), row.name);
+    EXPECT_EQ(RoleOf(*object.Get()), row.role);
+    EXPECT_EQ(RoleOf(*object.Get(), 9), row.role);
+    EXPECT_EQ(StateOf(*object.Get()), row.state);
+    EXPECT_EQ(StateOf(*object.Get(), 0x8000), row.state | 0x8000) << "added to what is there";
+    LONG left = 0, top = 0, width = 0, height = 0;
+    ASSERT_EQ(object->accLocation(&left, &top, &width, &height, kSelf), S_OK);
+    POINT corner = {row.region->bounds.left, row.region->bounds.top};
+    ClientToScreen(window.handle, &corner);
+    EXPECT_EQ(left, corner.x);
+    EXPECT_EQ(top, corner.y);
+    EXPECT_EQ(width, row.region->bounds.Width());
+    EXPECT_EQ(height, row.region->bounds.Height());
+    RECT native = {};
+    GetWindowRect(row.region->nativeWindow, &native);
+    EXPECT_EQ(native.left, left);
+  }
+}
+
+TEST_F(Accessibility, FocusAndCheckAreSeenAsTheyChange) {
+  SetForegroundWindow(window.handle);
+  auto* const box = Place(MakeCheckbox(&window, ImageRef(), false), Rect::Of(10, 70, 15, 15), 200);
+  const ComPtr<IAccessible> object = ObjectOf(box->nativeWindow);
+  EXPECT_EQ(StateOf(*object.Get()), 1048576);
+  window.SetFocusRegion(box, true);
+  box->checked = true;
+  EXPECT_EQ(StateOf(*object.Get()), 1048596);
+  window.SetFocusRegion(nullptr, false);
+  EXPECT_EQ(StateOf(*object.Get()), 1048592);
+}
+
+TEST_F(Accessibility, APlaceWithinParentsIsAddedUp) {
+  auto* const outer = Place(std::make_unique<MSkinnedSection>(), Rect::Of(30, 40, 200, 100));
+  auto box = MakeCheckbox(&window, ImageRef(), false);
+  box->bounds = Rect::Of(5, 6, 15, 15);
+  outer->Attach(box.get());
+  LONG left = 0, top = 0, width = 0, height = 0;
+  ASSERT_EQ(ObjectOf(box->nativeWindow)->accLocation(&left, &top, &width, &height, kSelf), S_OK);
+  POINT corner = {35, 46};
+  ClientToScreen(window.handle, &corner);
+  EXPECT_EQ(left, corner.x);
+  EXPECT_EQ(top, corner.y);
+}
+
+// The answers of every other method, with the region and without. A name of a row is the method's.
+struct MethodRow {
+  const char* name;
+  HRESULT (*call)(IAccessible&, VARIANT child, bool nullOut);
+  HRESULT self, otherChild, nullOut, afterwards;
+};
+
+template <HRESULT (STDMETHODCALLTYPE IAccessible::*kMethod)(VARIANT, BSTR*)>
+HRESULT Text(IAccessible& object, VARIANT child, bool nullOut) {
+  BString out;
+  return (object.*kMethod)(child, nullOut ? nullptr : out.Receive());
+}
+HRESULT Location(IAccessible& object, VARIANT child, bool nullOut) {
+  LONG out[4];
+  return object.accLocation(&out[0], &out[1], nullOut ? nullptr : &out[2], &out[3], child);
+}
+HRESULT ChildCount(IAccessible& object, VARIANT, bool nullOut) {
+  LONG count = 5;
+  const HRESULT result = object.get_accChildCount(nullOut ? nullptr : &count);
+  if (result == S_OK) EXPECT_EQ(count, 0);
+  return result;
+}
+HRESULT GetChild(IAccessible& object, VARIANT child, bool nullOut) {
+  ComPtr<IDispatch> out;
+  const HRESULT result = object.get_accChild(child, nullOut ? nullptr : out.GetAddressOf());
+  EXPECT_EQ(out.Get() != nullptr, result == S_OK);
+  if (result == S_OK) EXPECT_EQ(out.Get(), &object);
+  return result;
+}
+template <HRESULT (STDMETHODCALLTYPE IAccessible::*kMethod)(VARIANT, VARIANT*)>
+HRESULT Value(IAccessible& object, VARIANT child, bool nullOut) {
+  VARIANT out = {};
+  return (object.*kMethod)(child, nullOut ? nullptr : &out);
+}
+template <HRESULT (STDMETHODCALLTYPE IAccessible::*kMethod)(VARIANT*)>
+HRESULT Lone(IAccessible& object, VARIANT, bool nullOut) {
+  VARIANT out = Child(5);
+  const HRESULT result = (object.*kMethod)(nullOut ? nullptr : &out);
+  if (result == S_OK) EXPECT_EQ(out.vt, VT_EMPTY);
+  return result;
+}
+
+constexpr HRESULT kGone = CO_E_OBJNOTCONNECTED;
+const MethodRow kMethods[] = {
+    {"get_accName", &Text<&IAccessible::get_accName>, S_OK, E_INVALIDARG, E_INVALIDARG, kGone},
+    {"get_accValue", &Text<&IAccessible::get_accValue>, S_OK, E_INVALIDARG, E_INVALIDARG, kGone},
+    {"get_accDescription", &Text<&IAccessible::get_accDescription>, S_OK, E_INVALIDARG, E_INVALIDARG, kGone},
+    {"get_accKeyboardShortcut", &Text<&IAccessible::get_accKeyboardShortcut>, S_OK, E_INVALIDARG, E_INVALIDARG, kGone},
+    {"get_accDefaultAction", &Text<&IAccessible::get_accDefaultAction>, S_OK, E_INVALIDARG, E_INVALIDARG, kGone},
+    {"get_accHelp", &Text<&IAccessible::get_accHelp>, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL},
+    {"accLocation", &Location, S_OK, E_INVALIDARG, E_INVALIDARG, kGone},
+    {"get_accChildCount", &ChildCount, S_OK, S_OK, E_INVALIDARG, kGone},
+    {"get_accChild", &GetChild, S_OK, S_FALSE, E_INVALIDARG, kGone},
+    {"get_accRole", &Value<&IAccessible::get_accRole>, S_OK, S_OK, E_INVALIDARG, kGone},
+    {"get_accState", &Value<&IAccessible::get_accState>, S_OK, S_OK, E_INVALIDARG, kGone},
+    {"get_accSelection", &Lone<&IAccessible::get_accSelection>, S_OK, S_OK, E_INVALIDARG, kGone},
+    {"get_accFocus", &Lone<&IAccessible::get_accFocus>, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL},
+    {"get_accParent", [](IAccessible& o, VARIANT, bool) { return o.get_accParent(nullptr); }, S_OK, S_OK, S_OK, S_OK},
+    {"accHitTest", [](IAccessible& o, VARIANT, bool) { return o.accHitTest(1, 1, nullptr); }, S_FALSE, S_FALSE, S_FALSE,
+     S_FALSE},
+    {"accSelect", [](IAccessible& o, VARIANT c, bool) { return o.accSelect(1, c); }, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL,
+     E_NOTIMPL},
+    {"accNavigate", [](IAccessible& o, VARIANT c, bool) { return o.accNavigate(1, c, nullptr); }, E_NOTIMPL, E_NOTIMPL,
+     E_NOTIMPL, E_NOTIMPL},
+    {"accDoDefaultAction", [](IAccessible& o, VARIANT c, bool) { return o.accDoDefaultAction(c); }, E_NOTIMPL,
+     E_NOTIMPL, E_NOTIMPL, E_NOTIMPL},
+    {"get_accHelpTopic", [](IAccessible& o, VARIANT c, bool) { return o.get_accHelpTopic(nullptr, c, nullptr); },
+     E_NOTIMPL, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL},
+    {"put_accName", [](IAccessible& o, VARIANT c, bool) { return o.put_accName(c, nullptr); }, E_NOTIMPL, E_NOTIMPL,
+     E_NOTIMPL, E_NOTIMPL},
+    {"put_accValue", [](IAccessible& o, VARIANT c, bool) { return o.put_accValue(c, nullptr); }, E_NOTIMPL, E_NOTIMPL,
+     E_NOTIMPL, E_NOTIMPL},
+    {"GetTypeInfoCount", [](IAccessible& o, VARIANT, bool) { return o.GetTypeInfoCount(nullptr); }, E_NOTIMPL,
+     E_NOTIMPL, E_NOTIMPL, E_NOTIMPL},
+    {"Invoke",
+     [](IAccessible& o, VARIANT, bool) { return o.Invoke(0, IID_NULL, 0, 0, nullptr, nullptr, nullptr, nullptr); },
+     E_NOTIMPL, E_NOTIMPL, E_NOTIMPL, E_NOTIMPL},
+};
+
+TEST_F(Accessibility, EveryMethodAnswersAsDocumentedWithItsRegionAndWithout) {
+  auto box = MakeCheckbox(&window, ImageRef(), false);
+  box->label = MString(L"box");
+  window.Attach(box.get());
+  const ComPtr<IAccessible> object = ObjectOf(box->nativeWindow);
+  for (const MethodRow& row : kMethods) {
+    EXPECT_EQ(row.call(*object.Get(), kSelf, false), row.self) << row.name;
+    EXPECT_EQ(row.call(*object.Get(), Child(1), false), row.otherChild) << row.name;
+    EXPECT_EQ(row.call(*object.Get(), Child(0, VT_I2), false), row.otherChild)
+        << row.name << ", a child of another type";
+    EXPECT_EQ(row.call(*object.Get(), kSelf, true), row.nullOut) << row.name;
+  }
+  box.reset();
+  for (const MethodRow& row : kMethods) {
+    EXPECT_EQ(row.call(*object.Get(), kSelf, false), row.afterwards) << row.name << " after the region";
+  }
+  object->AddRef();
+  EXPECT_EQ(object->Release(), 1u);
+}
+
+TEST_F(Accessibility, AnswersForItsThreeInterfacesOnly) {
+  auto* const box = Place(MakeCheckbox(&window, ImageRef(), false), Rect::Of(0, 0, 15, 15));
+  const ComPtr<IAccessible> object = ObjectOf(box->nativeWindow);
+  for (const IID& id : {IID_IAccessible, IID_IDispatch, IID_IUnknown}) {
+    ComPtr<IUnknown> same;
+    EXPECT_EQ(object->QueryInterface(id, reinterpret_cast<void**>(same.GetAddressOf())), S_OK);
+    EXPECT_EQ(same.Get(), object.Get());
+  }
+  void* none = object.Get();
+  EXPECT_EQ(object->QueryInterface(IID_IPersist, &none), E_NOINTERFACE);
+  EXPECT_EQ(none, nullptr);
+}
+
+TEST_F(Accessibility, ARegionAloneKeepsItsProxyAndAClientKeepsItLonger) {
+  MSkinnedSection region;
+  AccProxyOwner owner = MakeAccProxy(&region);
+  MAccProxyObject* const proxy = owner.get();
+  EXPECT_EQ(proxy->AddRef(), 2u);
+  EXPECT_EQ(proxy->Release(), 1u);
+  EXPECT_EQ(proxy->Release(), 0u) << "one too many by a client: while the region lives the object stays";
+  EXPECT_EQ(proxy->AddRef(), 1u);
+  const ComPtr<IAccessible> client(proxy);
+  owner.reset();
+  EXPECT_EQ(client->AddRef(), 2u);
+  EXPECT_EQ(client->Release(), 1u);
+}
+
+TEST_F(Accessibility, ADetachedRegionsWindowIsGoneAndItsProxyStillAnswers) {
+  auto* const box = Place(MakeCheckbox(&window, ImageRef(), true), Rect::Of(1, 2, 15, 15), 200);
+  const ComPtr<IAccessible> object = ObjectOf(box->nativeWindow);
+  box->Detach();
+  EXPECT_EQ(StateOf(*object.Get()), 1048592);
+  EXPECT_EQ(Location(*object.Get(), kSelf, false), S_OK);
+  window.Attach(box);
+  EXPECT_NE(ObjectOf(box->nativeWindow).Get(), object.Get()) << "attached anew, it has a proxy of its own";
+  EXPECT_EQ(StateOf(*ObjectOf(box->nativeWindow).Get()), 1048592);
+}
+
+}  // namespace
