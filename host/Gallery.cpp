@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int32_t kWidth = 790, kHeight = 690, kBarHeight = 67;
+constexpr int32_t kWidth = 880, kHeight = 690, kBarHeight = 67;
 constexpr uint32_t kBackground = RGB(50, 51, 51);
 constexpr int32_t kThirdImage = 162;
 constexpr uint32_t kCloseId = 100, kMoreId = 101, kFirstLiveId = 200, kBoxId = 300, kFirstRadioId = 310;
@@ -58,11 +58,11 @@ struct PictureRow {
 constexpr PictureRow kPictures[] = {
     {Sheet::Skin, {34, 0, 47, 71}, Rect::Of(20, 1, 47, 71)},  // logo
     {Sheet::Banner, {0, 0, 400, 130}, Rect::Of(97, 12, 400, 130)},
-    {Sheet::Third, {0, 0, 72, 44}, Rect::Of(520, 84, 72, 44)},
-    {Sheet::Skin, {39, 71, 42, 49}, Rect::Of(610, 80, 42, 49)},  // side image
-    {Sheet::Skin, {0, 110, 33, 30}, Rect::Of(670, 90, 33, 30)},  // warning
-    {Sheet::Skin, {5, 30, 13, 13}, Rect::Of(720, 92, 13, 13)},   // restart
-    {Sheet::Skin, {20, 30, 13, 13}, Rect::Of(745, 92, 13, 13)},  // conflict
+    {Sheet::Third, {0, 0, 72, 44}, Rect::Of(540, 84, 72, 44)},
+    {Sheet::Skin, {39, 71, 42, 49}, Rect::Of(640, 80, 42, 49)},  // side image
+    {Sheet::Skin, {0, 110, 33, 30}, Rect::Of(712, 90, 33, 30)},  // warning
+    {Sheet::Skin, {5, 30, 13, 13}, Rect::Of(775, 99, 13, 13)},   // restart
+    {Sheet::Skin, {20, 30, 13, 13}, Rect::Of(815, 99, 13, 13)},  // conflict
 };
 
 struct TextRow {
@@ -75,13 +75,13 @@ struct TextRow {
 };
 constexpr uint32_t kRight = 2, kEllipsis = 262144;
 constexpr TextRow kTexts[] = {
-    {kUpdateAvailable, 18, false, true, 0, 255, Rect::Of(520, 12, 260, 46)},
-    {kUpdates, 13, false, false, 0, 128, Rect::Of(97, 538, 320, 70)},
-    {kLicense, 16, true, false, kEllipsis, 255, Rect::Of(117, 308, 290, 20)},
-    {kChooseMethod, 16, false, true, 0, 255, Rect::Of(97, 340, 300, 22)},
-    {kBrowserTip, 15, true, false, 0, 255, Rect::Of(440, 286, 330, 150)},
-    {kInstalling, 16, false, false, 0, 255, Rect::Of(97, 452, 240, 20)},
-    {kRemove, 14, false, false, 0, 255, Rect::Of(440, 538, 330, 60)},
+    {kUpdateAvailable, 18, false, true, 0, 255, Rect::Of(540, 16, 320, 46)},
+    {kLicense, 16, true, false, kEllipsis, 255, Rect::Of(117, 310, 380, 20)},
+    {kChooseMethod, 16, false, true, 0, 255, Rect::Of(97, 340, 400, 22)},
+    {kBrowserTip, 15, true, false, 0, 255, Rect::Of(540, 290, 320, 160)},
+    {kInstalling, 16, false, false, 0, 255, Rect::Of(97, 484, 330, 20)},
+    {kUpdates, 13, false, false, 0, 128, Rect::Of(97, 558, 400, 60)},
+    {kRemove, 14, false, false, 0, 255, Rect::Of(540, 558, 320, 60)},
 };
 
 struct FrozenButtonRow {
@@ -209,9 +209,9 @@ void GalleryWindow::AddFrozenControls() {
     if (row.look == &MButton::disabledData) button->labelText->alpha = 128;
     button->labelText->Layout();
     Freeze(*button, (button->*row.look).get());
-    left += 165;
+    left += 181;
   }
-  left = 440;
+  left = 540;
   for (const bool round : {false, true}) {
     for (const bool checked : {false, true}) {
       for (const bool hover : {false, true}) {
@@ -222,11 +222,11 @@ void GalleryWindow::AddFrozenControls() {
           mark = MakeCheckbox(this, skin.Ref(), false);
         }
         mark->drawFlags &= static_cast<uint8_t>(~kNativeChild);
-        MCheckboxButton* const shown = Add(std::move(mark), Rect::Of(left, 256, 15, 15), content);
+        MCheckboxButton* const shown = Add(std::move(mark), Rect::Of(left, 258, 15, 15), content);
         shown->checked = checked;
         shown->ShowLook(hover ? Look::Hover : Look::Normal);
         shown->handler = nullptr;
-        left += 38;
+        left += 42;
       }
     }
   }
@@ -234,26 +234,26 @@ void GalleryWindow::AddFrozenControls() {
 
 void GalleryWindow::AddLiveButtons() {
   AddButton(kInstall, kFirstLiveId, Rect::Of(97, 204, 140, 33), content);
-  AddButton(kDownload, kFirstLiveId + 1, Rect::Of(262, 204, 140, 33), content);
-  AddButton(kRemindLater, kFirstLiveId + 2, Rect::Of(427, 204, 200, 33), content);
+  AddButton(kDownload, kFirstLiveId + 1, Rect::Of(278, 204, 140, 33), content);
+  AddButton(kRemindLater, kFirstLiveId + 2, Rect::Of(459, 204, 200, 33), content);
 }
 
 void GalleryWindow::AddLiveMarks() {
-  accept = Add(MakeCheckbox(this, skin.Ref(), false), Rect::Of(97, 257, 15, 15), content);
+  accept = Add(MakeCheckbox(this, skin.Ref(), false), Rect::Of(97, 258, 15, 15), content);
   accept->controlId = kBoxId;
   accept->label = String(kAccept);
   MTextArea* const acceptText =
-      AddText(accept->label, {kAccept, 16, false, false, kEllipsis, 255, Rect::Of(117, 256, 300, 46)}, content);
+      AddText(accept->label, {kAccept, 16, false, false, kEllipsis, 255, Rect::Of(117, 257, 380, 46)}, content);
   ShareInput(*acceptText, *accept);
   int32_t index = 0;
   for (const uint32_t id : {kAllowUpdates, kNotifyOnly, kNeverCheck}) {
-    const int32_t top = 368 + 25 * index;
+    const int32_t top = 370 + 37 * index;
     MRadioButton* const radio =
         Add(MakeRadio(this, skin.Ref(), index == 0, index, &group), Rect::Of(97, top, 15, 15), content);
     radio->controlId = static_cast<int32_t>(kFirstRadioId) + index;
     radio->label = String(id);
     MTextArea* const text =
-        AddText(radio->label, {id, 16, false, false, 0, 255, Rect::Of(120, top - 1, 310, 20)}, content);
+        AddText(radio->label, {id, 16, false, false, 0, 255, Rect::Of(120, top - 1, 385, 36)}, content);
     ShareInput(*text, *radio);
     ++index;
   }
@@ -266,12 +266,12 @@ void GalleryWindow::AddBars() {
   for (const int32_t value : {40, 0, 1, 100}) {
     auto bar = std::make_unique<MProgressBar>(this, track, fill);
     bar->value = value;
-    const int32_t width = left == 97 ? 320 : 100;
-    MProgressBar* const added = Add(std::move(bar), Rect::Of(left, 478, width, 33), content);
+    const int32_t width = left == 97 ? 400 : 93;
+    MProgressBar* const added = Add(std::move(bar), Rect::Of(left, 508, width, 33), content);
     if (left == 97) movingBar = added;
-    left += left == 97 ? 343 : 115;
+    left += left == 97 ? 443 : 113;
   }
-  percent = AddText(MString(L"40 %"), {kNone, 14, false, false, kRight, 255, Rect::Of(357, 452, 60, 20)}, content);
+  percent = AddText(MString(L"40 %"), {kNone, 14, false, false, kRight, 255, Rect::Of(437, 484, 60, 20)}, content);
 }
 
 void GalleryWindow::AddBottomBar() {
