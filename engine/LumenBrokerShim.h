@@ -38,16 +38,25 @@ class LumenBrokerShim {
   virtual bool CheckInstallAllowed(uint32_t kinds, uint32_t* code, uint32_t mode) noexcept;
   // Windows 6.0 or later with the policy EnableLUA above 0.
   virtual bool IsUacEnabled() noexcept;
-  // Not in this build, false; likewise RemoveUpdateService to RemovePatternFiles.
+  // Takes back what made one kind known: the control's and broker's registration and their class keys, or the plug-in's
+  // entry; in every case also the Add/Remove entry and packages of earlier versions. False when some of the kind's own
+  // registration is left.
   virtual bool UninstallProduct(uint32_t kind, MString file, uint8_t removeSafeVersions) noexcept;
   // Makes one kind known to the system; its files are in place. False when the control could not be registered: then
   // neither the Add/Remove entry nor the inventory is written. Failures of those two are reported and do not count.
   virtual bool RegisterProduct(uint32_t kind, MString playerPath, MString uninstallerPath, MString ignored,
                                uint8_t writeUninstallEntry) noexcept;
+  // Removes the update service of a player that is no release player from `directory`. A failure is reported as 1100.
   virtual bool RemoveUpdateService(void* ignored, MString directory) noexcept;
+  // Takes an installed kind away: its registration, files, inventory, services and task. `directory` is the system
+  // directory with the applet and the settings manager. Every step runs and failures are reported; true when none was.
+  // Files in use are left to the next restart and do not count.
   virtual bool RemoveProductKind(uint32_t kind, MString directory, uint8_t removeSafeVersions,
                                  uint8_t removeService) noexcept;
+  // These delete the files that the settings name or give patterns of: in `directory`, and for the plug-in in the
+  // browsers' plug-in directories. With all three kinds RemovePatternFiles also deletes add-on products. True.
   virtual bool RemoveNamedFiles(uint32_t kinds, MString directory) noexcept;
+  // Deletes `path` in the way that the ending of `name` asks for: a control unregisters itself first. True.
   virtual bool RemoveOneFile(MString name, MString path) noexcept;
   virtual bool RemovePatternFiles(uint32_t kinds, MString directory) noexcept;
   // Asks the browser to read its elevation policies again. False when the platform has no such operation.
@@ -60,9 +69,10 @@ class LumenBrokerShim {
   virtual bool RegisterActiveXControl(MString path) noexcept;
   // Writes the NPAPI plug-in's entry; failures are reported. True.
   virtual bool RegisterPluginEntry(MString path) noexcept;
-  // Not in this build: false.
+  // Has the registered control unregister itself and deletes its class keys; with the flag also the list of safe
+  // versions. False when no control is registered.
   virtual bool UnregisterActiveXControl(uint8_t removeSafeVersions, MString ignored) noexcept;
-  // Reports that players are being stopped. True.
+  // Reports that players are being stopped, and gives administrators access to the control's class keys. True.
   virtual bool StopPlayers() noexcept;
   // Runs the broker server on the calling thread until its last client has gone; the result is an exit code.
   virtual uint32_t RunBroker() noexcept;
@@ -75,11 +85,13 @@ class LumenBrokerShim {
   virtual MStringList* GetPepperFilenamePatterns() noexcept;
   virtual MStringList* GetProductManagerPatterns() noexcept;
   virtual MStringList* GetProductManagerEntries() noexcept;
-  // Not in this build: false.
+  // Stores the shown names of what FindConflicts finds for the next run; false when there is nothing to store.
   virtual bool StoreConflicts(uint32_t value) noexcept;
   // True when conflicts were stored. Asking clears the store.
   virtual bool HasStoredConflicts() noexcept;
-  // Not in this build: null.
+  // The running programs that stand in the way of the kinds, as pairs of a key and the name to show; the caller deletes
+  // the list. Null when the processes cannot be listed. With the ActiveX kind it also ends the control's helper
+  // process.
   virtual MStringList* FindConflicts(uint32_t kinds) noexcept;
   virtual MStringList* GetExtraActiveXFiles() noexcept;
   virtual MStringList* GetExtraPluginFiles() noexcept;
@@ -96,7 +108,7 @@ class LumenBrokerShim {
   // Each fills `out` from a server's update text; false when the text lacks it.
   virtual bool ExtractMetaBlock(MString text, MString* out) noexcept;
   virtual bool ExtractUpdateVersion(MString text, MString* out) noexcept;
-  // Stores the name of a running browser for OpenUrl; true when one was found. Finds none in this build.
+  // Stores the name of a running browser for OpenUrl; true when one was found.
   virtual bool FindDefaultBrowser() noexcept;
   // Opens the first value of the setting "ExpressInstallURL"; false when there is none.
   virtual bool OpenExpressInstallUrl(HWND window) noexcept;

@@ -7,10 +7,8 @@
 #include "broker/BrokerServer.h"
 #include "engine/HostCallbacks.h"
 #include "engine/InstallEngine.h"
-#include "engine/ProductKeys.h"
 #include "engine/ProductKind.h"
 #include "engine/Registry.h"
-#include "engine/Reporting.h"
 #include "engine/SystemVersion.h"
 #include "install/BrowserRefresh.h"
 #include "install/FileProtection.h"
@@ -65,11 +63,6 @@ bool LumenBrokerShim::RegisterBrokerServer(MString path, uint32_t kind) noexcept
   WriteBrokerRegistration(path.Narrow().get(), true);
   ProtectFile(path, true);
   AskBrowsersToRefresh(host);
-  return true;
-}
-
-bool LumenBrokerShim::StopPlayers() noexcept {
-  Report(host, Severity::Information, ReportCode::PlayersStopping);
   return true;
 }
 
