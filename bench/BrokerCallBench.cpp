@@ -4,10 +4,10 @@
 
 #include <shlobj.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
+#include "bench/CallTiming.h"
 #include "tests/support/BrokerProcess.h"
 
 namespace {
@@ -38,27 +38,6 @@ class PlayerFile {
   WideString path;
   bool ready = false;
 };
-
-double Microseconds() {
-  LARGE_INTEGER now = {};
-  LARGE_INTEGER perSecond = {};
-  QueryPerformanceCounter(&now);
-  QueryPerformanceFrequency(&perSecond);
-  return static_cast<double>(now.QuadPart) * 1e6 / static_cast<double>(perSecond.QuadPart);
-}
-
-template <class Call>
-double Timed(Call call) {
-  const double start = Microseconds();
-  call();
-  return Microseconds() - start;
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
 
 // One whole block read, or false.
 bool ReadBlock(ILumenBroker6* broker, ULONG cookie) {
