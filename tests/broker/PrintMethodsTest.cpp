@@ -170,19 +170,21 @@ TEST_F(PrintMethods, CurveIsDrawnAndItsCountChecked) {
   EXPECT_EQ(canvas.At(32, 32), 0u) << "its middle";
 }
 
-TEST_F(PrintMethods, BitmapIsClippedToThePathAndTheStateComesBack) {
+TEST_F(PrintMethods, BitmapIsClippedToThePathAsWellAndTheStateComesBack) {
   // Two by one: red, green. Widths and heights stand third and fourth.
   const std::string pixels("\0\0\xFF\0\0\xFF\0\0", 8);
-  const std::string target = Rect(8, 8, 40, 20);
+  IntersectClipRect(canvas.Get(), 0, 0, 46, 64);
   Path(0, 0, 64, 18);
-  EXPECT_EQ(Fill(target, Rect(0, 0, 2, 1), pixels, Header(2, 1, 32, 44)), S_OK);
+  EXPECT_EQ(Fill(Rect(8, 8, 40, 20), Rect(0, 0, 2, 1), pixels, Header(2, 1, 32, 44)), S_OK);
   EXPECT_EQ(canvas.Count(0xFF0000), 20 * 10);
-  EXPECT_EQ(canvas.Count(0x00FF00), 20 * 10);
+  EXPECT_EQ(canvas.Count(0x00FF00), 18 * 10);
   EXPECT_EQ(canvas.At(8, 8), 0xFF0000u);
-  EXPECT_EQ(canvas.At(47, 17), 0x00FF00u);
-  EXPECT_EQ(canvas.At(47, 18), 0xFFFFFFu) << "outside the path";
+  EXPECT_EQ(canvas.At(45, 17), 0x00FF00u);
+  EXPECT_EQ(canvas.At(46, 17), 0xFFFFFFu) << "outside the client's own clip";
+  EXPECT_EQ(canvas.At(45, 18), 0xFFFFFFu) << "outside the path";
   RECT clip = {};
   GetClipBox(canvas.Get(), &clip);
+  EXPECT_EQ(clip.right, 46);
   EXPECT_EQ(clip.bottom, 64);
   EXPECT_EQ(SaveDC(canvas.Get()), 1) << "no state is left saved";
 }
