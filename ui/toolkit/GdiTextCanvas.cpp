@@ -46,7 +46,7 @@ class GdiTextCanvas final : public TextCanvas {
   [[nodiscard]] const Surface& Lend() const override { return surface; }
 
   TextFit Measure(WideView text, bool wantsBold, int32_t room, std::span<int32_t> extents) override {
-    SelectObject(surface.dc, wantsBold ? bold.Get() : normal.Get());
+    SelectFont(wantsBold ? bold.Get() : normal.Get());
     const size_t look = text.size() > 2 * kFirstLook ? kFirstLook : text.size();
     TextFit fit = MeasureAll(text.substr(0, look), room, extents);
     if (look < text.size() && static_cast<size_t>(fit.count) == look) fit = MeasureAll(text, room, extents);
@@ -67,6 +67,12 @@ class GdiTextCanvas final : public TextCanvas {
   void Flush() override { GdiFlush(); }
 
  private:
+  // Selecting what is selected already costs as much as measuring a line.
+  void SelectFont(HGDIOBJ font) {
+    if (font != selected) SelectObject(surface.dc, font);
+    selected = font;
+  }
+
   TextFit MeasureAll(WideView text, int32_t room, std::span<int32_t> extents) {
     INT count = 0;
     SIZE size = {};
@@ -82,6 +88,7 @@ class GdiTextCanvas final : public TextCanvas {
   GdiObject bold;
   BitmapDc dc;  // last, so that it ends before the fonts it may have selected
   Surface surface;
+  HGDIOBJ selected = nullptr;
 };
 
 }  // namespace
