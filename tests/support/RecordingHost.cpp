@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/LumenBrokerShim.h"
+
 void RecordingLog::Add(uint32_t severity, uint32_t code, const MString& text) {
   const std::lock_guard hold(lock);
   entries.push_back({severity, code, ToUtf8(text.View())});
@@ -64,6 +66,10 @@ void RecordingHost::ReportMessage(uint64_t reserved, uint32_t severity, uint32_t
 }
 
 void RecordingHost::LoadStringFallback(MString* out, uint32_t id, uint32_t flag) {
+  if (usesModuleTexts && flag != 0) {
+    shim->LoadString(out, id, 1);
+    return;
+  }
   events.push_back("LoadStringFallback " + std::to_string(id) + " " + std::to_string(flag));
   const auto known = fallbackTexts.find(id);
   const bool isKnown = known != fallbackTexts.end();

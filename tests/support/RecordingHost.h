@@ -129,6 +129,8 @@ class RecordingHost final : public HostCallbacks {
   MString updateDialogData;
   // What every image unpacks to; DecompressImage fails when the size asked for is another.
   std::vector<uint8_t> unpackedImage;
+  // Whether LoadStringFallback asks the module's own tables first, as a window's texts want it.
+  bool usesModuleTexts = false;
   // Texts of LoadStringFallback; any other id gives "fallback <id>".
   std::map<uint32_t, MString> fallbackTexts;
   SettingsTree settings;

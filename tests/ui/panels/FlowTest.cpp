@@ -1,0 +1,401 @@
+// Every way through the installer's window, by mouse, key and posted event, with what the host is told on it.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/removal/StartedProgram.h"
+#include "tests/ui/panels/PanelFixture.h"
+
+namespace {
+
+[[maybe_unused]] const auto* const g_desktop = testing::AddGlobalTestEnvironment(new TestDesktop);
+
+class Flow : public PanelFixture {};
+
+TEST_F(Flow, NothingIsShownUntilTheHostOpensAPanel) {
+  Build();
+  EXPECT_EQ(Active(), "none");
+  EXPECT_FALSE(IsWindowVisible(window->handle));
+  EXPECT_EQ(window->rect.right, 100);
+  Post(CommandEventId, kOpenPanel, 7);
+  EXPECT_EQ(Active(), "none");
+  Post(FailureEventId, kShowLastError);
+  EXPECT_EQ(Active(), "failure");
+}
+
+TEST_F(Flow, InstallWaitsForTheLicence) {
+  Open(kOpenInstaller);
+  EXPECT_EQ(Active(), "installer");
+  EXPECT_TRUE(IsWindowVisible(window->handle));
+  EXPECT_EQ(Title(), "Install Corva Lumen Player 28.0");
+  EXPECT_EQ(window->rect.right, 730);
+  EXPECT_EQ(window->rect.bottom, 345);
+  auto& splash = *window->installerSplash;
+  const auto expectOpen = [&](bool open) {
+    EXPECT_EQ(window->rightButton->enabled, open);
+    EXPECT_EQ(window->rightButton->labelText->alpha, open ? 255 : 128);
+    EXPECT_EQ(window->rightButton->data,
+              open ? window->rightButton->normalData.get() : window->rightButton->disabledData.get());
+    EXPECT_EQ(splash.installTooltip->active, !open);
+  };
+  expectOpen(false);
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "installer");
+  Click(*splash.licenseCheckbox);
+  expectOpen(true);
+  Click(*splash.licenseLabel);
+  expectOpen(false);
+  Click(*splash.licenseLabel);
+  expectOpen(true);
+  EXPECT_EQ(Events(), Lines{});
+}
+
+TEST_F(Flow, FromInstallToDone) {
+  host.flags = host_flag::ActiveX | host_flag::ReleasePlayer;
+  host.skipsUpdateChoice = true;
+  host.previousPluginVersion = MString(L"11.3.0.1");
+  host.restartRequired = true;
+  Open(kOpenInstaller);
+  Click(*window->installerSplash->licenseCheckbox);
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "progress") << "the check is optional and nothing is locked";
+  EXPECT_EQ(window->installerSplash->licenseCheckbox, nullptr) << "what was left is gone";
+  EXPECT_FALSE(window->rightButton->enabled);
+  EXPECT_FALSE(window->leftButton->visible);
+  EXPECT_EQ(TextOf(*window->progressPanel->titleText), "Currently Installing...");
+  onWork = [&] {
+    EXPECT_EQ(window->progressPanel->bar->value, 100);
+    EXPECT_EQ(TextOf(*window->progressPanel->percentText), "100 %");
+  };
+  ASSERT_TRUE(BarStops());
+  driver::PumpInput(window->handle);
+  EXPECT_EQ(Events(), Lines{"Notify 2 0"});
+  EXPECT_EQ(TextOf(*window->progressPanel->titleText), "Installation of Lumen Player 28.0 is complete");
+  EXPECT_EQ(TextOf(*window->progressPanel->percentText), "");
+  EXPECT_TRUE(window->progressPanel->titleText->hasMarkup);
+  EXPECT_TRUE(window->restartText->visible);
+  EXPECT_TRUE(window->restartIcon->visible);
+  EXPECT_EQ(window->progressPanel->choiceShown, 0) << "asked by an earlier version";
+  EXPECT_TRUE(window->rightButton->enabled);
+  Click(*window->rightButton);
+  EXPECT_EQ(Events(), (Lines{"StoreUpdateChoice 0", "Notify 0 0"}));
+  EXPECT_EQ(window->failurePanel, nullptr);
+}
+
+TEST_F(Flow, AReleasePlayerAsksHowUpdatesAreToCome) {
+  host.flags = host_flag::ReleasePlayer;
+  host.previousActiveXVersion = MString(L"12.0.0.0");
+  Open(kOpenInstaller);
+  Click(*window->installerSplash->licenseCheckbox);
+  Click(*window->rightButton);
+  ASSERT_TRUE(BarStops());
+  driver::PumpInput(window->handle);
+  auto& panel = *window->progressPanel;
+  EXPECT_EQ(panel.choiceShown, 1) << "an earlier version counts only where the host skips the choice";
+  EXPECT_EQ(TextOf(*panel.titleText), "");
+  EXPECT_EQ(panel.bar->parent, nullptr);
+  EXPECT_EQ(panel.radios[0]->bounds, Rect::Of(97, 15 * panel.lineCount + 83, 15, 15));
+  EXPECT_EQ(panel.radios[1]->bounds, Rect::Of(97, 122, 15, 15)) << "quirk: these rows stand fast";
+  EXPECT_EQ(panel.radioLabels[2]->bounds, (Rect{117, 146, panel.bounds.Width() - 20, 164}));
+  Click(*panel.radioLabels[2]);
+  EXPECT_TRUE(panel.radios[2]->checked);
+  EXPECT_FALSE(panel.radios[0]->checked);
+  Click(*panel.radios[1]);
+  Click(*window->rightButton);
+  EXPECT_EQ(Events(), (Lines{"Notify 2 0", "StoreUpdateChoice 1", "Notify 0 0"}));
+}
+
+TEST_F(Flow, AnInstallerThatIsToldToLeavesByItself) {
+  struct Row {
+    const wchar_t* settings;
+    int32_t ticks;
+  };
+  for (const Row& row : {Row{L"AutoExitDelay;", 62},
+                         {L"AutoExitDelay 15;", 0},
+                         {L"AutoExitDelay 160;", 10},
+                         {L"AutoExitDelayed 5;", 0}}) {
+    ParseSettings(&host.settings, MString(row.settings));
+    Open(kOpenInstaller);
+    Click(*window->installerSplash->licenseCheckbox);
+    Click(*window->rightButton);
+    EXPECT_EQ(window->installerSplash->autoExitTicks, row.ticks);
+    ASSERT_TRUE(BarStops());
+    if (row.ticks != 0) {
+      EXPECT_TRUE(Waited([&] { return !host.events.empty() && host.events.back() == "Notify 0 0"; })) << row.ticks;
+    } else {
+      driver::PumpInput(window->handle);
+      EXPECT_TRUE(window->rightButton->enabled);
+    }
+    Close();
+    Events();
+    delete host.settings.documents;
+    host.settings.documents = nullptr;
+  }
+}
+
+TEST_F(Flow, FromUninstallToDone) {
+  Open(kOpenUninstaller);
+  EXPECT_EQ(Title(), "Uninstall Corva Lumen Player");
+  EXPECT_EQ(TextOf(*window->rightButton->labelText), "UNINSTALL");
+  EXPECT_EQ(ToUtf8(window->rightButton->label.View()), "UNINSTALL") << "what a screen reader says";
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "progress");
+  EXPECT_EQ(window->progressPanel->target, 0.0f);
+  ASSERT_TRUE(BarStops());
+  driver::PumpInput(window->handle);
+  EXPECT_EQ(Events(), (Lines{"BeginRemoval", "Notify 3 0"}));
+  EXPECT_EQ(TextOf(*window->progressPanel->titleText), "Corva Lumen Player uninstalled successfully.");
+  Click(*window->rightButton);
+  EXPECT_EQ(Events(), Lines{"Notify 0 0"});
+}
+
+TEST_F(Flow, MaintenanceRemovesPastTheConflictsAndReinstallDoesNothing) {
+  host.conflictsBlockInstall = true;
+  host.UseSettings(L"ActiveXConflicts { explorer; };");
+  productMask = 8;
+  Open(kOpenMaintain);
+  EXPECT_EQ(Active(), "maintain");
+  EXPECT_FALSE(IsWindowVisible(window->handle)) << "the host shows this one";
+  window->rect = {0, 0, 450, 345};
+  window->ApplyRect(false, true);
+  window->Show(true);
+  Click(*window->maintainPanel->reinstallButton);
+  EXPECT_EQ(Active(), "maintain");
+  EXPECT_EQ(Events(), Lines{});
+  Click(*window->maintainPanel->uninstallButton);
+  EXPECT_EQ(Active(), "progress");
+}
+
+TEST_F(Flow, HowEachPanelIsLeft) {
+  struct Row {
+    int64_t panel;
+    bool left;
+    Lines events;
+  };
+  for (const Row& row : {Row{kOpenInstaller, true, {"Notify 0 1039"}},
+                         {kOpenUninstaller, true, {"Notify 0 0"}},
+                         {kOpenMaintain, false, {"Notify 0 0"}},
+                         {kOpenAutoUpdate, true, {"Notify 0 -1"}},
+                         {kOpenAutoUpdate, false, {"Notify 4 0"}}}) {
+    Open(row.panel);
+    if (row.panel == kOpenMaintain) window->Show(true);
+    Events();
+    Post(row.left ? control_id::LeftButton : control_id::RightButton, kClicked);
+    EXPECT_EQ(Events(), row.events) << row.panel;
+    Close();
+  }
+  Open(kOpenInstaller);
+  Post(CommandEventId, kFinish, 77);
+  EXPECT_EQ(Events(), Lines{"Notify 0 77"});
+  SendMessageW(window->handle, WM_CLOSE, 0, 0);
+  EXPECT_EQ(Events(), Lines{"Notify 0 1039"});
+  EXPECT_EQ(window->failurePanel, nullptr);
+  Post(FailureEventId, kShowLastError);
+  EXPECT_EQ(Active(), "installer") << "the failure panel is gone by then";
+}
+
+TEST_F(Flow, TheFailurePanelShowsTheNewestError) {
+  struct Row {
+    std::vector<std::pair<uint32_t, uint32_t>> reports;  // severity and code
+    std::string message;
+    std::string header;
+    std::string title;
+  };
+  const std::string errors = "The installation encountered errors:";
+  const std::string install = "Install Corva Lumen Player 28.0";
+  for (const Row& row :
+       {Row{{}, "No error information is available.", errors, install}, Row{{{1, 5}, {0, 6}}, "5: ", errors, install},
+        Row{{{1, 5}, {2, 6}, {3, 7}, {1, 8}}, "7: ", errors, install},
+        Row{{{2, 1047}}, "1047: ", "The uninstaller needs your attention.", "Uninstall Corva Lumen Player"},
+        Row{{{2, 1048}}, "1048: ", "The uninstaller needs your attention.", "Uninstall Corva Lumen Player"},
+        Row{{{2, 1040}}, "1040: ", "The installer needs your attention.", install}}) {
+    host.log.Clear();
+    for (const auto& [severity, code] : row.reports) host.log.Add(severity, code, MString(L""));
+    Open(kOpenInstaller);
+    Post(FailureEventId, kShowLastError);
+    EXPECT_EQ(Active(), "failure");
+    EXPECT_EQ(TextOf(*window->failurePanel->messageText), row.message);
+    EXPECT_EQ(TextOf(*window->failurePanel->headerText), row.header);
+    EXPECT_EQ(Title(), row.title);
+    EXPECT_FALSE(window->rightButton->visible);
+    EXPECT_TRUE(window->leftButton->visible);
+    Events();
+    Click(*window->leftButton);
+    EXPECT_EQ(Events(), Lines{"Notify 0 -1"});
+    Close();
+  }
+  EXPECT_EQ(host.log.readsPastTheEnd, 0u);
+}
+
+TEST_F(Flow, ConflictsHoldTheInstallUntilTheyAreClosed) {
+  const testing_files::CleanDirectory folder(L"C:\\panel-test");
+  host.conflictsBlockInstall = true;
+  productMask = 8;
+  host.UseSettings(L"ActiveXConflicts { one \"Number One\"; two; three; four; five; six; };");
+  const auto start = [&](const wchar_t* name) {
+    return std::make_unique<StartedProgram>(folder.Path() + L"\\" + name + L".exe");
+  };
+  std::vector<std::unique_ptr<StartedProgram>> programs;
+  for (const wchar_t* const name : {L"one", L"two", L"three", L"four", L"five", L"six"})
+    programs.push_back(start(name));
+  Open(kOpenInstaller);
+  Click(*window->installerSplash->licenseCheckbox);
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "conflicts");
+  auto& panel = *window->conflictsPanel;
+  const auto shown = [&] {
+    Lines lines;
+    for (const auto& row : panel.offendingApps) {
+      if (row->visible) lines.push_back(TextOf(*row->nameText));
+    }
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  };
+  EXPECT_EQ(shown().size(), 6u);
+  EXPECT_EQ(TextOf(*panel.offendingApps[5]->nameText), "And 1 more");
+  EXPECT_FALSE(window->rightButton->visible);
+  programs.pop_back();
+  EXPECT_TRUE(Waited([&] { return shown().size() == 5; })) << "exactly five need no sixth row";
+  EXPECT_FALSE(panel.offendingApps[5]->visible);
+  while (programs.size() > 1) programs.pop_back();
+  EXPECT_TRUE(Waited([&] { return shown() == Lines{"Number One"}; }));
+  EXPECT_EQ(Active(), "conflicts");
+  programs.clear();
+  EXPECT_TRUE(Waited([&] { return Active() == "progress"; }));
+  EXPECT_TRUE(window->rightButton->visible);
+  EXPECT_EQ(Events(), Lines{"NotifyConflictsCleared"});
+}
+
+TEST_F(Flow, WithoutConflictsTheHostIsToldAndWithAConflictOneMayQuit) {
+  host.conflictCheckIsOptional = false;
+  productMask = 8;
+  Open(kOpenUninstaller);
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "progress");
+  EXPECT_EQ(Events(), Lines{"NotifyConflictsCleared"});
+  Close();
+  host.UseSettings(L"ActiveXConflicts { panelquit; };");
+  const testing_files::CleanDirectory folder(L"C:\\panel-test");
+  const StartedProgram program(folder.Path() + L"\\panelquit.exe");
+  Open(kOpenUninstaller);
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "conflicts");
+  Click(*window->leftButton);
+  EXPECT_EQ(Events(), Lines{"Notify 0 -1"});
+}
+
+TEST_F(Flow, TheUpdateIsOfferedAsTheHostSays) {
+  struct Row {
+    const wchar_t* data;
+    uint32_t source;
+    bool skips;
+    Lines events;
+    bool shown;
+    int32_t width, height;
+    std::string text;
+  };
+  for (const Row& row :
+       {Row{nullptr, 0, false, {}, true, 500, 270, "This update addresses product security and is recommended."},
+        Row{L"message \"Hello\"; size 600 300; autoUpdateMode 2;",
+            0,
+            true,
+            {"SetAutoUpdateChoice 2"},
+            true,
+            600,
+            300,
+            "Hello"},
+        Row{L"message \"Hello\"; size 520; autoUpdateMode 7;",
+            4,
+            false,
+            {"SetAutoUpdateChoice 0"},
+            true,
+            520,
+            270,
+            "Hello"},
+        Row{L"message \"Hello\"; autoUpdateMode 2;",
+            12,
+            false,
+            {"SetAutoUpdateChoice 0", "Notify 4 0"},
+            false,
+            100,
+            100,
+            ""}}) {
+    host.updateDialogData = MString(row.data);
+    host.installSource = row.source;
+    host.skipsUpdateChoice = row.skips;
+    Open(kOpenAutoUpdate);
+    EXPECT_EQ(Events(), row.events);
+    EXPECT_EQ(IsWindowVisible(window->handle) != FALSE, row.shown);
+    EXPECT_EQ(window->rect.right, row.width);
+    EXPECT_EQ(window->rect.bottom, row.height);
+    EXPECT_EQ(TextOf(*window->autoUpdatePanel->bodyText), row.text);
+    EXPECT_EQ(window->leftButton->visible, !row.skips);
+    EXPECT_EQ(window->leftButton->bounds.Width(), 200);
+    Close();
+  }
+}
+
+TEST_F(Flow, TheUpdaterPostponesAndADownloadSessionSaysSo) {
+  host.flags = 130;
+  host.installSource = 4;
+  host.sessionMode = 1;
+  Build();
+  EXPECT_EQ(TextOf(*window->leftButton->labelText), "REMIND ME LATER");
+  EXPECT_EQ(TextOf(*window->rightButton->labelText), "DOWNLOAD");
+}
+
+// Whoever cannot wait does no harm.
+TEST_F(Flow, ImpatientClicksAndPanelsOutOfTurn) {
+  Open(kOpenInstaller);
+  Click(*window->installerSplash->licenseCheckbox);
+  for (int i = 0; i < 3; ++i) ui->PostEvent(control_id::RightButton, kClicked, 0);
+  driver::PumpInput(window->handle);
+  EXPECT_EQ(Active(), "progress");
+  onWork = [&] {
+    ui->PostEvent(control_id::RightButton, kClicked, 0);
+    ui->PostEvent(FailureEventId, kShowLastError, 0);
+    ui->PostEvent(TickEventId, 4, 0);
+    ui->PostEvent(TickEventId, 200, 0);
+  };
+  ASSERT_TRUE(Waited([&] { return Active() == "failure"; }));
+  for (const int64_t panel : {kOpenInstaller, kOpenMaintain, kOpenUninstaller, kOpenAutoUpdate}) {
+    Post(CommandEventId, kOpenPanel, panel);
+    Post(control_id::FirstPanelButton, kClicked);
+    Post(control_id::SecondPanelButton, kClicked);
+    Post(control_id::RightButton, kClicked);
+    Post(TickEventId, 4);
+    Post(TickEventId, 200);
+    Post(FailureEventId, kShowLastError);
+    Post(WindowEventId, kWindowResized);
+  }
+  EXPECT_EQ(Active(), "failure");
+}
+
+TEST_F(Flow, AWholeInstallByKeyboardAlone) {
+  Open(kOpenInstaller);
+  const HWND handle = window->handle;
+  SetForegroundWindow(handle);
+  SetFocus(handle);
+  // Tab finds the box, Space checks it, Tab goes on to INSTALL.
+  for (int i = 0; i < 6 && window->focusRegion != window->installerSplash->licenseCheckbox.get(); ++i) {
+    driver::Stroke(handle, VK_TAB, window->focusRegion == nullptr);
+  }
+  ASSERT_EQ(window->focusRegion, window->installerSplash->licenseCheckbox.get());
+  EXPECT_TRUE(window->ringVisible);
+  EXPECT_TRUE(window->focusRing->visible);
+  driver::Stroke(handle, VK_SPACE);
+  EXPECT_TRUE(window->rightButton->enabled);
+  for (int i = 0; i < 6 && window->focusRegion != window->rightButton.get(); ++i) driver::Stroke(handle, VK_TAB);
+  ASSERT_EQ(window->focusRegion, window->rightButton.get());
+  driver::Stroke(handle, VK_RETURN);
+  EXPECT_EQ(Active(), "progress");
+  ASSERT_TRUE(BarStops());
+  driver::PumpInput(handle);
+  for (int i = 0; i < 6 && window->focusRegion != window->rightButton.get(); ++i) {
+    driver::Stroke(handle, VK_TAB, window->focusRegion == nullptr);
+  }
+  driver::Stroke(handle, VK_RETURN);
+  EXPECT_EQ(Events(), (Lines{"Notify 2 0", "Notify 0 0"}));
+}
+
+}  // namespace
