@@ -274,6 +274,8 @@ TEST_F(Flow, WithoutConflictsTheHostIsToldAndWithAConflictOneMayQuit) {
   EXPECT_EQ(Active(), "progress");
   EXPECT_EQ(Events(), Lines{"NotifyConflictsCleared"});
   Close();
+  host.conflictCheckIsOptional = true;
+  host.conflictsBlockInstall = true;
   host.UseSettings(L"ActiveXConflicts { panelquit; };");
   const testing_files::CleanDirectory folder(L"C:\\panel-test");
   const StartedProgram program(folder.Path() + L"\\panelquit.exe");
@@ -348,12 +350,14 @@ TEST_F(Flow, TheUpdaterPostponesAndADownloadSessionSaysSo) {
 TEST_F(Flow, ImpatientClicksAndPanelsOutOfTurn) {
   Open(kOpenInstaller);
   Click(*window->installerSplash->licenseCheckbox);
-  for (int i = 0; i < 3; ++i) ui->PostEvent(control_id::RightButton, kClicked, 0);
-  driver::PumpInput(window->handle);
+  Click(*window->rightButton);
+  Click(*window->rightButton);
+  Click(*window->leftButton);
   EXPECT_EQ(Active(), "progress");
+  EXPECT_EQ(Events(), Lines{});
   onWork = [&] {
-    ui->PostEvent(control_id::RightButton, kClicked, 0);
     ui->PostEvent(FailureEventId, kShowLastError, 0);
+    ui->PostEvent(control_id::RightButton, kClicked, 0);
     ui->PostEvent(TickEventId, 4, 0);
     ui->PostEvent(TickEventId, 200, 0);
   };
