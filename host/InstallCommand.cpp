@@ -15,6 +15,8 @@
 #include "host/PayloadList.h"
 #include "host/WhatIf.h"
 #include "removal/MaintenanceCommands.h"
+#include "removal/NotifierTask.h"
+#include "removal/ServiceControl.h"
 
 namespace {
 
@@ -30,17 +32,8 @@ constexpr char kMajorVersion[] = "28.0";
 constexpr uint32_t kReleaseMode = 1;
 constexpr DWORD kConflictInterval = 1000;  // milliseconds between two looks at the running programs
 
-WideString FolderOf(const WideString& path) {
-  return path.substr(0, path.rfind(L'\\') + 1);
-}
-
 WideString FileNameOf(const WideString& path) {
   return path.substr(path.rfind(L'\\') + 1);
-}
-
-WideString PayloadFolder(const Session& session) {
-  const auto named = SettingValues(session.host.GetSettings(), L"Host.PayloadFolder");
-  return FolderOf(OwnPath()) + (named.empty() ? L"payload" : named.front()) + L"\\";
 }
 
 WideString SourceOf(const Session& session, const PayloadFile& file) {
@@ -96,7 +89,14 @@ std::optional<HostExit> PassConflicts(const Session& session) {
   return std::nullopt;
 }
 
+// A service that runs holds its file. Putting it into its mode starts it again.
+void StopServices(const Session& session) {
+  (void)StopService(*UpdateServiceRunner(&session.host, MString(L"")));
+  (void)StopService(*FeedbackServiceRunner(&session.host, MString(L"")));
+}
+
 std::optional<HostExit> CopyPayload(const Session& session, const std::vector<FileToCopy>& files) {
+  StopServices(session);
   SHCreateDirectoryExW(nullptr, PlayerDirectory().c_str(), nullptr);
   const CopyOutcome outcome =
       CopyFiles(files, [&session](uint64_t done, uint64_t total, const WideString& file, bool finished) {
@@ -135,20 +135,30 @@ bool RegisterKind(const Session& session, uint32_t kind) {
   return true;
 }
 
-// Puts the update service into its mode, which also enters the hourly check for the PPAPI kind.
+// What the user chose in the window, else what the settings say.
+uint32_t UpdateModeOf(const Session& session) {
+  const auto otherwise = static_cast<uint32_t>(UpdateMode::Notify);
+  return session.host.UpdateChoice().value_or(session.host.SettingNumber(L"Host.UpdateMode", otherwise));
+}
+
+// Puts the services to work. The update service's mode also enters the hourly check for the PPAPI kind; a payload
+// without that service gets the check all the same.
 void StartServices(const Session& session) {
-  const SettingsTree* const settings = session.host.GetSettings();
-  for (const PayloadFile& file : ServiceFiles(settings, session.host.AnalyticsAllowed())) {
+  ReferenceHost& host = session.host;
+  bool hasUpdate = false;
+  for (const PayloadFile& file : ServiceFiles(host.GetSettings(), host.AnalyticsAllowed())) {
     const WideString path = PlayerDirectory() + file.name;
     if (!Exists(path)) continue;
-    const bool isUpdate = SettingValues(settings, L"Host.UpdateService").front() == file.name;
     const MString text{WideView(path)};
-    const uint32_t mode =
-        session.host.UpdateChoice().value_or(static_cast<uint32_t>(session.host.SettingNumber(L"Host.UpdateMode", 3)));
-    const bool started = isUpdate ? SetUpdateMode(*UpdateServiceRunner(&session.host, text), mode)
-                                  : RunServiceCommand(*FeedbackServiceRunner(&session.host, text), L"-install");
+    const bool isUpdate = SettingValues(host.GetSettings(), L"Host.UpdateService").front() == file.name;
+    const bool started = isUpdate ? SetUpdateMode(*UpdateServiceRunner(&host, text), UpdateModeOf(session))
+                                  : RunServiceCommand(*FeedbackServiceRunner(&host, text), L"-install");
     Tell(session, (started ? "Service set up: " : "Service not set up: ") + ToUtf8(file.name) + ".");
+    hasUpdate = hasUpdate || isUpdate;
   }
+  if (hasUpdate || (session.line.kinds & product_kind::Pepper) == 0) return;
+  MString command;
+  (void)CreateNotifierTask(*host.GetTaskCommandPath(&command), MString(L"-check pepperplugin"), &host);
 }
 
 HostExit Finish(const Session& session) {

@@ -2,12 +2,8 @@
 
 #include <windows.h>
 
-#include "engine/ProductKeys.h"
-#include "engine/ProductKind.h"
-#include "engine/Registry.h"
 #include "host/Console.h"
 #include "host/InstallCommand.h"
-#include "host/PayloadList.h"
 #include "host/WhatIf.h"
 
 namespace {
@@ -15,24 +11,12 @@ namespace {
 constexpr uint32_t kUninstalled = 10;
 constexpr uint32_t kWillRemove = 11;
 constexpr uint32_t kRestartToComplete = 74;
-constexpr uint32_t kAllKinds = product_kind::ActiveX | product_kind::Plugin | product_kind::Pepper;
-
-bool IsInstalled(uint32_t kind) {
-  return OpenKey(HKEY_LOCAL_MACHINE, GetProductKey(kind).c_str(), KEY_READ).IsValid();
-}
-
-bool AnyInstalled() {
-  for (const uint32_t kind : EachKind(kAllKinds)) {
-    if (IsInstalled(kind)) return true;
-  }
-  return false;
-}
 
 // The module's removal counts everything that was not there to be deleted as a failure, so its answer cannot say
 // whether the player has gone; what is left does.
 bool RemoveKind(const Session& session, uint32_t kind) {
   (void)session.module->RemoveProductKind(kind, MString(WideView(SystemDirectory())), 1, 0);
-  if (IsInstalled(kind)) return false;
+  if (AnyInstalled(kind)) return false;
   Tell(session, "Removed: " + std::string(NameOfKind(kind)) + ".");
   return true;
 }
@@ -60,7 +44,7 @@ HostExit RemovePlayers(const Session& session) {
   const MString directory{WideView(PlayerDirectory())};
   (void)session.module->RemoveNamedFiles(session.line.kinds, directory);
   (void)session.module->RemovePatternFiles(session.line.kinds, directory);
-  if (!AnyInstalled()) {
+  if (!AnyInstalled(kAllKinds)) {
     (void)session.module->RemoveUpdateService(nullptr, MString(WideView(SystemDirectory())));
     RemoveDirectories();
   }

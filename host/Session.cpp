@@ -6,9 +6,12 @@
 // clang-format on
 
 #include "engine/InstallEngine.h"
+#include "engine/ProductKeys.h"
+#include "engine/Registry.h"
 #include "engine/SystemPaths.h"
 #include "host/Console.h"
 #include "host/ConsoleText.h"
+#include "host/PayloadList.h"
 
 namespace {
 
@@ -50,6 +53,19 @@ WideString SystemDirectory() {
 
 WideString PlayerDirectory() {
   return WideString(SystemPlayerDirectory().View());
+}
+
+WideString PayloadFolder(const Session& session) {
+  const auto named = SettingValues(session.host.GetSettings(), L"Host.PayloadFolder");
+  const WideString own = OwnPath();
+  return own.substr(0, own.rfind(L'\\') + 1) + (named.empty() ? L"payload" : named.front()) + L"\\";
+}
+
+bool AnyInstalled(uint32_t kinds) {
+  for (const uint32_t kind : EachKind(kinds)) {
+    if (OpenKey(HKEY_LOCAL_MACHINE, GetProductKey(kind).c_str(), KEY_READ)) return true;
+  }
+  return false;
 }
 
 ChangeLock::ChangeLock() {

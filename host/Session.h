@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "engine/ProductKind.h"
 #include "host/CommandLine.h"
 #include "host/HostedModule.h"
 #include "host/ReferenceHost.h"
@@ -26,6 +27,13 @@ void Tell(const Session& session, const std::string& text);
 // The directory of the player's files, and the system directory that it lies in; each with its last backslash.
 [[nodiscard]] WideString PlayerDirectory();
 [[nodiscard]] WideString SystemDirectory();
+
+// The folder beside this program that players are installed from, with its last backslash.
+[[nodiscard]] WideString PayloadFolder(const Session& session);
+
+constexpr uint32_t kAllKinds = product_kind::ActiveX | product_kind::Plugin | product_kind::Pepper;
+// Whether the registry knows any player of these kinds.
+[[nodiscard]] bool AnyInstalled(uint32_t kinds);
 
 // Held while the machine is being changed: one installer at a time, and only with administrative rights.
 class ChangeLock {

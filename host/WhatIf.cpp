@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <set>
+
 #include "engine/FilePattern.h"
 #include "engine/InstallEngine.h"
 #include "engine/ProductIds.h"
@@ -55,35 +57,37 @@ void TellKind(const Session& session, uint32_t kind) {
   WouldWrite(InventoryRows(kind, facts));
 }
 
-void WouldDelete(const WideString& path) {
-  if (!path.empty() && Exists(path)) Would("delete", path);
+// One file may be named by the inventory and by a pattern.
+void WouldDelete(const WideString& path, std::set<WideString>* told) {
+  if (!path.empty() && Exists(path) && told->insert(path).second) Would("delete", path);
 }
 
 void WouldDeleteKey(const std::string& key) {
   if (OpenKey(HKEY_LOCAL_MACHINE, key.c_str(), KEY_READ)) Would("delete HKLM", WidenAscii(key));
 }
 
-void WouldDeletePatterns(const Session& session, const MStringList* patterns) {
+void WouldDeletePatterns(const Session& session, const MStringList* patterns, std::set<WideString>* told) {
   const MString directory{WideView(PlayerDirectory())};
   for (const auto* pattern = patterns->Head(); pattern != nullptr; pattern = pattern->next) {
     const MString found = FindMatchingFile(session.module->GetEngine()->systemEntries, directory, pattern->key);
-    WouldDelete(WideString(found.View()));
+    WouldDelete(WideString(found.View()), told);
   }
 }
 
 void TellRemovalOf(const Session& session, uint32_t kind) {
+  std::set<WideString> told;
   const std::string product = GetProductKey(kind);
   for (const char* const name : {"PlayerPath", "UninstallerPath"}) {
     const auto path = ReadText(HKEY_LOCAL_MACHINE, product.c_str(), name);
-    if (path) WouldDelete(FromUtf8(*path));
+    if (path) WouldDelete(WidenFromCodePage(*path), &told);
   }
   switch (kind) {
     case product_kind::ActiveX:
-      WouldDeletePatterns(session, session.module->GetAXFilenamePatterns());
+      WouldDeletePatterns(session, session.module->GetAXFilenamePatterns(), &told);
       WouldDeleteKey("SOFTWARE\\Classes\\CLSID\\" LUMEN_CONTROL_CLASS_ID);
       break;
-    case product_kind::Plugin: WouldDeletePatterns(session, session.module->GetPluginFilenamePatterns()); break;
-    default: WouldDeletePatterns(session, session.module->GetPepperFilenamePatterns()); break;
+    case product_kind::Plugin: WouldDeletePatterns(session, session.module->GetPluginFilenamePatterns(), &told); break;
+    default: WouldDeletePatterns(session, session.module->GetPepperFilenamePatterns(), &told); break;
   }
   WouldDeleteKey(product);
   WouldDeleteKey(GetReleaseTypeKey(kind));
@@ -95,10 +99,22 @@ void TellRemovalOf(const Session& session, uint32_t kind) {
 HostExit TellInstallation(const Session& session, const std::vector<FileToCopy>& files) {
   for (const FileToCopy& file : files) Would(Exists(file.destination) ? "replace" : "copy", file.destination);
   for (const uint32_t kind : EachKind(session.line.kinds)) TellKind(session, kind);
+  for (const PayloadFile& service : ServiceFiles(session.host.GetSettings(), session.host.AnalyticsAllowed())) {
+    if (Exists(PayloadFolder(session) + service.name)) Would("set up the service", service.name);
+  }
+  if ((session.line.kinds & product_kind::Pepper) != 0) {
+    Would("schedule the hourly check of",
+          PlayerDirectory() + UninstallerName(session.host.GetSettings(), product_kind::Pepper));
+  }
   return HostExit::Done;
 }
 
 HostExit TellRemoval(const Session& session) {
   for (const uint32_t kind : EachKind(session.line.kinds)) TellRemovalOf(session, kind);
+  if ((session.line.kinds & product_kind::Pepper) != 0) Would("take back", L"the hourly check");
+  for (const PayloadFile& service : ServiceFiles(session.host.GetSettings(), true)) {
+    const WideString path = PlayerDirectory() + service.name;
+    if (!AnyInstalled(kAllKinds & ~session.line.kinds) && Exists(path)) Would("remove the service", path);
+  }
   return HostExit::Done;
 }

@@ -58,12 +58,12 @@ bool Dispatch() {
 bool Install(const WideString& path) {
   const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
   const WideString command = L"\"" + path + L"\"";
-  const ServiceHandle service(
+  ServiceHandle service(
       CreateServiceW(manager.Get(), Name(), g_feedback ? kFeedbackServiceDisplayName : kUpdateServiceDisplayName,
                      SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
                      command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
-  if (!service) return GetLastError() == ERROR_SERVICE_EXISTS;
-  return StartServiceW(service.Get(), 0, nullptr);
+  if (!service) service.Reset(OpenServiceW(manager.Get(), Name(), SERVICE_ALL_ACCESS));
+  return service && (StartServiceW(service.Get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING);
 }
 
 void Uninstall() {

@@ -1,0 +1,85 @@
+// Files put in place of files that are read-only, in use, or not there.
+#include "host/PayloadCopy.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/TestFiles.h"
+
+namespace {
+
+using testing_files::Exists;
+using testing_files::ReadWhole;
+using testing_files::WriteWhole;
+
+constexpr wchar_t kFolder[] = L"C:\\LumenPayloadCopy";
+
+class PayloadCopy : public testing::Test {
+ protected:
+  CopyOutcome Copy(const std::vector<FileToCopy>& files) {
+    return CopyFiles(files, [this](uint64_t done, uint64_t total, const WideString& file, bool finished) {
+      progress.push_back(std::to_string(done) + "/" + std::to_string(total) + (finished ? " " + ToUtf8(file) : ""));
+    });
+  }
+  // What is in the folder besides sources and destinations.
+  [[nodiscard]] bool Clean() const { return !Exists(destination + L".new") && !Exists(destination + L".1.old"); }
+
+  testing_files::CleanDirectory folder{kFolder};
+  const WideString source = WideString(kFolder) + L"\\source";
+  const WideString destination = WideString(kFolder) + L"\\destination.dll";
+  std::vector<std::string> progress;
+};
+
+TEST_F(PayloadCopy, TellsHowFarItIs) {
+  WriteWhole(source, std::string(1'500'000, 'x'));
+  WriteWhole(source + L"2", "yy");
+  const CopyOutcome outcome = Copy({{source, destination}, {source + L"2", destination + L"2"}});
+  EXPECT_EQ(outcome.error, 0u);
+  EXPECT_FALSE(outcome.restartNeeded);
+  EXPECT_EQ(progress, (std::vector<std::string>{
+                          "1048576/1500002", "1500000/1500002", "1500000/1500002 C:\\LumenPayloadCopy\\destination.dll",
+                          "1500002/1500002", "1500002/1500002 C:\\LumenPayloadCopy\\destination.dll2"}));
+  EXPECT_EQ(ReadWhole(destination).size(), 1'500'000u);
+  EXPECT_EQ(ReadWhole(destination + L"2"), "yy");
+}
+
+TEST_F(PayloadCopy, ReplacesAFileThatIsKeptReadOnly) {
+  WriteWhole(source, "fresh");
+  WriteWhole(destination, "old");
+  SetFileAttributesW(destination.c_str(), FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(Copy({{source, destination}}).error, 0u);
+  EXPECT_EQ(ReadWhole(destination), "fresh");
+  EXPECT_TRUE(Clean());
+}
+
+TEST_F(PayloadCopy, RenamesALibraryInUseAndLeavesItToTheNextRestart) {
+  wchar_t own[MAX_PATH] = {};
+  GetModuleFileNameW(nullptr, own, MAX_PATH);
+  const WideString build = WideString(own).substr(0, WideString(own).rfind(L"\\tests"));
+  ASSERT_TRUE(CopyFileW((build + L"\\players\\nplumen.dll").c_str(), destination.c_str(), FALSE));
+  WriteWhole(source, "fresh");
+  LibraryHandle user(LoadLibraryW(destination.c_str()));
+  ASSERT_TRUE(user);
+  const CopyOutcome outcome = Copy({{source, destination}});
+  EXPECT_EQ(outcome.error, 0u);
+  EXPECT_TRUE(outcome.restartNeeded);
+  EXPECT_EQ(ReadWhole(destination), "fresh");
+  EXPECT_TRUE(Exists(destination + L".1.old"));
+  user.Reset();
+  // What the copy queued is taken back, for the sake of those who look at the queue.
+  RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control\\Session Manager",
+                     L"PendingFileRenameOperations");
+}
+
+TEST_F(PayloadCopy, StopsAtTheFileThatCannotBePutInPlaceAndLeavesTheOld) {
+  WriteWhole(source, "fresh");
+  WriteWhole(destination, "old");
+  const FileHandle held(CreateFileW(destination.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  const CopyOutcome outcome = Copy({{source, destination}, {source, destination + L"2"}});
+  EXPECT_NE(outcome.error, 0u);
+  EXPECT_EQ(ToUtf8(outcome.failed), ToUtf8(destination));
+  EXPECT_FALSE(Exists(destination + L"2"));
+  EXPECT_TRUE(Clean());
+  EXPECT_EQ(Copy({{source + L"missing", destination + L"3"}}).error, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+}  // namespace

@@ -1,0 +1,100 @@
+// What the reference host answers from its settings, and how it keeps what is reported.
+#include "host/ReferenceHost.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/DllHelpers.h"
+#include "engine/ProductKeys.h"
+#include "engine/ProductKind.h"
+#include "engine/Registry.h"
+#include "tests/support/TestFiles.h"
+#include "tests/support/Texts.h"
+
+namespace {
+
+constexpr wchar_t kFolder[] = L"C:\\LumenReferenceHost";
+
+class Host : public testing::Test {
+ protected:
+  void Use(const std::string& settings) {
+    testing_files::WriteWhole(file, settings);
+    ASSERT_TRUE(host.ReadSettings(file.c_str()));
+  }
+
+  testing_files::CleanDirectory folder{kFolder};
+  const WideString file = WideString(kFolder) + L"\\host.settings";
+  ReferenceHost host{product_kind::Plugin};
+};
+
+TEST_F(Host, WithoutSettingsItIsAPlainReleaseHost) {
+  EXPECT_TRUE(host.ReadSettings(L"C:\\LumenReferenceHost\\missing"));
+  EXPECT_FALSE(host.ReadSettings(kFolder)) << "a directory is there and cannot be read";
+  EXPECT_EQ(host.GetFlags(), host_flag::Plugin | host_flag::ReleasePlayer);
+  EXPECT_TRUE(host.ConflictsBlockInstall());
+  EXPECT_FALSE(host.ConflictCheckIsOptional());
+  EXPECT_EQ(host.GetInstallSource() + host.GetOsClass() + host.GetSessionMode(), 0u);
+  MString text;
+  EXPECT_EQ(Text(*host.GetPayloadPath(&text)), ToUtf8(OwnPath()));
+  EXPECT_EQ(Text(*host.GetTaskCommandPath(&text)), ToUtf8(OwnPath()));
+  SettingsTree data;
+  EXPECT_FALSE(host.GetUpdateDialogData(&data));
+}
+
+TEST_F(Host, AnswersFromTheSettings) {
+  Use("\xEF\xBB\xBFHost { ActiveX a.ocx help.exe; Plugin p.dll; Payload C:\\p.exe; InstallSource 2; OsClass 3; "
+      "Debugger yes;"
+      " AnalyticsAllowed yes; ConflictsDoNotBlock yes; UpdateMode 0;"
+      " UpdateDialog { message \"two words\"; size 300 200; autoUpdateMode 1; }; };");
+  MString control;
+  MString helper;
+  host.GetBrowserPaths(&control, &helper);
+  EXPECT_EQ(Text(control) + "|" + Text(helper), "a.ocx|help.exe");
+  host.GetPluginPaths(&control, &helper);
+  EXPECT_EQ(Text(control) + "|" + Text(helper), "p.dll|");
+  EXPECT_EQ(Text(*host.GetPayloadPath(&control)), "C:\\p.exe");
+  EXPECT_EQ(host.GetInstallSource(), 2u);
+  EXPECT_EQ(host.GetOsClass(), 3u);
+  EXPECT_EQ(host.GetFlags(), host_flag::Plugin);
+  EXPECT_TRUE(host.AnalyticsAllowed());
+  EXPECT_FALSE(host.ConflictsBlockInstall());
+  EXPECT_EQ(host.SettingNumber(L"Host.UpdateMode", 3), 0u);
+  EXPECT_EQ(host.SettingNumber(L"Host.Missing", 3), 3u);
+  SettingsTree data;
+  ASSERT_TRUE(host.GetUpdateDialogData(&data));
+  EXPECT_EQ(Text(FindSetting(&data, L"message")->values->name), "two words");
+  EXPECT_EQ(Text(FindSetting(&data, L"size")->values->next->name), "200");
+  EXPECT_EQ(Text(FindSetting(&data, L"autoUpdateMode")->values->name), "1");
+}
+
+TEST_F(Host, RemembersWhichVersionWasThereBefore) {
+  const std::string key = GetProductKey(product_kind::Pepper);
+  ASSERT_EQ(WriteText(CreateKey(HKEY_LOCAL_MACHINE, key.c_str(), KEY_ALL_ACCESS).Get(), "Version", "11.2.0.1"), 0);
+  ReferenceHost later(product_kind::Pepper);
+  ASSERT_EQ(DeleteKeyTree(HKEY_LOCAL_MACHINE, WidenAscii(key).c_str()), 0);
+  MString text;
+  EXPECT_EQ(Text(*later.GetPreviousPepperVersion(&text)), "11.2.0.1");
+  EXPECT_EQ(Text(*host.GetPreviousPepperVersion(&text)), "");
+}
+
+TEST_F(Host, KeepsReportsInMemoryAndInAFile) {
+  const WideString path = WideString(kFolder) + L"\\host.log";
+  ASSERT_TRUE(host.Log().OpenFile(path.c_str()));
+  EXPECT_FALSE(host.IsRestartRequired());
+  host.ReportMessage(0, 1, 1015, L"C:\\a 20");
+  host.Tell(Severity::MustTell, ReportCode::SystemFileQueued, L"C:\\b");
+  EXPECT_TRUE(host.IsRestartRequired());
+  EXPECT_EQ(host.Log().Count(), 2u);
+  EXPECT_EQ(host.Log().Code(1), 1047u);
+  EXPECT_EQ(host.Log().Severity(7), 0u) << "past the end";
+  MString text;
+  EXPECT_EQ(Text(*host.Log().Text(&text, 0)), "C:\\a 20");
+  const std::string log = testing_files::ReadWhole(path);
+  EXPECT_NE(log.find("Z\t1\t1015\tC:\\a 20\tA file could not be deleted: C:\\a 20\r\n"), std::string::npos) << log;
+  EXPECT_EQ(Text(*host.Log().Format(&text, &host, 1, 1015, L"x", 0)), "A file could not be deleted: x");
+  EXPECT_EQ(Text(*host.Log().Format(&text, &host, 2, 1034, L"x", 0)),
+            "The ActiveX control for Lumen Player could not be registered.");
+  EXPECT_EQ(Text(*host.Log().Format(&text, nullptr, 1, 5555, L"x", 0)),
+            "Warning '5555'.  No further information is available.");
+}
+
+}  // namespace
