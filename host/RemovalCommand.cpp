@@ -21,12 +21,17 @@ bool RemoveKind(const Session& session, uint32_t kind) {
   return true;
 }
 
-// The host made the directories, so it takes them away when nothing else is in them.
-void RemoveDirectories() {
+// The host made the directories, so it takes them away when nothing else is in them; behind files that wait for the
+// next restart they wait too.
+void RemoveDirectories(bool filesWait) {
   const WideString player = PlayerDirectory();
   const WideString inner = player.substr(0, player.size() - 1);
   const WideString outer = inner.substr(0, inner.rfind(L'\\'));
-  if (RemoveDirectoryW(inner.c_str())) RemoveDirectoryW(outer.c_str());
+  for (const WideString& directory : {inner, outer}) {
+    if (!RemoveDirectoryW(directory.c_str()) && filesWait) {
+      MoveFileExW(directory.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
+    }
+  }
 }
 
 }  // namespace
@@ -46,7 +51,7 @@ HostExit RemovePlayers(const Session& session) {
   (void)session.module->RemovePatternFiles(session.line.kinds, directory);
   if (!AnyInstalled(kAllKinds)) {
     (void)session.module->RemoveUpdateService(nullptr, MString(WideView(SystemDirectory())));
-    RemoveDirectories();
+    RemoveDirectories(PendingOperations() > pending);
   }
   if (PendingOperations() > pending) session.host.RequireRestart();
   if (!all) return End(HostExit::Failed, "not every player could be removed; -log FILE tells more");

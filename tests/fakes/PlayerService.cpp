@@ -1,11 +1,11 @@
 // Stands in for the player's update and feedback services, whichever its file is named after ("...Feedback..." or not).
 //   without arguments  a service, which stops at once when told to
-//   any switch         is appended to <its path>.switches, one a line
-// With a file <its path>.codes it does nothing else and gives the exit code that the file has for the switch ("-switch
-// 7", one a line), else 0; the code 1000 waits for the event of PlayerService.h first. Without that file:
 //   -install, -setSilentAutoUpdate, -setNotifyAutoUpdate
 //                      registers itself with the service manager and starts
 //   -uninstall         takes itself off the service manager
+// With a file <its path>.codes a test scripts it: it appends each switch to <its path>.switches, one a line, and gives
+// the exit code that the file has for it ("-switch 7", one a line), else 0; the code 1000 waits for the event of
+// PlayerService.h first.
 #include "tests/fakes/PlayerService.h"
 
 #include <windows.h>
@@ -75,7 +75,8 @@ void Uninstall() {
   DeleteService(service.Get());
 }
 
-int Scripted(std::ifstream codes, const std::string& word) {
+int Scripted(std::ifstream codes, const std::string& path, const std::string& word) {
+  std::ofstream(path + ".switches", std::ios::app) << word << "\n";
   std::string known;
   int code = 0;
   while (codes >> known >> code && known != word) code = 0;
@@ -96,8 +97,7 @@ int main(int count, char** arguments) {
   g_feedback = path.find("Feedback") != std::string::npos;
   if (count < 2) return Dispatch() ? 0 : 1;
   const std::string word = arguments[count - 1];
-  std::ofstream(path + ".switches", std::ios::app) << word << "\n";
-  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), word);
+  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), path, word);
   const bool installs = word == "-install" || word == "-setSilentAutoUpdate" || word == "-setNotifyAutoUpdate";
   if (installs && !Install(own)) return 1;
   if (word == "-uninstall") Uninstall();
