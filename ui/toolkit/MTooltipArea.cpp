@@ -19,7 +19,8 @@ MTooltipArea::MTooltipArea(MWindow* inWindow, HWND ownerWindow, HWND control, HM
   SendMessageW(tooltipHandle, TTM_SETDELAYTIME, TTDT_INITIAL, kInitialDelay);
   SendMessageW(tooltipHandle, TTM_SETDELAYTIME, TTDT_AUTOPOP, kAutoPopDelay);
   *toolInfo = {};
-  toolInfo->cbSize = sizeof(TOOLINFOW);
+  // Without its last, unused field: common controls before 6 refuse the whole record.
+  toolInfo->cbSize = TTTOOLINFOW_V2_SIZE;
   toolInfo->uFlags = TTF_SUBCLASS | TTF_CENTERTIP;
   toolInfo->hwnd = control;
   toolInfo->hinst = module;

@@ -1,6 +1,7 @@
 #include "ui/toolkit/MorphUI.h"
 
-#include <cstring>
+#include <new>
+#include <string>
 
 #include "engine/DllHelpers.h"
 #include "engine/HostCallbacks.h"
@@ -55,11 +56,10 @@ void MorphUI::PostEvent(uint32_t id, uint32_t message, int64_t param) noexcept {
 }
 
 int32_t MorphUI::RunMessageLoop() noexcept {
-  char path[MAX_PATH + sizeof("\\atl.dll")] = {};
-  const UINT length = GetSystemDirectoryA(path, MAX_PATH);
+  char folder[MAX_PATH] = {};
+  const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return 0;
-  std::strcat(path, "\\atl.dll");
-  const LibraryHandle atl(LoadLibraryA(path));
+  const LibraryHandle atl(LoadLibraryA((std::string(folder, length) + "\\atl.dll").c_str()));
   using AtlAxWinInit = BOOL WINAPI();
   auto* const initialise = Entry<AtlAxWinInit>(atl, "AtlAxWinInit");
   if (initialise == nullptr || !initialise()) return static_cast<int32_t>(GetLastError());

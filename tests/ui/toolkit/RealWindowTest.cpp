@@ -344,6 +344,22 @@ TEST_F(RealWindow, BuildsItsContentWhenItIsSet) {
   EXPECT_EQ(Text(text), "fallback 15");
 }
 
+// A host built by another compiler finds the operations by their places alone.
+TEST_F(RealWindow, ItsHostFindsTheSixOperationsInTheirOrder) {
+  void** const table = *reinterpret_cast<void***>(&ui);
+  Told told;
+  MString text;
+  reinterpret_cast<void (*)(MorphUI*, HostEventCallback, void*)>(table[0])(&ui, &Told::Hear, &told);
+  EXPECT_EQ(reinterpret_cast<int32_t (*)(MorphUI*, int32_t, int64_t)>(table[1])(&ui, 6, 1), 77);
+  ui.window = nullptr;
+  reinterpret_cast<void (*)(MorphUI*, MWindow*)>(table[2])(&ui, &window);
+  EXPECT_EQ(ui.window, &window);
+  reinterpret_cast<void (*)(MorphUI*, uint32_t, uint32_t, int64_t)>(table[3])(&ui, 3, 6, 1);
+  EXPECT_EQ(window.Take(), (Lines{"2 1", "3 6 1"}));
+  reinterpret_cast<void (*)(MorphUI*, MString*, uint32_t)>(table[5])(&ui, &text, 29);
+  EXPECT_EQ(Text(text), "fallback 29");
+}
+
 TEST(RealWindowStyle, HasAMinimiseBoxOnceSomebodyListens) {
   RecordingHost host;
   MorphUI ui(&host, nullptr);
