@@ -68,20 +68,20 @@ constexpr PictureRow kPictures[] = {
 struct TextRow {
   uint32_t id;
   int32_t size;
-  bool markup, bold;
   uint32_t format;
-  uint8_t alpha;
   Rect place;
+  bool markup, bold;
+  uint8_t alpha;
 };
 constexpr uint32_t kRight = 2, kEllipsis = 262144;
 constexpr TextRow kTexts[] = {
-    {kUpdateAvailable, 18, false, true, 0, 255, Rect::Of(540, 16, 320, 46)},
-    {kLicense, 16, true, false, kEllipsis, 255, Rect::Of(117, 310, 380, 20)},
-    {kChooseMethod, 16, false, true, 0, 255, Rect::Of(97, 340, 400, 22)},
-    {kBrowserTip, 15, true, false, 0, 255, Rect::Of(540, 290, 320, 160)},
-    {kInstalling, 16, false, false, 0, 255, Rect::Of(97, 484, 330, 20)},
-    {kUpdates, 13, false, false, 0, 128, Rect::Of(97, 558, 400, 60)},
-    {kRemove, 14, false, false, 0, 255, Rect::Of(540, 558, 320, 60)},
+    {kUpdateAvailable, 18, 0, Rect::Of(540, 16, 320, 46), false, true, 255},
+    {kLicense, 16, kEllipsis, Rect::Of(117, 310, 380, 20), true, false, 255},
+    {kChooseMethod, 16, 0, Rect::Of(97, 340, 400, 22), false, true, 255},
+    {kBrowserTip, 15, 0, Rect::Of(540, 290, 320, 200), true, false, 255},
+    {kInstalling, 16, 0, Rect::Of(97, 484, 330, 20), false, false, 255},
+    {kUpdates, 13, 0, Rect::Of(97, 558, 400, 60), false, false, 128},
+    {kRemove, 14, 0, Rect::Of(540, 558, 320, 60), false, false, 255},
 };
 
 struct FrozenButtonRow {
@@ -243,7 +243,7 @@ void GalleryWindow::AddLiveMarks() {
   accept->controlId = kBoxId;
   accept->label = String(kAccept);
   MTextArea* const acceptText =
-      AddText(accept->label, {kAccept, 16, false, false, kEllipsis, 255, Rect::Of(117, 257, 380, 46)}, content);
+      AddText(accept->label, {kAccept, 16, kEllipsis, Rect::Of(117, 257, 380, 46), false, false, 255}, content);
   ShareInput(*acceptText, *accept);
   int32_t index = 0;
   for (const uint32_t id : {kAllowUpdates, kNotifyOnly, kNeverCheck}) {
@@ -253,7 +253,7 @@ void GalleryWindow::AddLiveMarks() {
     radio->controlId = static_cast<int32_t>(kFirstRadioId) + index;
     radio->label = String(id);
     MTextArea* const text =
-        AddText(radio->label, {id, 16, false, false, 0, 255, Rect::Of(120, top - 1, 385, 36)}, content);
+        AddText(radio->label, {id, 16, 0, Rect::Of(120, top - 1, 385, 36), false, false, 255}, content);
     ShareInput(*text, *radio);
     ++index;
   }
@@ -271,7 +271,7 @@ void GalleryWindow::AddBars() {
     if (left == 97) movingBar = added;
     left += left == 97 ? 443 : 113;
   }
-  percent = AddText(MString(L"40 %"), {kNone, 14, false, false, kRight, 255, Rect::Of(437, 484, 60, 20)}, content);
+  percent = AddText(MString(L"40 %"), {kNone, 14, kRight, Rect::Of(437, 484, 60, 20), false, false, 255}, content);
 }
 
 void GalleryWindow::AddBottomBar() {
@@ -279,7 +279,7 @@ void GalleryWindow::AddBottomBar() {
   MScale3Section* const bar =
       Add(std::make_unique<MScale3Section>(this, &barData), Rect::Of(0, kHeight - kBarHeight - 1, kWidth, kBarHeight));
   Add(std::make_unique<MSkinnedSection>(skin.Ref(), SourceRect{5, 30, 13, 13}), Rect::Of(97, 28, 13, 13), bar);
-  AddText(String(kRestartBrowser), {kRestartBrowser, 16, false, false, 0, 255, Rect::Of(117, 25, 330, 20)}, bar);
+  AddText(String(kRestartBrowser), {kRestartBrowser, 16, 0, Rect::Of(117, 25, 330, 20), false, false, 255}, bar);
   gated = AddButton(kUpdate, kMoreId, Rect::Of(kWidth - 312, 18, 140, 33), bar);
   AddButton(kClose, kCloseId, Rect::Of(kWidth - 156, 18, 140, 33), bar);
   tooltip = std::make_unique<MTooltipArea>(this, handle, gated->nativeWindow, host.resourceModule);

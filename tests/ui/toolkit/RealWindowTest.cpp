@@ -175,8 +175,8 @@ TEST_F(RealWindow, OnlyTheDirtyPartIsDrawnWithTheConstantAlpha) {
   window.button->alpha = 128;
   window.button->Layout();
   const COLORREF mixed = window.Pixel({90, 30});
-  EXPECT_NEAR(GetRValue(mixed), GetRValue(kBackground) / 2, 2);
-  EXPECT_NEAR(GetGValue(mixed), (200 + GetGValue(kBackground)) / 2, 2);
+  EXPECT_NEAR(GetRValue(mixed), GetRValue(kBackground) / 2.0, 2);
+  EXPECT_NEAR(GetGValue(mixed), (200 + GetGValue(kBackground)) / 2.0, 2);
   window.backgroundColor = RGB(1, 2, 3);
   window.box->Layout();
   EXPECT_EQ(window.Pixel({5, 5}), kBackground) << "nobody asked for this place";
@@ -188,34 +188,34 @@ TEST_F(RealWindow, AButtonFollowsTheMouseAndHoldsItWhileDragged) {
   struct Row {
     const char* what;
     std::function<void()> act;
-    COLORREF look;
     Lines events;
+    COLORREF look;
     bool captured;
   };
   const HWND handle = window.handle;
   const Row rows[] = {
-      {"enters", [&] { driver::MoveTo(handle, inside); }, PaintedSkin::kHover, {"100 0"}, true},
-      {"leaves", [&] { driver::MoveTo(handle, outside); }, PaintedSkin::kNormal, {"100 1"}, false},
-      {"comes back", [&] { driver::MoveTo(handle, inside); }, PaintedSkin::kHover, {"100 0"}, true},
-      {"presses", [&] { driver::Button(handle, true); }, PaintedSkin::kPressed, {"100 3"}, true},
-      {"drags out", [&] { driver::MoveTo(handle, outside); }, PaintedSkin::kHover, {"100 1"}, true},
+      {"enters", [&] { driver::MoveTo(handle, inside); }, {"100 0"}, PaintedSkin::kHover, true},
+      {"leaves", [&] { driver::MoveTo(handle, outside); }, {"100 1"}, PaintedSkin::kNormal, false},
+      {"comes back", [&] { driver::MoveTo(handle, inside); }, {"100 0"}, PaintedSkin::kHover, true},
+      {"presses", [&] { driver::Button(handle, true); }, {"100 3"}, PaintedSkin::kPressed, true},
+      {"drags out", [&] { driver::MoveTo(handle, outside); }, {"100 1"}, PaintedSkin::kHover, true},
       {"over another",
        [&] {
          driver::MoveTo(handle, {270, 30});
        },
-       PaintedSkin::kHover,
        {},
+       PaintedSkin::kHover,
        true},
-      {"back in", [&] { driver::MoveTo(handle, inside); }, PaintedSkin::kPressed, {"100 0"}, true},
-      {"releases", [&] { driver::Button(handle, false); }, PaintedSkin::kHover, {"100 2"}, false},
-      {"presses again", [&] { driver::Button(handle, true); }, PaintedSkin::kPressed, {"100 3"}, false},
+      {"back in", [&] { driver::MoveTo(handle, inside); }, {"100 0"}, PaintedSkin::kPressed, true},
+      {"releases", [&] { driver::Button(handle, false); }, {"100 2"}, PaintedSkin::kHover, false},
+      {"presses again", [&] { driver::Button(handle, true); }, {"100 3"}, PaintedSkin::kPressed, false},
       {"lets go outside: since a click gives the pointer back while it hovers, nobody notices",
        [&] {
          driver::MoveTo(handle, outside);
          driver::Button(handle, false);
        },
-       PaintedSkin::kPressed,
        {},
+       PaintedSkin::kPressed,
        false},
   };
   for (const Row& row : rows) {
