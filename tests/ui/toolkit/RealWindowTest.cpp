@@ -402,24 +402,28 @@ TEST_F(RealWindow, ATooltipIsThereExactlyWhileItIsActive) {
 }
 
 TEST_F(RealWindow, AThousandLayoutsAndPaintsLeaveNothing) {
-  const auto round = [&] {
+  window.rect = {0, 0, 730, 345};
+  const auto round = [&](int number) {
     for (MRegion* const region : {static_cast<MRegion*>(window.button.get()), static_cast<MRegion*>(window.box.get()),
                                   static_cast<MRegion*>(window.bar.get())}) {
-      region->Detach();
-      window.Attach(region);
+      if (number % 10 == 0) {
+        region->Detach();
+        window.Attach(region);
+      }
       region->Layout();
     }
+    window.rect.right = 730 + number % 2;  // a new back buffer each time
     window.ApplyRect(false, true);
     InvalidateRect(window.handle, nullptr, FALSE);
     UpdateWindow(window.handle);
   };
-  for (int i = 0; i < 50; ++i) round();
+  for (int i = 0; i < 50; ++i) round(i);
   window.Take();
   window.events.reserve(2000);
   const driver::ObjectCounts before = driver::CountObjects(window.handle);
   ASSERT_GT(before.gdi, 5u);
   for (int i = 0; i < 1000; ++i) {
-    round();
+    round(i);
     window.events.clear();
   }
   driver::PumpInput(window.handle);
