@@ -154,8 +154,7 @@ def make_digests():
 
     def digest(name, files, *, hashed=None, end='\r\n', value=None, extra=''):
         whole = b''.join(contents.get(file, b'') for file in (files if hashed is None else hashed))
-        write('whole', whole)
-        binary = subprocess.run(['openssl', 'dgst', '-sha256', '-binary', 'whole'], check=True, capture_output=True).stdout
+        binary = subprocess.run(['openssl', 'dgst', '-sha256', '-binary'], input=whole, check=True, capture_output=True).stdout
         text = subprocess.run(['openssl', 'base64', '-A'], input=binary, check=True, capture_output=True).stdout.decode()
         lines = ['<Signature>', *(f'<Reference URI="{file}" />' for file in files),
                  f'<DigestValue>{text if value is None else value}</DigestValue>', extra + '</Signature>', '']
@@ -178,6 +177,10 @@ def make_digests():
     digest('huge-value', both, value='A' * 200000)
     digest('last-value-wins', both, extra='<DigestValue>AAAA</DigestValue>\r\n')
     digest('many', [f'{"n" * 200}{number}' for number in range(3000)] + both)
+    # For the benchmark: four files of 64 MiB each, of the bytes from 0 to 255 over and over.
+    quarter = bytes(range(256)) * (1 << 18)
+    contents.update({'Large.exe': quarter, '1.dat': quarter, '2.dat': quarter, '3.dat': quarter})
+    digest('large', ['Large.exe', '1.dat', '2.dat', '3.dat'])
     write('digest', b'<Reference URI="Demo.exe" />\r\n')
     sign('digest-untrusted', 'digest', 'strange-signer', chain=['stranger'])
 
