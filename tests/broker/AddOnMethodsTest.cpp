@@ -143,6 +143,22 @@ BOOL WINAPI CountClosed(void* handle) {
   return close(handle);
 }
 
+BOOL WINAPI FailToRead(void*, void*, DWORD, DWORD*) {
+  return FALSE;
+}
+
+TEST_F(AddOnMethods, AFailedReadLeavesTheDownloadOpen) {
+  const ULONG cookie = Open("/claims/100000/100000");
+  ULONG position = kUnset, length = kUnset;
+  {
+    const ImportHook hook(GetModuleHandleW(nullptr), "InternetReadFile", FailToRead);
+    EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &position, &length), E_FAIL);
+    EXPECT_EQ(position, kUnset);
+  }
+  Pump(cookie);
+  EXPECT_EQ(Close(cookie, nullptr), 0u);
+}
+
 TEST_F(AddOnMethods, AnObjectsEndEndsItsDownloads) {
   const ImportHook hook(GetModuleHandleW(nullptr), "InternetCloseHandle", CountClosed);
   g_closed = 0;
