@@ -104,9 +104,10 @@ HostExit Run(const Session& session) {
     case HostCommand::Register: return Register(session.module, kind);
     case HostCommand::Unregister: return Unregister(kind);
     case HostCommand::RefreshPolicies: return RefreshPolicies(session.module);
-    case HostCommand::Broker:
     case HostCommand::Gallery:
-    case HostCommand::Help: break;  // two have exit codes of their own, the third needs no module
+      return RunGallery(session.host, session.line.language) ? HostExit::Done : HostExit::Failed;
+    case HostCommand::Broker:
+    case HostCommand::Help: break;  // one has exit codes of its own, the other needs no module
   }
   return HostExit::Usage;
 }
@@ -115,6 +116,5 @@ HostExit Run(const Session& session) {
 
 int RunHostCommand(const Session& session) {
   if (session.line.command == HostCommand::Broker) return static_cast<int>(session.module->RunBroker());
-  if (session.line.command == HostCommand::Gallery) return RunGallery(session.host, session.line.language);
   return static_cast<int>(Run(session));
 }

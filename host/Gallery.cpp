@@ -354,7 +354,7 @@ void GalleryWindow::ShareInput(MRegion& label, const MRegion& control) {
 
 }  // namespace
 
-int RunGallery(HostCallbacks& host, uint32_t language) {
+bool RunGallery(HostCallbacks& host, uint32_t language) {
   if (language != 0) {
     SetThreadLocale(MAKELCID(language, SORT_DEFAULT));
     SetThreadUILanguage(static_cast<LANGID>(language));
@@ -362,5 +362,6 @@ int RunGallery(HostCallbacks& host, uint32_t language) {
   MorphUI ui(&host, host.resourceModule);
   GalleryWindow window(&ui, host);
   ui.SetWindow(&window);
-  return ui.RunMessageLoop();
+  const int32_t code = ui.RunMessageLoop();
+  return code == 0 || code == kExitClosedByUser;
 }

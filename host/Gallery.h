@@ -6,6 +6,6 @@
 
 #include "engine/HostCallbacks.h"
 
-// Shows the window in `language`, a platform identifier or 0 for the user's own, until it is closed; the exit code of
-// its loop. `host` has its shim and its resource module.
-[[nodiscard]] int RunGallery(HostCallbacks& host, uint32_t language);
+// Shows the window in `language`, a platform identifier or 0 for the user's own, until it is closed. False when it
+// cannot be shown. `host` has its shim and its resource module.
+[[nodiscard]] bool RunGallery(HostCallbacks& host, uint32_t language);

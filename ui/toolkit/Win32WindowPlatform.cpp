@@ -77,6 +77,7 @@ Win32WindowPlatform::~Win32WindowPlatform() {
 }
 
 void Win32WindowPlatform::Invalidate(const Rect& rect) {
+  if (handle == nullptr) return;  // which would stand for every window there is
   const RECT area = {rect.left, rect.top, rect.right, rect.bottom};
   InvalidateRect(handle, &area, FALSE);
 }
@@ -192,7 +193,7 @@ void Win32WindowPlatform::Paint() {
 }
 
 void Win32WindowPlatform::EnsureBackBuffer(int32_t width, int32_t height) {
-  if (width == backWidth && height == backHeight) return;
+  if (handle == nullptr || (width == backWidth && height == backHeight)) return;
   const HBITMAP buffer = CreateCompatibleBitmap(WindowDc(handle).Get(), std::max(width, 1), std::max(height, 1));
   if (buffer == nullptr) return;
   back.Select(buffer);
