@@ -32,7 +32,8 @@ class HostCallbacks {
  public:
   // Logs a failure or an event. `reserved` is always 0. Cannot fail.
   virtual void ReportMessage(uint64_t reserved, uint32_t severity, uint32_t code, MString text) = 0;
-  // Supplies a text that the module's string table lacks. `flag` is 1 from the window, 0 from LoadString.
+  // Supplies a text. With `flag` 1, from the window, it is whatever the shim's LoadString gives; with 0, from there,
+  // one that the module's string tables lack.
   virtual void LoadStringFallback(MString* out, uint32_t id, uint32_t flag) = 0;
   virtual MessageLog* GetMessageLog() = 0;
   // HostFlag bits; the value 130 exactly labels the window's quit button by GetInstallSource.

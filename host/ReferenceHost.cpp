@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "engine/LumenBrokerShim.h"
 #include "engine/ProductKeys.h"
 #include "engine/ProductKind.h"
 #include "engine/Registry.h"
@@ -58,7 +59,13 @@ void ReferenceHost::ReportMessage(uint64_t /*reserved*/, uint32_t severity, uint
   log.Add(severity, code, text.View());
 }
 
-void ReferenceHost::LoadStringFallback(MString* out, uint32_t id, uint32_t /*flag*/) noexcept {
+// The window asks its host first; what the module's own tables have comes from there, in the user's language. The shim
+// asks again, without the flag, for what they lack.
+void ReferenceHost::LoadStringFallback(MString* out, uint32_t id, uint32_t flag) noexcept {
+  if (flag != 0 && shim != nullptr) {
+    shim->LoadString(out, id, 1);
+    return;
+  }
   const wchar_t* const text = HostText(id);
   *out = MString(text == nullptr ? L"MISSING LOCALIZATION" : text);
 }

@@ -3,6 +3,8 @@
 #include <map>
 #include <set>
 
+#include "engine/ProductKind.h"
+#include "host/ReferenceHost.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/support/Texts.h"
 
@@ -162,4 +164,25 @@ TEST_F(ModuleFixture, AValueIsFilledInOnceAndNotReadAgain) {
             "Installation of Lumen Player 1^2 is complete");
   shim->LoadString(&text, 8, 1);
   EXPECT_EQ(Text(MString::Replace(text, MString(L"^"), MString(L"x"))), Text(text)) << "no value to fill in";
+}
+
+// The window's way to a text: the host, which asks the shim, which asks the host for what the tables lack.
+TEST(ReferenceHostTexts, ComeFromTheModuleFirst) {
+  ReferenceHost host{product_kind::ActiveX};
+  host.resourceModule = LoadedModule();
+  const auto start = reinterpret_cast<LumenBrokerShim* (*)(HostCallbacks*)>(
+      reinterpret_cast<void*>(GetProcAddress(LoadedModule(), "Start")));
+  host.shim = start(&host);
+  ASSERT_NE(host.shim, nullptr);
+  const LocaleScope scope(1033);
+  const struct {
+    uint32_t id;
+    const char* text;
+  } rows[] = {{35, "CLOSE"}, {15, "^%"}, {29, "Corva Lumen Player ^ Installer"}, {9, "MISSING LOCALIZATION"}};
+  for (const auto& row : rows) {
+    MString text;
+    host.LoadStringFallback(&text, row.id, 1);
+    EXPECT_EQ(Text(text), row.text) << row.id;
+  }
+  host.shim->Destroy(1);
 }
