@@ -1,6 +1,8 @@
 // The region tree: who is whose child, what is drawn where, who is asked about the pointer.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "tests/ui/toolkit/RecordingWindow.h"
 #include "ui/toolkit/RegionWalk.h"
 
@@ -79,6 +81,45 @@ TEST(RegionTree, EndingInAnyOrderLeavesNothingBehind) {
   }
 }
 
+// Regions come and go in every order panels could think of, under the address sanitizer in the native build.
+TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
+  constexpr int kRegions = 8;
+  std::mt19937 random(20);  // NOLINT(cert-msc51-cpp): the same sequence each time
+  const auto pick = [&](int below) { return static_cast<size_t>(random() % static_cast<unsigned>(below)); };
+  for (int round = 0; round < 200; ++round) {
+    RecordingWindow window;
+    std::unique_ptr<MSkinnedSection> regions[kRegions];
+    for (int step = 0; step < 60; ++step) {
+      auto& region = regions[pick(kRegions)];
+      auto& other = regions[pick(kRegions)];
+      if (region == nullptr) {
+        region = std::make_unique<MSkinnedSection>();
+        if (pick(2) == 0) region->drawFlags |= kNativeChild;
+        region->bounds = {0, 0, 9, 9};
+      }
+      bool below = false;  // nothing may be attached beneath itself
+      for (const MRegion* up = other.get(); up != nullptr; up = up->parent) below = below || up == region.get();
+      switch (pick(7)) {
+        case 0: region->Detach(); break;
+        case 1: region.reset(); break;
+        case 2: window.Attach(region.get()); break;
+        case 3: window.SetCapture(region->owner == nullptr ? nullptr : region.get()); break;
+        case 4: region->SetVisible(pick(2) == 0); break;
+        default:
+          if (other != nullptr && !below) other->Attach(region.get());
+      }
+      window.DispatchMouse(kMousePress, {5, 5});
+      window.Tick();
+      for (const auto& each : regions) {
+        if (each == nullptr) continue;
+        each->Invalidate();
+        EXPECT_TRUE(each->next == nullptr || each->next->prev == each.get());
+        EXPECT_TRUE(each->nativeWindow == nullptr || each->owner == &window);
+      }
+    }
+  }
+}
+
 TEST(RegionTree, NativeChildrenComeWithAttachingAndGoWithDetaching) {
   Family family;
   family.parent.bounds = {10, 20, 210, 220};
@@ -99,6 +140,20 @@ TEST(RegionTree, NativeChildrenComeWithAttachingAndGoWithDetaching) {
   family.parent.Attach(&group);
   EXPECT_EQ(family.window.Take(), (Lines{"child 2 15,25,35,45"}));
   family.a.Detach();
+}
+
+TEST(RegionTree, AWindowThatEndsLetsGoOfItsRegions) {
+  auto window = std::make_unique<RecordingWindow>();
+  MSkinnedSection parent, child;
+  child.drawFlags |= kNativeChild;
+  parent.Attach(&child);
+  window->Attach(&parent);
+  ASSERT_NE(child.nativeWindow, nullptr);
+  window.reset();
+  EXPECT_EQ(child.nativeWindow, nullptr);
+  child.SetVisible(false);
+  child.Invalidate();
+  EXPECT_EQ(child.owner, nullptr);
 }
 
 TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
