@@ -40,6 +40,7 @@ struct Originals {
   decltype(&::DeleteFileW) DeleteFileW;
   decltype(&::SetFileAttributesW) SetFileAttributesW;
   decltype(&::MoveFileExW) MoveFileExW;
+  decltype(&::CreateProcessW) CreateProcessW;
   decltype(&::LoadLibraryW) LoadLibraryW;
   decltype(&::GetProcAddress) GetProcAddress;
   Originals() {
@@ -53,6 +54,7 @@ struct Originals {
     Find(DeleteFileW, L"kernel32.dll", "DeleteFileW");
     Find(SetFileAttributesW, L"kernel32.dll", "SetFileAttributesW");
     Find(MoveFileExW, L"kernel32.dll", "MoveFileExW");
+    Find(CreateProcessW, L"kernel32.dll", "CreateProcessW");
     Find(LoadLibraryW, L"kernel32.dll", "LoadLibraryW");
     Find(GetProcAddress, L"kernel32.dll", "GetProcAddress");
   }
@@ -142,6 +144,14 @@ BOOL WINAPI MoveStep(LPCWSTR path, LPCWSTR target, DWORD flags) {
   return Step("queue " + Utf8(path)) ? FailWith() : g_real.MoveFileExW(path, target, flags);
 }
 
+BOOL WINAPI StartStep(LPCWSTR program, LPWSTR line, LPSECURITY_ATTRIBUTES process, LPSECURITY_ATTRIBUTES thread,
+                      BOOL inherit, DWORD flags, LPVOID environment, LPCWSTR directory, LPSTARTUPINFOW startup,
+                      LPPROCESS_INFORMATION started) {
+  if (Step("start " + Utf8(line))) return FailWith();
+  return g_real.CreateProcessW(program, line, process, thread, inherit, flags, environment, directory, startup,
+                               started);
+}
+
 HMODULE WINAPI LoadStep(LPCWSTR path) {
   const bool ofSystem = _wcsnicmp(path, L"C:\\windows\\system32\\", 20) == 0;
   if (!ofSystem && Step("load " + Utf8(path))) {
@@ -157,6 +167,13 @@ LSTATUS WINAPI DeleteTreeStep(HKEY root, LPCWSTR path) {
   using Function = LSTATUS WINAPI(HKEY, LPCWSTR);
   static auto* const deleteKey = reinterpret_cast<Function*>(
       reinterpret_cast<void*>(g_real.GetProcAddress(GetModuleHandleW(L"shlwapi.dll"), "SHDeleteKeyW")));
+  return deleteKey(root, path);
+}
+LSTATUS WINAPI DeleteTreeStepA(HKEY root, LPCSTR path) {
+  if (Step("delete key " + NameOf(root, path))) return Failure();
+  using Function = LSTATUS WINAPI(HKEY, LPCSTR);
+  static auto* const deleteKey = reinterpret_cast<Function*>(
+      reinterpret_cast<void*>(g_real.GetProcAddress(GetModuleHandleW(L"shlwapi.dll"), "SHDeleteKeyA")));
   return deleteKey(root, path);
 }
 DWORD WINAPI SecurityStep(LPWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what, PSID owner, PSID group,
@@ -205,6 +222,8 @@ FaultSteps::FaultSteps() {
       {"DeleteFileW", reinterpret_cast<void*>(&DeleteFileStep)},
       {"SetFileAttributesW", reinterpret_cast<void*>(&AttributesStep)},
       {"MoveFileExW", reinterpret_cast<void*>(&MoveStep)},
+      {"SHDeleteKeyA", reinterpret_cast<void*>(&DeleteTreeStepA)},
+      {"CreateProcessW", reinterpret_cast<void*>(&StartStep)},
       {"LoadLibraryW", reinterpret_cast<void*>(&LoadStep)},
       {"GetProcAddress", reinterpret_cast<void*>(&FindStep)},
   };

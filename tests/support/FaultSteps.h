@@ -32,7 +32,7 @@ class FaultSteps {
   // performed and fails with `error`; 0 lets all succeed. Steps read:
   //   "create KEY"          "text KEY | NAME"     "number KEY | NAME"    "delete value KEY | NAME"   "delete key KEY"
   //   "open PATH"           "delete PATH"         "attributes PATH"      "queue PATH"
-  //   "load PATH"           "entry NAME"          "security PATH"
+  //   "load PATH"           "entry NAME"          "security PATH"        "start COMMAND LINE"
   // where KEY begins with HKLM or HKCU, `load` is of a library outside the system directory, and `entry` is of
   // DllRegisterServer or DllUnregisterServer.
   Lines Run(size_t failing, const std::function<void()>& sequence, DWORD error = ERROR_ACCESS_DENIED);
