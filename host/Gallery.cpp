@@ -5,7 +5,6 @@
 #include <memory>
 #include <vector>
 
-#include "engine/LumenBrokerShim.h"
 #include "ui/toolkit/MImage.h"
 #include "ui/toolkit/MProgressBar.h"
 #include "ui/toolkit/MScale9Section.h"
@@ -300,7 +299,7 @@ void GalleryWindow::Step() {
 
 MString GalleryWindow::String(uint32_t id) const {
   MString text;
-  host.shim->LoadString(&text, id, 1);
+  morph->GetString(&text, id);
   return MString::Replace(text, MString(L"^"), MString(L"28.0"));
 }
 
