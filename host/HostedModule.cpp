@@ -11,7 +11,7 @@ constexpr wchar_t kDefaultModule[] = L"LumenUtil.dll";
 // A vendor's copy has a name of its own and a module of the same name beside it. A module that is there but cannot be
 // loaded is a failure, never a reason to load another.
 WideString ModulePath(const WideString& ownPath) {
-  const WideString named = ownPath.substr(0, ownPath.rfind(L'.')) + L".dll";
+  WideString named = ownPath.substr(0, ownPath.rfind(L'.')) + L".dll";
   if (GetFileAttributesW(named.c_str()) != INVALID_FILE_ATTRIBUTES) return named;
   return ownPath.substr(0, ownPath.rfind(L'\\') + 1) + kDefaultModule;
 }

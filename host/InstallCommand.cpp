@@ -37,11 +37,10 @@ WideString FileNameOf(const WideString& path) {
 }
 
 WideString SourceOf(const Session& session, const PayloadFile& file) {
-  const WideString own = OwnPath();
   switch (file.source) {
-    case FileSource::Program: return own;
+    case FileSource::Program: return OwnPath();
     case FileSource::Module: return session.module.Path();
-    case FileSource::Settings: return own.substr(0, own.rfind(L'.')) + L".settings";
+    case FileSource::Settings: return SettingsPath();
     case FileSource::Payload: break;
   }
   return PayloadFolder(session) + file.name;

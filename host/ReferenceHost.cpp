@@ -27,6 +27,11 @@ WideString OwnPath() {
   return path;
 }
 
+WideString SettingsPath() {
+  const WideString own = OwnPath();
+  return own.substr(0, own.rfind(L'.')) + L".settings";
+}
+
 ReferenceHost::ReferenceHost(uint32_t kinds) : flags(kinds), taskCommand(OwnPath()) {
   for (const uint32_t kind : {product_kind::ActiveX, product_kind::Plugin, product_kind::Pepper}) {
     const auto version = ReadText(HKEY_LOCAL_MACHINE, GetProductKey(kind).c_str(), "Version");
@@ -40,7 +45,7 @@ void ReferenceHost::Tell(Severity severity, ReportCode code, const WideString& t
 
 bool ReferenceHost::ReadSettings(const wchar_t* path) {
   const FileHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-  if (!file) return GetLastError() == ERROR_FILE_NOT_FOUND;
+  if (!file) return false;
   std::string text;
   char block[8192];
   DWORD read = 0;

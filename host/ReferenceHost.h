@@ -17,8 +17,8 @@ class ReferenceHost final : public HostCallbacks {
   ReferenceHost(const ReferenceHost&) = delete;
   ReferenceHost& operator=(const ReferenceHost&) = delete;
 
-  // Adds a settings document, UTF-8. False when the file is there and cannot be read, or is larger than 4 megabytes; a
-  // missing file is no settings.
+  // Adds a settings document, UTF-8. False when the file cannot be read, is not there, or is larger than 4 megabytes: a
+  // host that installed without its settings would know no file by name.
   [[nodiscard]] bool ReadSettings(const wchar_t* path);
   [[nodiscard]] HostMessageLog& Log() { return log; }
   // A number of the settings, or `otherwise` when it is not given.
@@ -89,5 +89,6 @@ class ReferenceHost final : public HostCallbacks {
   HostMessageLog log;
 };
 
-// The full path of this program.
+// The full path of this program, and of the settings beside it under its name.
 [[nodiscard]] WideString OwnPath();
+[[nodiscard]] WideString SettingsPath();

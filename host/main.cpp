@@ -42,7 +42,7 @@ int Run() {
   if (!line.logFile.empty() && !host.Log().OpenFile(FromUtf8(line.logFile).c_str())) {
     return Fail(HostExit::NoFile, "cannot write to " + line.logFile);
   }
-  const WideString settings = own.substr(0, own.rfind(L'.')) + L".settings";
+  const WideString settings = SettingsPath();
   if (!host.ReadSettings(settings.c_str())) return Fail(HostExit::NoFile, "cannot read " + ToUtf8(settings));
   const HostedModule module(own, &host);
   if (!module) return Fail(HostExit::NoModule, module.Error());

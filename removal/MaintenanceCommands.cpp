@@ -158,12 +158,9 @@ bool RemoveFeedbackService(HostCallbacks* host, const MString& feedbackPath, con
 bool RemoveUpdateServiceFile(HostCallbacks* host, const MString& updatePath, bool setNotify) {
   if (ReleasePlayerRemains(host) || !FileExists(updatePath)) return true;
   const auto runner = UpdateServiceRunner(host, updatePath);
-  bool all = true;
-  if (setNotify && !SetUpdateMode(*runner, static_cast<uint32_t>(UpdateMode::ReplaceByNotify))) {
-    all = false;
-  } else if (!RunUninstallCommand(*runner)) {  // a second time, when notifying asked for it already
-    all = false;
-  }
+  // Notifying asks for one uninstallation itself, so with it the service is asked twice; when it fails, not again.
+  const bool isReady = !setNotify || SetUpdateMode(*runner, static_cast<uint32_t>(UpdateMode::ReplaceByNotify));
+  bool all = isReady && RunUninstallCommand(*runner);
   if (!DeleteFileW(updatePath.Data())) all = false;
   MString name = updatePath.TailFrom("\\");
   (void)name.Take(1);

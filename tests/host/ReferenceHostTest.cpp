@@ -27,7 +27,7 @@ class Host : public testing::Test {
 };
 
 TEST_F(Host, WithoutSettingsItIsAPlainReleaseHost) {
-  EXPECT_TRUE(host.ReadSettings(L"C:\\LumenReferenceHost\\missing"));
+  EXPECT_FALSE(host.ReadSettings(L"C:\\LumenReferenceHost\\missing"));
   EXPECT_FALSE(host.ReadSettings(kFolder)) << "a directory is there and cannot be read";
   EXPECT_EQ(host.GetFlags(), host_flag::Plugin | host_flag::ReleasePlayer);
   EXPECT_TRUE(host.ConflictsBlockInstall());

@@ -197,20 +197,20 @@ TEST_F(Maintenance, AChildThatOutlastsTheWaitFailsAndIsLeftAlone) {
 
 TEST_F(Maintenance, AModeRunsAllItsSwitchesAndThenTheTask) {
   const struct {
-    uint32_t mode;
     const char* failing;
     Lines switches;
+    uint32_t mode;
     bool result, refreshes;
   } rows[] = {
-      {0, "", {"-setSilentAutoUpdate"}, true, true},
-      {0, "-setSilentAutoUpdate", {"-setSilentAutoUpdate"}, false, true},
-      {1, "", {"-uninstall", "-setNotifyAutoUpdate"}, true, true},
-      {1, "-uninstall", {"-uninstall", "-setNotifyAutoUpdate"}, false, true},
-      {1, "-setNotifyAutoUpdate", {"-uninstall", "-setNotifyAutoUpdate"}, false, true},
-      {2, "", {"-uninstall", "-setDisableAutoUpdate"}, true, false},
-      {2, "-uninstall", {"-uninstall", "-setDisableAutoUpdate"}, false, false},
-      {3, "", {"-setNotifyAutoUpdate"}, true, true},
-      {4, "", {"-setDisableAutoUpdate"}, true, true},
+      {"", {"-setSilentAutoUpdate"}, 0, true, true},
+      {"-setSilentAutoUpdate", {"-setSilentAutoUpdate"}, 0, false, true},
+      {"", {"-uninstall", "-setNotifyAutoUpdate"}, 1, true, true},
+      {"-uninstall", {"-uninstall", "-setNotifyAutoUpdate"}, 1, false, true},
+      {"-setNotifyAutoUpdate", {"-uninstall", "-setNotifyAutoUpdate"}, 1, false, true},
+      {"", {"-uninstall", "-setDisableAutoUpdate"}, 2, true, false},
+      {"-uninstall", {"-uninstall", "-setDisableAutoUpdate"}, 2, false, false},
+      {"", {"-setNotifyAutoUpdate"}, 3, true, true},
+      {"", {"-setDisableAutoUpdate"}, 4, true, true},
   };
   for (const auto& row : rows) {
     PutService(update, {{row.failing, 3}});
@@ -276,18 +276,17 @@ TEST_F(Maintenance, WithoutAFeedbackServiceTheUpdateServiceIsAskedForAnalytics) 
 
 struct UpdateRow {
   const char* name;
-  bool setNotify;
   const char* failing;
   Lines switches;
-  bool result;
+  bool setNotify, result;
 };
 
 TEST_F(Maintenance, TheUpdateServiceIsUninstalledTwiceWhenItIsSetToNotify) {
   const UpdateRow rows[] = {
-      {"plain", false, "", {"-uninstall"}, true},
-      {"plain fails", false, "-uninstall", {"-uninstall"}, false},
-      {"notify", true, "", {"-uninstall", "-setNotifyAutoUpdate", "-uninstall"}, true},
-      {"notify fails", true, "-setNotifyAutoUpdate", {"-uninstall", "-setNotifyAutoUpdate"}, false},
+      {"plain", "", {"-uninstall"}, false, true},
+      {"plain fails", "-uninstall", {"-uninstall"}, false, false},
+      {"notify", "", {"-uninstall", "-setNotifyAutoUpdate", "-uninstall"}, true, true},
+      {"notify fails", "-setNotifyAutoUpdate", {"-uninstall", "-setNotifyAutoUpdate"}, true, false},
   };
   for (const UpdateRow& row : rows) {
     PutService(update, {{row.failing, 1}});
