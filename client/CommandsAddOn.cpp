@@ -80,7 +80,7 @@ Outcome Install(Context& context) {
   const std::string& url = context.arguments.Positional()[0];
   const std::string& name = context.arguments.Positional()[1];
   const uint32_t patience = context.arguments.Number("--patience", kPatience).value_or(kPatience);
-  const Outcome package = Fetch(context, "package", url, name, patience);
+  Outcome package = Fetch(context, "package", url, name, patience);
   if (package.code != ExitCode::Done) return package;
   const std::string digest = context.arguments.Value("--digest").value_or(DigestUrlBeside(url));
   return Fetch(context, "digest", digest, "DIGEST#" + name, patience);

@@ -21,7 +21,7 @@ inline WideString Folder(const wchar_t* name) {
 }
 
 inline std::string MessageText(const std::string& name) {
-  const std::string text = testing_files::ReadWhole(Folder(L"messages\\") + WidenAscii(name));
+  std::string text = testing_files::ReadWhole(Folder(L"messages\\") + WidenAscii(name));
   EXPECT_NE(text, "(no file)") << name;
   return text;
 }
