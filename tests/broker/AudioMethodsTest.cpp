@@ -8,6 +8,7 @@
 
 #include "broker/CoLumenBrokerServer.h"
 #include "tests/fakes/ShellFakes.h"
+#include "tests/support/CountFixture.h"
 
 namespace {
 
@@ -174,17 +175,11 @@ TEST_F(Audio, TheObjectsEndLeavesTheEnumerator) {
 }
 
 TEST_F(Audio, ManyClientsLeaveNoHandles) {
-  const auto round = [this] {
+  EXPECT_TRUE(LeavesNothing(40, [this](int) {
     const LONG_PTR cookie = Create();
     EXPECT_EQ(SetBoth(cookie), S_OK);
     EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
-  };
-  round();
-  DWORD before = 0, after = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &before);
-  for (int i = 0; i < 500; ++i) round();
-  GetProcessHandleCount(GetCurrentProcess(), &after);
-  EXPECT_LE(after, before + 2);
+  }));
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include "delivery/TrustAnchor.h"
 #include "tests/delivery/AddOnMaterial.h"
+#include "tests/support/CountFixture.h"
 
 namespace {
 
@@ -168,7 +169,7 @@ TEST(SignedMessage, NothingIsLeftBehindByAnyOutcome) {
       Bytes content;
       for (const Bytes& message : messages) (void)VerifySignedMessage(message, anchor, content);
     }
-    GetProcessHandleCount(GetCurrentProcess(), &handles[phase]);
+    handles[phase] = counts::KernelHandles();
     bytes[phase] = PrivateBytes();
   }
   EXPECT_EQ(handles[1], handles[0]);

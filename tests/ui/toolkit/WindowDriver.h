@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+#include "tests/support/CountFixture.h"
 #include "ui/toolkit/Geometry.h"
 
 namespace driver {
@@ -91,23 +92,6 @@ struct ObjectCounts {
   size_t heapBlocks = 0;
 };
 
-inline size_t CountGdiObjects() {
-  struct Entry {
-    uint64_t object;
-    uint16_t owner, reserved, unique;
-    uint8_t type, flags;
-    uint64_t pointer;
-  };
-  static_assert(sizeof(Entry) == 24);
-  constexpr size_t kEntries = 65536, kTableOffset = 0xF8, kBlockOffset = 0x60;
-  const auto* const block = reinterpret_cast<const uint8_t*>(
-      *reinterpret_cast<void* const*>(reinterpret_cast<const uint8_t*>(NtCurrentTeb()) + kBlockOffset));
-  const auto* const table = *reinterpret_cast<const Entry* const*>(block + kTableOffset);
-  size_t count = 0;
-  for (size_t i = 0; i < kEntries; ++i) count += table[i].type != 0;
-  return count;
-}
-
 inline size_t CountHeapBlocks() {
   std::vector<HANDLE> heaps(64);
   heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
@@ -123,7 +107,7 @@ inline size_t CountHeapBlocks() {
 
 inline ObjectCounts CountObjects(HWND window) {
   ObjectCounts counts;
-  counts.gdi = CountGdiObjects();
+  counts.gdi = counts::GdiObjects();
   EnumChildWindows(
       window,
       [](HWND, LPARAM total) {
