@@ -58,11 +58,11 @@ TEST(Image, GivesBackItsBitmapAndContext) {
     image.Load(GetModuleHandleW(nullptr), image_id::Skin);
   };
   load();
-  const size_t before = driver::CountGdiObjects();
+  const size_t before = counts::GdiObjects();
   for (int i = 0; i < 100; ++i) load();
-  EXPECT_EQ(driver::CountGdiObjects(), before);
+  EXPECT_EQ(counts::GdiObjects(), before);
   const GdiObject leaked(CreateSolidBrush(1));
-  EXPECT_EQ(driver::CountGdiObjects(), before + 1) << "the count sees what stays";
+  EXPECT_EQ(counts::GdiObjects(), before + 1) << "the count sees what stays";
 }
 
 }  // namespace
