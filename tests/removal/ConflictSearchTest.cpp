@@ -264,7 +264,7 @@ TEST(FindRunningBrowser, GivesThePathOfTheLastOne) {
     EXPECT_EQ(Text(FindRunningBrowser(processes)), row.found);
   }
   for (const wchar_t* name : {L"safari.exe", L"opera.exe", L"netscape.exe", L"mozilla.exe"}) {
-    MemoryProcesses processes({{name, L"C:\\b"}});
+    MemoryProcesses processes(std::vector<Process>{{name, L"C:\\b"}});
     EXPECT_EQ(Text(FindRunningBrowser(processes)), "C:\\b");
   }
   MemoryProcesses unlisted({});
