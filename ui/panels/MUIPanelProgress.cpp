@@ -180,6 +180,7 @@ void MUIPanelProgress::ReplaceTitle() {
 void MUIPanelProgress::ShowUpdateChoice() {
   using namespace text_locale;
   choiceShown = 1;
+  bar->Invalidate();  // it is wider than what is put in its place
   bar->Detach();
   const bool chinese = OffsetIn({TraditionalChinese, SimplifiedChinese}, 1) != 0;
   const bool japanese = OffsetIn({Japanese}, 1) != 0;
