@@ -20,6 +20,12 @@ namespace {
 // The options a client may set. The rest are the server's: among them, to pick folders and to return what is no file.
 constexpr ULONG kClientOptions = 0xFF31FF1A;
 
+// Print flags that ask for hooks and templates. No call can bring those, and a platform that trusts the flags calls a
+// null hook; one that does not refuses them, which is what a client gets.
+constexpr DWORD kForeignPrintParts = PD_ENABLEPRINTHOOK | PD_ENABLESETUPHOOK | PD_ENABLEPRINTTEMPLATE |
+                                     PD_ENABLESETUPTEMPLATE | PD_ENABLEPRINTTEMPLATEHANDLE |
+                                     PD_ENABLESETUPTEMPLATEHANDLE;
+
 struct FileDialogCall {
   HWND owner;
   ULONG pairs;
@@ -199,6 +205,7 @@ HRESULT CoLumenBrokerServer::BrokerPrintDialog(ULONG p_hwnd, ULONG* p_nFromPage,
                                                ULONG* p_hdc) {
   static_assert(sizeof(PRINTDLGW) == 120);
   if (p_nFromPage == nullptr || p_nToPage == nullptr || p_dwFlags == nullptr || p_hdc == nullptr) return E_INVALIDARG;
+  if ((*p_dwFlags & kForeignPrintParts) != 0) return E_FAIL;
   PRINTDLGW dialog = {};
   dialog.lStructSize = sizeof(dialog);
   dialog.hwndOwner = ToWindow(p_hwnd);

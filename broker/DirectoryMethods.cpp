@@ -148,6 +148,8 @@ HRESULT CoLumenBrokerServer::BrokerFindNextFile(ULONG p_findCookie, BSTR* p_file
   }
   const auto findNext = pathOperations.Kernel().FindNextFileW;
   if (findNext == nullptr) return E_FAIL;
+  // A search handle is memory of the platform's, which it reads unasked: a file's handle would take the server down.
+  if (cookies.FindCookie(p_findCookie)->filePath) return HresultFromError(ERROR_INVALID_HANDLE);
   WIN32_FIND_DATAW entry = {};
   if (!findNext(ToHandle(search), &entry)) return LastErrorResult();
   return GiveEntry(entry, p_fileLeafName, p_fileAttrs);

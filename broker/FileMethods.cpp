@@ -16,6 +16,10 @@
 
 namespace {
 
+// More than a call can carry back. Marshallers reckon a reply's length in 32 bits, with their own words on top; one
+// whose length wraps would be written over the server's memory. It fails like an array that there is no memory for.
+constexpr ULONG kMostReplyBytes = 0x7FFF0000;
+
 HANDLE ToHandle(intptr_t value) {
   return reinterpret_cast<HANDLE>(value);
 }
@@ -155,7 +159,7 @@ HRESULT CoLumenBrokerServer::BrokerReadFile(ULONG p_fileCookie, ULONG p_numToRea
                                             SAFEARRAY** p_data) {
   intptr_t raw = kNoHandle;
   if (!cookies.ResolveRawHandle(p_fileCookie, raw) || p_numRead == nullptr || p_data == nullptr) return E_INVALIDARG;
-  *p_data = SafeArrayCreateVector(VT_UI1, 0, p_numToRead);
+  *p_data = p_numToRead > kMostReplyBytes ? nullptr : SafeArrayCreateVector(VT_UI1, 0, p_numToRead);
   if (*p_data == nullptr) return E_FAIL;
   void* bytes = nullptr;
   // An array that cannot be locked goes back as it is, with success; clients look at the count first.
@@ -221,11 +225,19 @@ BrokerCookieRecord* CoLumenBrokerServer::ResolveFileHandle(uint32_t cookie, HAND
   handle = INVALID_HANDLE_VALUE;
   BrokerCookieRecord* const record = cookies.FindCookie(cookie);
   if (record == nullptr) return nullptr;
-  if (!noDeferredOpen && record->deferredOpen) {
-    handle = OpenDeferred(*record, pathOperations.Kernel(), efswrt);
-    record->handle = FromHandle(handle);
-  } else {
+  if (noDeferredOpen || !record->deferredOpen) {
     handle = ToHandle(record->handle);
+    return record;
   }
-  return record;
+  // While the platform's attachment services look at the file, other calls of this client may arrive, and one of them
+  // may close the cookie. So the record is not touched meanwhile, and looked up again.
+  BrokerCookieRecord opening;
+  opening.filePath = record->filePath;
+  opening.deferredOpen = std::move(record->deferredOpen);
+  FileHandle file(OpenDeferred(opening, pathOperations.Kernel(), efswrt));
+  BrokerCookieRecord* const remaining = cookies.FindCookie(cookie);
+  if (remaining == nullptr) return nullptr;
+  handle = file.Release();  // the record's from here on
+  remaining->handle = FromHandle(handle);
+  return remaining;
 }

@@ -23,7 +23,13 @@ class SafeArrayBytes {
   explicit SafeArrayBytes(SAFEARRAY* array) {
     if (!IsWellFormedByteArray(array)) return;
     result_ = SafeArrayAccessData(array, &data_);
-    if (SUCCEEDED(result_)) array_ = array;
+    if (FAILED(result_)) return;
+    array_ = array;
+    if (data_ != nullptr || array->rgsabound[0].cElements == 0) return;
+    // Described but never allocated: it promises bytes that are not there.
+    SafeArrayUnaccessData(array);
+    array_ = nullptr;
+    result_ = E_FAIL;
   }
   ~SafeArrayBytes() {
     if (array_ != nullptr) SafeArrayUnaccessData(array_);

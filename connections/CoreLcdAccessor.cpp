@@ -55,7 +55,8 @@ bool CoreLcdAccessor::IsSegmentValid() const {
 }
 
 uint8_t CoreLcdAccessor::ByteAt(const uint8_t* from, size_t offset) const {
-  return offset < static_cast<size_t>(End() - from) ? from[offset] : 0;
+  // A suffix that the mapping's end cuts off leaves `from` beyond it.
+  return from < End() && offset < static_cast<size_t>(End() - from) ? from[offset] : 0;
 }
 
 bool CoreLcdAccessor::HasSuffix(const uint8_t* at) const {

@@ -199,6 +199,25 @@ TEST_F(DialogSteps, SaveReturnsTheFailureOfEachStep) {
   EXPECT_EQ(cookie, 1u) << "no failure took a number";
 }
 
+TEST_F(DialogSteps, CookieMayGoWhileItsFileIsBeingOpened) {
+  const shell_fakes::Registered<shell_fakes::Attachment> attachments{__uuidof(AttachmentServices)};
+  for (const bool closing : {true, false}) {
+    ULONG cookie = 0, count = 0;
+    BString chosen;
+    ASSERT_EQ(Save(cookie, chosen), S_OK);
+    HRESULT meanwhile = E_UNEXPECTED;
+    g_record.meanwhile = [&] {
+      meanwhile = closing ? broker->BrokerCloseHandle(cookie)
+                          : broker->BrokerWriteFile(cookie, ByteArray("early").Get(), &count);
+    };
+    EXPECT_EQ(broker->BrokerWriteFile(cookie, ByteArray("x").Get(), &count), closing ? E_INVALIDARG : S_OK);
+    EXPECT_EQ(meanwhile == S_OK, closing) << "the file is not open yet";
+    EXPECT_EQ(broker->BrokerCloseHandle(cookie), closing ? E_INVALIDARG : S_OK);
+    EXPECT_EQ(testing_files::ReadWhole(path), closing ? "" : "x");
+    EXPECT_TRUE(DeleteFileW(path.c_str())) << "nothing holds it";
+  }
+}
+
 struct PrintCall {
   BOOL answer = TRUE;
   PRINTDLGW asked = {};
@@ -239,6 +258,13 @@ TEST_F(DialogSteps, PrintPassesPagesBothWaysAndFreesTheDeviceMemory) {
     EXPECT_EQ(dc, answer ? 0x80010047u : 11u) << "the low 32 bits";
     EXPECT_EQ(GlobalFlags(g_print.mode), static_cast<UINT>(GMEM_INVALID_HANDLE));
     EXPECT_EQ(GlobalFlags(g_print.names), static_cast<UINT>(GMEM_INVALID_HANDLE));
+  }
+  // Hooks and templates that the call cannot bring.
+  for (ULONG flag = PD_ENABLEPRINTHOOK; flag <= PD_ENABLESETUPTEMPLATEHANDLE; flag <<= 1) {
+    g_print = {};
+    ULONG pages = 1, flags = PD_RETURNDC | flag, dc = 11;
+    EXPECT_EQ(broker->BrokerPrintDialog(0, &pages, &pages, &flags, &dc), E_FAIL) << flag;
+    EXPECT_EQ(g_print.asked.lStructSize, 0u) << "the platform is not asked with " << flag;
   }
   ULONG value = 0;
   EXPECT_EQ(broker->BrokerPrintDialog(0, nullptr, &value, &value, &value), E_INVALIDARG);

@@ -109,6 +109,21 @@ TEST_F(Directory, AListWithoutATerminatorEndsWithTheMapping) {
   EXPECT_FALSE(accessor.RemoveConnection("x", 0)) << "there is no terminator to move";
 }
 
+// In a block of exactly the mapping's size, so that a sanitizer sees every byte read beyond it.
+TEST_F(Directory, SuffixesAreCutOffWithTheMapping) {
+  constexpr size_t kMapped = MemoryLcdAccessor::kMapped;
+  const std::unique_ptr<uint8_t[]> mapping(new uint8_t[kMapped]);
+  accessor.AttachSegment(reinterpret_cast<LcdSegment*>(mapping.get()), true, kMapped);
+  for (const size_t colons : {0u, 1u, 2u, 3u, 4u}) {
+    uint8_t* const end = mapping.get() + kMapped;
+    std::memset(mapping.get() + offsetof(LcdSegment, connectionList), 'x', LcdSegment::kListBytes + kLcdOverrun);
+    std::memset(end - colons, ':', colons);
+    std::memcpy(end - colons - 3, "\0y", 3);
+    EXPECT_EQ(accessor.FindConnectionFormat("y", 0), colons < 2 ? 1 : colons == 2 ? -0x30 : ':' - 0x30) << colons;
+    EXPECT_FALSE(accessor.RemoveConnection("y", 0)) << colons;
+  }
+}
+
 TEST_F(Directory, TargetsInBothEncodings) {
   const struct {
     const char* why;

@@ -6,6 +6,7 @@
 #include <shobjidl.h>
 #include <urlmon.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@ struct Record {
   HRESULT loads = E_FAIL;  // of IPersistFile::Load
   std::string failing;     // the call that fails
   HRESULT failure = E_UNEXPECTED;
+  std::function<void()> meanwhile;  // what arrives while the attachment services are at work
 
   HRESULT Note(const std::string& name, const std::string& argument) {
     calls.push_back(argument.empty() ? name : name + " " + argument);
@@ -85,7 +87,10 @@ class Attachment final : public Counted<IAttachmentExecute> {
   HRESULT STDMETHODCALLTYPE SetReferrer(LPCWSTR url) override { return g_record.Note("SetReferrer", ToUtf8(url)); }
   HRESULT STDMETHODCALLTYPE CheckPolicy() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE Prompt(HWND, ATTACHMENT_PROMPT, ATTACHMENT_ACTION*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE Save() override { return g_record.Note("Save", ""); }
+  HRESULT STDMETHODCALLTYPE Save() override {
+    if (g_record.meanwhile) g_record.meanwhile();
+    return g_record.Note("Save", "");
+  }
   HRESULT STDMETHODCALLTYPE Execute(HWND, LPCWSTR, HANDLE*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE SaveWithUI(HWND) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE ClearClientState() override { return E_NOTIMPL; }
