@@ -128,11 +128,11 @@ TEST_F(ModuleFixture, TheThreadsLocaleChoosesTheLanguageAndAnUnknownOneGivesEngl
   host.resourceModule = LoadedModule();
   const struct {
     LCID locale;
-    const char* close;
     uint32_t width;
-  } rows[] = {{1033, "CLOSE", 730},   {1041, "閉じる", 730}, {1029, "ZAVŘÍT", 750}, {2052, "关闭", 730},
-              {1028, "關閉", 730},    {1042, "닫기", 730},   {3082, "CERRAR", 730}, {1031, "SCHLIESSEN", 730},
-              {1049, "ЗАКРЫТЬ", 730}, {1035, "CLOSE", 730}};
+    const char* close;
+  } rows[] = {{1033, 730, "CLOSE"},   {1041, 730, "閉じる"}, {1029, 750, "ZAVŘÍT"}, {2052, 730, "关闭"},
+              {1028, 730, "關閉"},    {1042, 730, "닫기"},   {3082, 730, "CERRAR"}, {1031, 730, "SCHLIESSEN"},
+              {1049, 730, "ЗАКРЫТЬ"}, {1035, 730, "CLOSE"}};
   for (const auto& row : rows) {
     const LocaleScope scope(row.locale);
     MString text;

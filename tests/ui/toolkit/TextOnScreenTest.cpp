@@ -165,10 +165,10 @@ TEST_F(TextOnScreen, FontsFollowTheThreadsLocale) {
   const LCID before = GetThreadLocale();
   const struct {
     LCID locale;
-    const char* face;
     LONG height;
+    const char* face;
   } rows[] = {
-      {1028, "Mingliu", 17}, {1041, "Mincho", 18}, {2052, "SimSun", 17}, {1042, "Arial", 20}, {1033, "Arial", 20}};
+      {1028, 17, "Mingliu"}, {1041, 18, "Mincho"}, {2052, 17, "SimSun"}, {1042, 20, "Arial"}, {1033, 20, "Arial"}};
   for (const auto& row : rows) {
     SetThreadLocale(row.locale);
     const MTextArea area(&window, 20, false, false);

@@ -278,10 +278,10 @@ TEST(TextArea, WithoutABitmapNothingIsTouched) {
 TEST(LocaleFont, FollowsTheLocaleExactly) {
   const struct {
     uint32_t locale;
-    const char* face;
     int32_t height;
-  } rows[] = {{1028, "Mingliu", 13}, {1041, "Mincho", 14}, {2052, "SimSun", 13},
-              {1042, "Arial", 16},   {1033, "Arial", 16},  {3076, "Arial", 16}};
+    const char* face;
+  } rows[] = {{1028, 13, "Mingliu"}, {1041, 14, "Mincho"}, {2052, 13, "SimSun"},
+              {1042, 16, "Arial"},   {1033, 16, "Arial"},  {3076, 16, "Arial"}};
   for (const auto& row : rows) {
     EXPECT_STREQ(ChooseFont(row.locale, 16).face, row.face) << row.locale;
     EXPECT_EQ(ChooseFont(row.locale, 16).height, row.height) << row.locale;
