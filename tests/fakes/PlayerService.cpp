@@ -66,13 +66,28 @@ bool Install(const WideString& path) {
   return service && (StartServiceW(service.Get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING);
 }
 
+// The process that runs the service, so that it can be waited for.
+KernelHandle ProcessOf(SC_HANDLE service) {
+  SERVICE_STATUS_PROCESS status = {};
+  DWORD needed = 0;
+  if (!QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof(status),
+                            &needed) ||
+      status.dwProcessId == 0) {
+    return {};
+  }
+  return KernelHandle(OpenProcess(SYNCHRONIZE, FALSE, status.dwProcessId));
+}
+
+// Ends when the service's process has, since whoever asked deletes the file next.
 void Uninstall() {
   const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
   const ServiceHandle service(OpenServiceW(manager.Get(), Name(), SERVICE_ALL_ACCESS));
   if (!service) return;
+  const KernelHandle process = ProcessOf(service.Get());
   SERVICE_STATUS status = {};
-  ControlService(service.Get(), SERVICE_CONTROL_STOP, &status);
+  const bool stopped = ControlService(service.Get(), SERVICE_CONTROL_STOP, &status);
   DeleteService(service.Get());
+  if (stopped && process) WaitForSingleObject(process.Get(), 20000);
 }
 
 int Scripted(std::ifstream codes, const std::string& path, const std::string& word) {
