@@ -43,6 +43,14 @@ class SavedState {
   int32_t state_;
 };
 
+// Whether the drawing system has such coordinates: its spaces are 27 bits wide to either side. Some versions reckon
+// with what lies beyond until a product wraps to zero, and divide by it.
+bool IsInDrawingSpace(const DrawingRect& rect) {
+  constexpr int32_t kReach = 1 << 27;
+  const auto reached = [](int32_t value) { return value > -kReach && value < kReach; };
+  return reached(rect.left) && reached(rect.top) && reached(rect.right) && reached(rect.bottom);
+}
+
 // Arrays that have passed the checks.
 struct Transfer {
   DrawingRect target;
@@ -50,7 +58,8 @@ struct Transfer {
   FillBitmap bitmap;
 
   void Perform(DrawingRelay& relay, DrawingHandle dc, uint32_t rasterOperation) const {
-    if (bitmap.IsDrawable()) relay.Stretch(dc, target, source, bitmap.Pixels(), bitmap.Header(), rasterOperation);
+    if (!bitmap.IsDrawable() || !IsInDrawingSpace(target) || !IsInDrawingSpace(source)) return;
+    relay.Stretch(dc, target, source, bitmap.Pixels(), bitmap.Header(), rasterOperation);
   }
 };
 

@@ -43,6 +43,12 @@ HRESULT Positive(Result(WINAPI* call)(Parameters...), Arguments... arguments) {
   return call(From<Parameters>(arguments)...) > 0 ? S_OK : E_FAIL;
 }
 
+// The most negative number is no state's. A platform that looks at its absolute value, which it has none of, would go
+// looking for the state where there is no memory.
+HRESULT RestoreTo(ULONG dc, ULONG state) {
+  return state == 0x80000000 ? E_FAIL : NotZero(RestoreDC, dc, state);
+}
+
 }  // namespace
 
 using S = CoLumenBrokerServer;
@@ -50,7 +56,7 @@ using S = CoLumenBrokerServer;
 // clang-format off
 HRESULT S::BrokerDeleteDC(ULONG dc, ULONG* rc)                           { return Out(DeleteDC, rc, dc); }
 HRESULT S::BrokerSaveDC(ULONG dc, ULONG* state)                          { return Out(SaveDC, state, dc); }
-HRESULT S::BrokerRestoreDC(ULONG dc, ULONG state)                        { return NotZero(RestoreDC, dc, state); }
+HRESULT S::BrokerRestoreDC(ULONG dc, ULONG state)                        { return RestoreTo(dc, state); }
 HRESULT S::BrokerStartPage(ULONG dc)                                     { return Positive(StartPage, dc); }
 HRESULT S::BrokerEndPage(ULONG dc)                                       { return Positive(EndPage, dc); }
 HRESULT S::BrokerEndDoc(ULONG dc)                                        { return Positive(EndDoc, dc); }

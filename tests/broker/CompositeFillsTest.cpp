@@ -117,6 +117,22 @@ TEST_F(CompositeFills, BitmapThatCannotBeDrawnIsASuccessWithoutDrawing) {
   EXPECT_EQ(relay.calls, (Calls{"save", "clip", "restore"}));
 }
 
+TEST_F(CompositeFills, RectanglesBeyondTheDrawingSpaceDrawNothing) {
+  constexpr int32_t kFar = 1 << 27;
+  for (const Bytes& far : {Rect(kFar, 0, 1, 1), Rect(0, -kFar, 1, 1), Rect(0, 0, INT_MIN, 2), Rect(0, 0, 2, INT_MAX)}) {
+    for (Bytes Arrays::*const end : {&Arrays::target, &Arrays::source}) {
+      Arrays arrays(44);
+      arrays.*end = far;
+      EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
+    }
+  }
+  EXPECT_EQ(relay.calls, Calls());
+  Arrays arrays(44);
+  arrays.target = Rect(1 - kFar, kFar - 1, kFar - 1, 1 - kFar);
+  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
+  EXPECT_EQ(relay.calls.size(), 1u);
+}
+
 TEST_F(CompositeFills, TenThousandFillsLeaveNothingBehind) {
   relay.recording = false;
   const Arrays arrays(48);

@@ -9,6 +9,7 @@
 
 #include "broker/CoLumenBrokerServer.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/MemoryCanvas.h"
 
 namespace {
 
@@ -114,6 +115,16 @@ TEST(DrawingMethods, EachIsOneCallAndItsShape) {
       EXPECT_EQ(out, row.shape == Shape::Out ? static_cast<ULONG>(given) : kUntouched);
     }
   }
+}
+
+TEST(DrawingMethods, StateWithoutAnAbsoluteValueIsNotLookedFor) {
+  const ComInitializer apartment;
+  const ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
+  const MemoryCanvas canvas;
+  ULONG state = 0;
+  EXPECT_EQ(broker->BrokerSaveDC(canvas.Wire(), &state), S_OK);
+  EXPECT_EQ(broker->BrokerRestoreDC(canvas.Wire(), 0x80000000), E_FAIL);
+  EXPECT_EQ(broker->BrokerRestoreDC(canvas.Wire(), 0xFFFFFFFF), S_OK) << "the newest state";
 }
 
 }  // namespace
