@@ -2,6 +2,8 @@
 // services.
 #include <windows.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <new>
@@ -32,6 +34,22 @@ using TextCall = BOOL WINAPI(HDC, int, int, UINT, const RECT*, const Unit*, UINT
 template <class Unit>
 using ExtentCall = BOOL WINAPI(HDC, const Unit*, int, SIZE*);
 
+// Whether a device could draw characters of the selected font's size. A transform can make them larger than any page;
+// font engines that reckon the memory for one in 32 bits then write behind it. Nothing is drawn of such text, and the
+// client gets the drawing call's own word for that.
+bool IsSizeOfACharacter(HDC dc) {
+  constexpr double kLargest = 32767;  // device units
+  LOGFONTW font = {};
+  XFORM world = {};
+  if (GetObjectW(GetCurrentObject(dc, OBJ_FONT), sizeof(font), &font) == 0) return true;
+  if (GetWorldTransform(dc, &world) == 0) world.eM11 = 1;
+  const double size = std::max({16.0, std::abs(double{1} * font.lfHeight), std::abs(double{1} * font.lfWidth)});
+  // A sum, which stays no number if one of the four is none; the comparison is then false.
+  const double scale = std::fabs(double{world.eM11}) + std::fabs(double{world.eM12}) + std::fabs(double{world.eM21}) +
+                       std::fabs(double{world.eM22});
+  return size * scale <= kLargest;
+}
+
 // All three arrays must be there, those that a flag makes useless included: clients send them.
 template <class Unit>
 HRESULT DrawWith(TextCall<Unit>* draw, const TextArguments& call, ULONG* result) try {
@@ -42,6 +60,8 @@ HRESULT DrawWith(TextCall<Unit>* draw, const TextArguments& call, ULONG* result)
   const std::optional<DrawingRect> area = ReadRect(rectBytes.Argument());
   if (!area || !HasText(text.Argument(), call.count, sizeof(Unit)) || !spacingBytes.IsOpen()) return E_FAIL;
   if (!call.noSpacing && !HasSpacing(spacingBytes.Bytes(), call.count, call.options)) return E_FAIL;
+  *result = 0;
+  if (!IsSizeOfACharacter(GdiHandleFrom(call.dc))) return S_OK;
   const RECT rect = {area->left, area->top, area->right, area->bottom};
   const std::vector<uint8_t> units = ReadText(text.Bytes(), call.count, call.options);
   const std::vector<int32_t> spacing =

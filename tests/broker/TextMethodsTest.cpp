@@ -200,6 +200,30 @@ TEST_F(TextMethods, FontIsMadeSelectedAndDeleted) {
   EXPECT_EQ(done, 1u);
 }
 
+TEST_F(TextMethods, CharactersLargerThanAnyPageAreNotDrawn) {
+  const ImportHook hook(GetModuleHandleW(nullptr), "ExtTextOutW", RecordText);
+  const ByteArray rect(Rect(0, 0, 0, 0));
+  const ByteArray text(Wide(L"a"));
+  const struct {
+    LONG height;
+    float scale;
+    ULONG result;
+  } rows[] = {{-500, 30.0F, 77}, {-500, 1e4F, 0}, {100000, 1.0F, 0}, {20, 1e30F, 0}, {INT_MIN, 1.0F, 0}};
+  ULONG old = 0;
+  ASSERT_EQ(broker->BrokerSetGraphicsMode(dc, GM_ADVANCED, &old), S_OK);
+  for (const auto& row : rows) {
+    const XFORM world = {row.scale, 0, 0, row.scale, 0, 0};
+    LOGFONTW face = {};
+    face.lfHeight = row.height;
+    const GdiObject font(CreateFontIndirectW(&face));
+    const SelectedObject selected(canvas.Get(), font.Get());
+    ASSERT_TRUE(SetWorldTransform(canvas.Get(), &world));
+    ULONG drawn = 5;
+    EXPECT_EQ(broker->BrokerExtTextOutW(dc, 0, 0, 0, 1, rect.Get(), text.Get(), 1, 1, rect.Get(), &drawn), S_OK);
+    EXPECT_EQ(drawn, row.result) << row.height << " by " << row.scale;
+  }
+}
+
 HFONT WINAPI NoFont(const LOGFONTW* /*font*/) {
   return nullptr;
 }
