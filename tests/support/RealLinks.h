@@ -26,7 +26,7 @@ inline WideString OutsidePath(const WideString& path) {
   auto* const convert = reinterpret_cast<Convert*>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
   char* const outside = convert(path.c_str());
-  const WideString wide = FromUtf8(outside);
+  WideString wide = FromUtf8(outside);
   HeapFree(GetProcessHeap(), 0, outside);
   return wide;
 }
