@@ -31,8 +31,9 @@ class ArrayAccess {
 
 HRESULT CheckFilterArguments(ULONG pairs, ULONG length, SAFEARRAY* array) {
   FilterArguments arguments = {pairs, length, array != nullptr, 0, 0};
-  // An array whose elements have no size has no bytes to read, whatever it counts; it passes for one without elements.
-  if (array != nullptr && SafeArrayGetElemsize(array) > 0) {
+  // Bytes or nothing: elements without a size have no bytes to read, and larger ones may be texts or objects, which the
+  // decoding in place would make into pointers of the client's. Any such array passes for one without elements.
+  if (array != nullptr && SafeArrayGetElemsize(array) == 1) {
     arguments.dimensions = SafeArrayGetDim(array);
     if (arguments.dimensions > 0) arguments.elements = array->rgsabound[0].cElements;
   }

@@ -106,6 +106,11 @@ TEST_F(DialogSteps, ArraysThatOnlyAClientInThisProcessCanSend) {
   EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, 20, &bare, 0, &entries), E_INVALIDARG) << "elements without a size";
   bare.cbElements = 1;
   EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, 20, &bare, 0, &entries), E_INVALIDARG) << "without data";
+  const std::string filters = FilterBytes(L"All\\0*.*\\0");
+  const auto length = static_cast<ULONG>(filters.size());
+  const ByteArray wide(SafeArrayCreateVector(VT_I8, 0, length));
+  std::copy(filters.begin(), filters.end(), static_cast<char*>(wide.Get()->pvData));
+  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, length, wide.Get(), 0, &entries), E_INVALIDARG) << "not of bytes";
   ULONG cookie = 5;
   BSTR chosen = nullptr;
   EXPECT_EQ(broker->BrokerSaveDialog2(Window(), nullptr, 0, 0, nullptr, 0, nullptr, &chosen), E_INVALIDARG);
