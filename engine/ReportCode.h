@@ -134,4 +134,14 @@ enum class ReportCode : uint32_t {
   OldTaskFlagsNotRenewed = 1756,
   OldTaskTriggerNotRenewed = 1757,
   TaskNotRegisteredAgain = 1759,
+
+  // The reference host's own.
+  AdministratorWanted = 2001,
+  AnotherInstallerActive = 2002,
+  PayloadMissing = 2003,
+  PayloadNotPermitted = 2004,
+  PayloadNotInstalled = 2005,
+  PlayerInUse = 2006,
+  PlayerNotRegistered = 2007,
+  PlayerNotRemoved = 2008,
 };

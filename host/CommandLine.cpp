@@ -14,7 +14,7 @@ struct CommandRow {
   std::string_view word;
   HostCommand command;
   Words words;
-  bool changesPlayers;       // takes -silent and -what-if
+  bool changesPlayers;       // takes -silent, -console and -what-if
   std::string_view summary;  // empty: another word for a command that has a row of its own
 };
 constexpr CommandRow kCommands[] = {
@@ -83,9 +83,11 @@ class Reader {
 
   HostCommandLine Read() {
     while (next < words.size() && line.error.empty()) ReadOne();
-    if (line.error.empty() && (line.silent || line.whatIf) && (chosen == nullptr || !chosen->changesPlayers)) {
-      line.error = "-silent and -what-if go with commands that change players";
+    if (line.error.empty() && (line.silent || line.console || line.whatIf) &&
+        (chosen == nullptr || !chosen->changesPlayers)) {
+      line.error = "-silent, -console and -what-if go with commands that change players";
     }
+    if (chosen == nullptr) line.command = HostCommand::Install;
     return line;
   }
 
@@ -97,8 +99,13 @@ class Reader {
       ReadLog();
     } else if (SameWord(option, "silent")) {
       line.silent = true;
+    } else if (SameWord(option, "console")) {
+      line.console = true;
     } else if (SameWord(option, "what-if")) {
       line.whatIf = true;
+    } else if (SameWord(option, "language")) {
+      ReadLanguage();
+      if (line.language == 0) line.error = word + " wants a language";
     } else if (const CommandRow* const row = FindCommand(option)) {
       ReadCommand(*row, word);
     } else {
@@ -141,9 +148,10 @@ class Reader {
 
   // It may be left out.
   void ReadLanguage() {
-    const auto language = next < words.size() ? LanguageOfTag(words[next]) : std::nullopt;
-    line.language = language.value_or(0);
-    if (language) ++next;
+    const auto language = next < words.size() ? LanguageOfWord(words[next]) : std::nullopt;
+    if (!language) return;
+    line.language = *language;
+    ++next;
   }
 
   const std::vector<std::string>& words;
@@ -153,6 +161,12 @@ class Reader {
 };
 
 }  // namespace
+
+bool HostCommandLine::InWindow() const {
+  const bool hasPanel = command == HostCommand::Install || command == HostCommand::Uninstall ||
+                        command == HostCommand::Maintain || command == HostCommand::Update;
+  return hasPanel && !silent && !console && !whatIf;
+}
 
 std::optional<uint32_t> KindOfWord(std::string_view word) {
   for (const KindRow& row : kKinds) {
@@ -184,7 +198,9 @@ HostCommandLine ParseHostCommandLine(const std::vector<std::string>& words) {
 }
 
 std::string HostUsage() {
-  std::string text = "LumenHost COMMAND [-log FILE]\n\n";
+  std::string text =
+      "LumenHost [COMMAND] [-language LANGUAGE] [-log FILE]\n\n"
+      "Without a command the installer's window opens for the players of the payload.\n\n";
   for (const CommandRow& row : kCommands) {
     if (row.summary.empty()) continue;
     std::string line = "  -" + std::string(row.word);
@@ -195,12 +211,14 @@ std::string HostUsage() {
   return text +
          "\nKIND is activex, plugin or pepperplugin.\n"
          "LANGUAGE is cs, de, en, es, fr, it, ja, ko, nl, pl, pt-BR, ru, sv, tr, zh-CN or\n"
-         "zh-TW; without it, the user's own.\n"
-         "-silent asks nothing and shows no progress, -what-if tells what would change and\n"
-         "changes nothing; both go with -install, -uninstall, -maintain and -update.\n"
+         "zh-TW, or its number, as 1031; without it, the user's own.\n"
+         "-install, -uninstall, -maintain and -update open a window. With -silent nothing\n"
+         "is asked and no progress shown, with -console both are on the console, and\n"
+         "-what-if tells what would change and changes nothing.\n"
          "-log FILE appends one line for each report: time, severity, code, text, meaning.\n"
          "What changes the machine wants administrative rights.\n\n"
          "Exit codes: 0 done, 1 failed, 2 not understood, 3 the module cannot be loaded,\n"
          "4 the log or the settings cannot be read, 5 done but for a restart, 6 refused,\n"
-         "7 programs are in the way. With -Embedding: the broker's own.\n";
+         "7 programs are in the way, 1039 the window was left before anything was done.\n"
+         "With -Embedding: the broker's own.\n";
 }

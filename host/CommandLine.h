@@ -34,20 +34,26 @@ enum class HostExit : int {
   RestartNeeded = 5,  // done, and complete after the next restart
   Refused = 6,        // this build may not be installed here, or not by this user, or another installer is at work
   Conflicts = 7,      // programs that use the player are running
+  Left = 1039,        // the user left the window before anything was done
 };
 
 struct HostCommandLine {
   HostCommand command = HostCommand::Help;
   uint32_t kinds = 0;     // product_kind flags
-  uint32_t language = 0;  // of -gallery, a platform identifier; 0 for the user's own
+  uint32_t language = 0;  // of the texts, a platform identifier; 0 for the user's own
   bool silent = false;    // no questions, no progress
+  bool console = false;   // questions and progress on the console instead of in a window
   bool whatIf = false;    // tell what would change, change nothing
   std::string logFile;    // -log FILE; empty for none
   std::string error;      // not empty: the line was not understood, and this says why
+
+  // Whether the command shows itself in the installer's window.
+  [[nodiscard]] bool InWindow() const;
 };
 
 // `words` without the program's name, UTF-8. Options may begin with "-" or "/", and letters count in either case, as
-// COM and administrators write them. No command at all is Help.
+// COM and administrators write them. No command at all is Install without a kind,
+// in the window.
 [[nodiscard]] HostCommandLine ParseHostCommandLine(const std::vector<std::string>& words);
 // The product kind of a word, in either case; nothing for another word.
 [[nodiscard]] std::optional<uint32_t> KindOfWord(std::string_view word);

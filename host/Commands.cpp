@@ -12,6 +12,7 @@
 #include "host/InstallCommand.h"
 #include "host/MachineState.h"
 #include "host/RemovalCommand.h"
+#include "host/WindowSession.h"
 
 namespace {
 
@@ -105,7 +106,7 @@ HostExit Run(const Session& session) {
     case HostCommand::Unregister: return Unregister(kind);
     case HostCommand::RefreshPolicies: return RefreshPolicies(session.module);
     case HostCommand::Gallery:
-      return RunGallery(session.host, session.line.language) ? HostExit::Done : HostExit::Failed;
+      return RunGallery(session.host) ? HostExit::Done : HostExit::Failed;
     case HostCommand::Broker:
     case HostCommand::Help: break;  // one has exit codes of its own, the other needs no module
   }
@@ -116,5 +117,6 @@ HostExit Run(const Session& session) {
 
 int RunHostCommand(const Session& session) {
   if (session.line.command == HostCommand::Broker) return static_cast<int>(session.module->RunBroker());
+  if (session.line.InWindow()) return WindowSession(session).Run();
   return static_cast<int>(Run(session));
 }

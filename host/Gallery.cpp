@@ -353,11 +353,7 @@ void GalleryWindow::ShareInput(MRegion& label, const MRegion& control) {
 
 }  // namespace
 
-bool RunGallery(HostCallbacks& host, uint32_t language) {
-  if (language != 0) {
-    SetThreadLocale(MAKELCID(language, SORT_DEFAULT));
-    SetThreadUILanguage(static_cast<LANGID>(language));
-  }
+bool RunGallery(HostCallbacks& host) {
   MorphUI ui(&host, host.resourceModule);
   GalleryWindow window(&ui, host);
   ui.SetWindow(&window);

@@ -2,10 +2,8 @@
 // those who change the skin, a translation or a control, and for whoever wants to see what the installer is made of.
 #pragma once
 
-#include <cstdint>
-
 #include "engine/HostCallbacks.h"
 
-// Shows the window in `language`, a platform identifier or 0 for the user's own, until it is closed. False when it
-// cannot be shown. `host` has its shim and its resource module.
-[[nodiscard]] bool RunGallery(HostCallbacks& host, uint32_t language);
+// Shows the window in the thread's language until it is closed. False when it cannot be shown. `host` has its shim and
+// its resource module.
+[[nodiscard]] bool RunGallery(HostCallbacks& host);

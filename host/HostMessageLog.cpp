@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/LumenBrokerShim.h"
+#include "engine/ReportCode.h"
 #include "host/ReportTexts.h"
 
 namespace {
@@ -42,6 +43,14 @@ void HostMessageLog::Add(uint32_t severity, uint32_t code, WideView text) noexce
 bool HostMessageLog::Holds(uint32_t code) const {
   const std::lock_guard guard(lock);
   return std::any_of(entries.begin(), entries.end(), [code](const Entry& entry) { return entry.code == code; });
+}
+
+uint32_t HostMessageLog::CountToTell() const {
+  const std::lock_guard guard(lock);
+  const auto count = std::count_if(entries.begin(), entries.end(), [](const Entry& entry) {
+    return entry.severity >= static_cast<uint32_t>(::Severity::MustTell);
+  });
+  return static_cast<uint32_t>(count);
 }
 
 HostMessageLog::Entry HostMessageLog::At(uint32_t index) const {

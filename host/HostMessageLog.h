@@ -21,6 +21,8 @@ class HostMessageLog final : public MessageLog {
   void Add(uint32_t severity, uint32_t code, WideView text) noexcept;
   // Whether `code` was reported.
   [[nodiscard]] bool Holds(uint32_t code) const;
+  // How many reports the user must be told of.
+  [[nodiscard]] uint32_t CountToTell() const;
 
   // An index past the end answers 0 or an empty text.
   uint32_t Count() noexcept override;

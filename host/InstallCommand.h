@@ -1,7 +1,6 @@
 // -install and -update: the order of an installation's large steps. Each says on the console how it ended.
 #pragma once
 
-#include "host/PayloadCopy.h"
 #include "host/Session.h"
 
 [[nodiscard]] HostExit InstallPlayers(const Session& session);
@@ -10,7 +9,3 @@
 
 // -conflicts: names the programs in the way of the kinds.
 [[nodiscard]] HostExit ShowConflicts(const Session& session);
-
-// Where each file of the kinds comes from and goes to, services last; a file that the payload may lack and lacks is
-// left out.
-[[nodiscard]] std::vector<FileToCopy> FilesToCopy(const Session& session);

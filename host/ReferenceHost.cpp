@@ -64,15 +64,26 @@ void ReferenceHost::ReportMessage(uint64_t /*reserved*/, uint32_t severity, uint
   log.Add(severity, code, text.View());
 }
 
-// The window asks its host first; what the module's own tables have comes from there, in the user's language. The shim
-// asks again, without the flag, for what they lack.
+MString ReferenceHost::OwnText(uint32_t id) {
+  // With no room for it the text is not copied, and its place in the program is given.
+  const wchar_t* resource = nullptr;
+  const int length = LoadStringW(GetModuleHandleW(nullptr), id, reinterpret_cast<wchar_t*>(&resource), 0);
+  if (length > 0) return MString(WideView(resource, static_cast<size_t>(length)));
+  const wchar_t* const text = HostText(id);
+  return MString(text == nullptr ? L"MISSING LOCALIZATION" : text);
+}
+
+// The window asks with a flag and means the module's tables first; those ask without it for what they lack.
 void ReferenceHost::LoadStringFallback(MString* out, uint32_t id, uint32_t flag) noexcept {
   if (flag != 0 && shim != nullptr) {
     shim->LoadString(out, id, 1);
-    return;
+  } else {
+    *out = OwnText(id);
   }
-  const wchar_t* const text = HostText(id);
-  *out = MString(text == nullptr ? L"MISSING LOCALIZATION" : text);
+}
+
+uint32_t ReferenceHost::GetFlags() noexcept {
+  return flags | (playersGone || Yes(L"Host.Debugger") ? 0 : host_flag::ReleasePlayer);
 }
 
 // This host's images are stored as they are.

@@ -27,18 +27,25 @@ class ReferenceHost final : public HostCallbacks {
   void Tell(Severity severity, ReportCode code, const WideString& text = WideString());
   // Something is left to the next restart.
   void RequireRestart() { restartRequired = true; }
+  // What the command is about, once that is known.
+  void SelectKinds(uint32_t kinds) { flags = kinds; }
+  // The players are gone, and with them the release player whose updates the window would ask about.
+  void ForgetReleasePlayer() { playersGone = true; }
   // What the hourly task runs: an installed file, as this program may be gone by then.
   void SetTaskCommand(const WideString& path) { taskCommand = path; }
   // The update mode that the window's panel began with, and the one that the user chose there; nothing until then.
   [[nodiscard]] std::optional<uint32_t> FirstUpdateChoice() const { return firstUpdateChoice; }
   [[nodiscard]] std::optional<uint32_t> UpdateChoice() const { return updateChoice; }
 
+  // This host's own text of an id, in the thread's language.
+  [[nodiscard]] static MString OwnText(uint32_t id);
+
   // None throws: a text for which there is no memory ends the process.
   void ReportMessage(uint64_t reserved, uint32_t severity, uint32_t code, MString text) noexcept override;
   void LoadStringFallback(MString* out, uint32_t id, uint32_t flag) noexcept override;
   MessageLog* GetMessageLog() noexcept override { return &log; }
   // The release bit is the settings' to take away: "Host.Debugger yes".
-  uint32_t GetFlags() noexcept override { return flags | (Yes(L"Host.Debugger") ? 0 : host_flag::ReleasePlayer); }
+  uint32_t GetFlags() noexcept override;
   bool DecompressImage(void* output, uint32_t outputSize, const void* input, uint32_t inputSize) noexcept override;
   MString* GetPayloadPath(MString* out) noexcept override;
   bool ConflictCheckIsOptional() noexcept override { return Yes(L"Host.ConflictCheckIsOptional"); }
@@ -81,6 +88,7 @@ class ReferenceHost final : public HostCallbacks {
 
   uint32_t flags;
   bool restartRequired = false;
+  bool playersGone = false;
   WideString taskCommand;
   std::map<uint32_t, WideString> previousVersions;
   std::optional<uint32_t> firstUpdateChoice;

@@ -4,6 +4,7 @@
 
 #include "host/Console.h"
 #include "host/InstallCommand.h"
+#include "host/PayloadList.h"
 #include "host/WhatIf.h"
 
 namespace {
@@ -19,6 +20,15 @@ bool RemoveKind(const Session& session, uint32_t kind) {
   if (AnyInstalled(kind)) return false;
   Tell(session, "Removed: " + std::string(NameOfKind(kind)) + ".");
   return true;
+}
+
+// A service that would not stop still holds its file when its player has gone.
+void LeaveServicesToRestart(const Session& session) {
+  for (const PayloadFile& service : ServiceFiles(session.host.GetSettings(), true)) {
+    const WideString path = PlayerDirectory() + service.name;
+    if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) continue;
+    MoveFileExW(path.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
+  }
 }
 
 // The host made the directories, so it takes them away when nothing else is in them; behind files that wait for the
@@ -38,10 +48,15 @@ void RemoveDirectories(bool filesWait) {
 
 HostExit RemovePlayers(const Session& session) {
   const ChangeLock lock;
-  if (lock.Refusal() != 0) return End(HostExit::Refused, ModuleText(session, lock.Refusal()));
+  if (const auto refused = lock.Refuse(session)) return *refused;
   (void)session.module->LoadEngineLists();
   if (session.line.whatIf) return TellRemoval(session);
+  return PerformRemoval(session);
+}
+
+HostExit PerformRemoval(const Session& session) {
   const size_t pending = PendingOperations();
+  const uint32_t told = session.host.Log().CountToTell();
   bool all = true;
   for (const uint32_t kind : EachKind(session.line.kinds)) {
     if (!RemoveKind(session, kind)) all = false;
@@ -51,14 +66,17 @@ HostExit RemovePlayers(const Session& session) {
   (void)session.module->RemovePatternFiles(session.line.kinds, directory);
   if (!AnyInstalled(kAllKinds)) {
     (void)session.module->RemoveUpdateService(nullptr, MString(WideView(SystemDirectory())));
+    LeaveServicesToRestart(session);
     RemoveDirectories(PendingOperations() > pending);
   }
   if (PendingOperations() > pending) session.host.RequireRestart();
-  if (!all) return End(HostExit::Failed, "not every player could be removed; -log FILE tells more");
+  if (!all) return Fail(session, HostExit::Failed, ReportCode::PlayerNotRemoved);
   Tell(session, ModuleText(session, kUninstalled));
-  if (!session.host.IsRestartRequired()) return HostExit::Done;
-  Tell(session, ModuleText(session, kRestartToComplete));
-  return HostExit::RestartNeeded;
+  if (session.host.IsRestartRequired()) {
+    Tell(session, ModuleText(session, kRestartToComplete));
+    return HostExit::RestartNeeded;
+  }
+  return session.host.Log().CountToTell() > told ? HostExit::Failed : HostExit::Done;
 }
 
 HostExit MaintainPlayer(const Session& session) {

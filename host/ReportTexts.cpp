@@ -191,6 +191,14 @@ constexpr CodeRow kCodes[] = {
      L"The update check was not scheduled: the trigger could not be renewed (^)."},
     {ReportCode::TaskNotRegisteredAgain, kNone,
      L"The update check was not scheduled: the task could not be registered again (^)."},
+    {ReportCode::AdministratorWanted, 57, L"Administrative rights are wanted."},
+    {ReportCode::AnotherInstallerActive, 59, L"Another installer is at work."},
+    {ReportCode::PayloadMissing, 58, L"A file of the payload is missing: ^"},
+    {ReportCode::PayloadNotPermitted, 62, L"A file may not be written: ^"},
+    {ReportCode::PayloadNotInstalled, 63, L"A file could not be put in its place: ^"},
+    {ReportCode::PlayerInUse, 61, L"A program uses the player: ^"},
+    {ReportCode::PlayerNotRegistered, kNone, L"A player could not be registered: ^"},
+    {ReportCode::PlayerNotRemoved, kNone, L"Not every player could be removed; the log tells more."},
 };
 
 struct TextRow {
@@ -206,8 +214,13 @@ constexpr TextRow kTexts[] = {
     {kError, L"Error '^'.  No further information is available."},
     {kWarning, L"Warning '^'.  No further information is available."},
     {kInformation, L"Generic info '^'.  No further information is available."},
+    {57, L"You must have administrative privileges to install Corva Lumen Player."},
+    {58, L"Cannot continue because the program is damaged."},
+    {59, L"Cannot continue because another Lumen Player installer or uninstaller instance is active."},
     {60, L"The version that you are trying to install is not the most current one."},
+    {61, L"Lumen Player could not be installed because an existing version may still be in use."},
     {62, L"A required file (^) could not be written due to insufficient permissions."},
+    {63, L"A required file (^) could not be installed."},
     {64, L"The ActiveX control for Lumen Player could not be registered."},
     {65, L"The Lumen Player Settings Manager is currently open. Please close it and try again."},
     {73, L"Please restart your system to complete the installation process."},

@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr uint32_t kWantsAdministrator = 57;
-constexpr uint32_t kAnotherIsActive = 59;
 constexpr wchar_t kInstallerMutex[] = L"Global\\CorvaLumenPlayerSetup";
 constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
 
@@ -29,6 +27,12 @@ void Tell(const Session& session, const std::string& text) {
 HostExit End(HostExit code, const std::string& why) {
   SayError("LumenHost: " + why + "\n");
   return code;
+}
+
+HostExit Fail(const Session& session, HostExit exit, ReportCode code, const WideString& text) {
+  session.host.Tell(Severity::MustTell, code, text);
+  return End(exit, ShownText(session, Severity::MustTell, code, text) + " (code " +
+                       std::to_string(static_cast<uint32_t>(code)) + ")");
 }
 
 std::string ModuleText(const Session& session, uint32_t id, const std::string& value) {
@@ -61,6 +65,16 @@ WideString PayloadFolder(const Session& session) {
   return own.substr(0, own.rfind(L'\\') + 1) + (named.empty() ? L"payload" : named.front()) + L"\\";
 }
 
+uint32_t KindsInPayload(const Session& session) {
+  uint32_t kinds = 0;
+  for (const uint32_t kind : EachKind(kAllKinds)) {
+    const WideString player = PlayerName(session.host.GetSettings(), kind);
+    const WideString path = PayloadFolder(session) + player;
+    if (!player.empty() && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) kinds |= kind;
+  }
+  return kinds == 0 ? product_kind::ActiveX : kinds;
+}
+
 bool AnyInstalled(uint32_t kinds) {
   for (const uint32_t kind : EachKind(kinds)) {
     if (OpenKey(HKEY_LOCAL_MACHINE, GetProductKey(kind).c_str(), KEY_READ)) return true;
@@ -70,11 +84,16 @@ bool AnyInstalled(uint32_t kinds) {
 
 ChangeLock::ChangeLock() {
   if (!IsUserAnAdmin()) {
-    refusal = kWantsAdministrator;
+    refusal = ReportCode::AdministratorWanted;
     return;
   }
   mutex.Reset(CreateMutexW(nullptr, FALSE, kInstallerMutex));
-  if (!mutex || GetLastError() == ERROR_ALREADY_EXISTS) refusal = kAnotherIsActive;
+  if (!mutex || GetLastError() == ERROR_ALREADY_EXISTS) refusal = ReportCode::AnotherInstallerActive;
+}
+
+std::optional<HostExit> ChangeLock::Refuse(const Session& session) const {
+  if (!refusal) return std::nullopt;
+  return Fail(session, HostExit::Refused, *refusal);
 }
 
 size_t PendingOperations() {

@@ -1,6 +1,7 @@
 // What the commands work with: the command line, the answers to the module, and the module itself.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "engine/ProductKind.h"
@@ -18,6 +19,10 @@ struct Session {
 void Tell(const Session& session, const std::string& text);
 // Says why a command ends here, and gives back its exit code. Also in silence.
 [[nodiscard]] HostExit End(HostExit code, const std::string& why);
+// Tells the message log what the user must be told, and the console in the words of the failure panel. Gives back
+// `exit`.
+[[nodiscard]] HostExit Fail(const Session& session, HostExit exit, ReportCode code,
+                            const WideString& text = WideString());
 // The module's own text in the user's language, without marks, `value` in the place of "^".
 [[nodiscard]] std::string ModuleText(const Session& session, uint32_t id, const std::string& value = std::string());
 // What the failure panel would show of a report.
@@ -31,6 +36,9 @@ void Tell(const Session& session, const std::string& text);
 // The folder beside this program that players are installed from, with its last backslash.
 [[nodiscard]] WideString PayloadFolder(const Session& session);
 
+// The kinds whose players are in that folder; ActiveX when there is none, so that its absence is told.
+[[nodiscard]] uint32_t KindsInPayload(const Session& session);
+
 constexpr uint32_t kAllKinds = product_kind::ActiveX | product_kind::Plugin | product_kind::Pepper;
 // Whether the registry knows any player of these kinds.
 [[nodiscard]] bool AnyInstalled(uint32_t kinds);
@@ -39,12 +47,12 @@ constexpr uint32_t kAllKinds = product_kind::ActiveX | product_kind::Plugin | pr
 class ChangeLock {
  public:
   ChangeLock();
-  // Nothing when the machine may be changed; else the id of the module's text about it.
-  [[nodiscard]] uint32_t Refusal() const { return refusal; }
+  // Nothing when the machine may be changed; else tells why not.
+  [[nodiscard]] std::optional<HostExit> Refuse(const Session& session) const;
 
  private:
   KernelHandle mutex;
-  uint32_t refusal = 0;
+  std::optional<ReportCode> refusal;
 };
 
 // How many bytes of file operations wait for the next restart.

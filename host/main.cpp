@@ -13,6 +13,8 @@
 #include "host/Console.h"
 #include "host/HostedModule.h"
 #include "host/ReferenceHost.h"
+#include "host/Session.h"
+#include "host/ThreadLanguage.h"
 
 namespace {
 
@@ -31,12 +33,13 @@ std::vector<std::string> Words() {
 }
 
 int Run() {
-  const HostCommandLine line = ParseHostCommandLine(Words());
+  HostCommandLine line = ParseHostCommandLine(Words());
   if (!line.error.empty()) return Fail(HostExit::Usage, line.error + "\n\n" + HostUsage());
   if (line.command == HostCommand::Help) {
     Say(HostUsage());
     return static_cast<int>(HostExit::Done);
   }
+  UseLanguage(line.language);
   const WideString own = OwnPath();
   ReferenceHost host(line.kinds != 0 ? line.kinds : product_kind::ActiveX);
   if (!line.logFile.empty() && !host.Log().OpenFile(FromUtf8(line.logFile).c_str())) {
@@ -46,7 +49,12 @@ int Run() {
   if (!host.ReadSettings(settings.c_str())) return Fail(HostExit::NoFile, "cannot read " + ToUtf8(settings));
   const HostedModule module(own, &host);
   if (!module) return Fail(HostExit::NoModule, module.Error());
-  return RunHostCommand({line, host, module});
+  const Session session = {line, host, module};
+  if (line.command == HostCommand::Install && line.kinds == 0) {
+    line.kinds = KindsInPayload(session);
+    host.SelectKinds(line.kinds);
+  }
+  return RunHostCommand(session);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "engine/ReportCode.h"
 #include "host/CommandLine.h"
 #include "host/ConsoleText.h"
+#include "host/Languages.h"
 #include "host/PayloadList.h"
 #include "host/ReportTexts.h"
 #include "host/StatusTable.h"
@@ -18,11 +19,12 @@ TEST(HostCommandLine, UnderstandsWhatComAndPeopleWrite) {
     std::vector<std::string> words;
     HostCommand command;
     uint32_t kinds;
-    const char* marks;  // s: silent, w: what-if
+    const char* marks;  // s: silent, w: what-if, W: in a window
     const char* log;
     bool understood;
   } rows[] = {
-      {{}, HostCommand::Help, 0, "", "", true},
+      {{}, HostCommand::Install, 0, "W", "", true},
+      {{"-log", "a.log"}, HostCommand::Install, 0, "W", "a.log", true},
       {{"-Embedding"}, HostCommand::Broker, 0, "", "", true},
       {{"/embedding"}, HostCommand::Broker, 0, "", "", true},
       {{"-register", "ActiveX"}, HostCommand::Register, ActiveX, "", "", true},
@@ -34,7 +36,8 @@ TEST(HostCommandLine, UnderstandsWhatComAndPeopleWrite) {
        "",
        true},
       {{"-what-if", "-Uninstall", "plugin", "-log", "b"}, HostCommand::Uninstall, Plugin, "w", "b", true},
-      {{"-maintain", "activex"}, HostCommand::Maintain, ActiveX, "", "", true},
+      {{"-maintain", "activex"}, HostCommand::Maintain, ActiveX, "W", "", true},
+      {{"-install", "plugin", "-console"}, HostCommand::Install, Plugin, "", "", true},
       {{"-update", "plugin", "-silent", "-what-if"}, HostCommand::Update, Plugin, "sw", "", true},
       {{"-check", "pepperplugin"}, HostCommand::Check, Pepper, "", "", true},
       {{"-conflicts", "activex", "activex"}, HostCommand::Conflicts, ActiveX, "", "", true},
@@ -59,9 +62,35 @@ TEST(HostCommandLine, UnderstandsWhatComAndPeopleWrite) {
     if (!row.understood) continue;
     EXPECT_EQ(line.command, row.command) << shown;
     EXPECT_EQ(line.kinds, row.kinds) << shown;
-    EXPECT_EQ(std::string(line.silent ? "s" : "") + (line.whatIf ? "w" : ""), row.marks) << shown;
+    EXPECT_EQ(std::string(line.silent ? "s" : "") + (line.whatIf ? "w" : "") + (line.InWindow() ? "W" : ""), row.marks)
+        << shown;
     EXPECT_EQ(line.logFile, row.log) << shown;
   }
+}
+
+TEST(HostCommandLine, TheLanguageIsATagOrANumberOfATable) {
+  const struct {
+    const char* word;
+    uint32_t language;  // 0: not understood
+  } rows[] = {{"de", 1031}, {"1031", 1031}, {"PT-br", 1046}, {"29", 29}, {"1053", 0}, {"xx", 0}, {"", 0}};
+  for (const auto& row : rows) {
+    const HostCommandLine line = ParseHostCommandLine({"-install", "plugin", "-language", row.word});
+    EXPECT_EQ(line.error.empty(), row.language != 0) << row.word;
+    EXPECT_EQ(line.language, row.language) << row.word;
+  }
+  EXPECT_FALSE(ParseHostCommandLine({"-language"}).error.empty());
+}
+
+TEST(Languages, EveryUserGetsTheTableThatIsNearest) {
+  const struct {
+    uint32_t locale, table;
+    const char* who;
+  } rows[] = {{1031, 1031, "Germany"},   {3079, 1031, "Austria"}, {1053, 29, "Sweden"},      {2070, 1046, "Portugal"},
+              {2058, 3082, "Mexico"},    {2052, 2052, "China"},   {4100, 2052, "Singapore"}, {1028, 1028, "Taiwan"},
+              {3076, 1028, "Hong Kong"}, {5124, 1028, "Macao"},   {1035, 1033, "Finland"},   {0, 1033, "nobody"}};
+  for (const auto& row : rows) EXPECT_EQ(TableForUser(row.locale), row.table) << row.who;
+  EXPECT_EQ(LocaleOfTable(29), 1053u);
+  EXPECT_EQ(LocaleOfTable(1042), 1042u);
 }
 
 TEST(HostCommandLine, TheHelpNamesEveryCommandOnce) {
@@ -102,7 +131,13 @@ TEST(ReportTexts, OnlyWhatTheUserMustBeToldOfHasATextOfTheWindow) {
               {ReportCode::SystemFileNotRemoved, 65},
               {ReportCode::SystemFileQueued, 74},
               {ReportCode::InstallerBlocked, 65},
-              {ReportCode::InstallerNeedsRestart, 73}};
+              {ReportCode::InstallerNeedsRestart, 73},
+              {ReportCode::AdministratorWanted, 57},
+              {ReportCode::AnotherInstallerActive, 59},
+              {ReportCode::PayloadMissing, 58},
+              {ReportCode::PayloadNotPermitted, 62},
+              {ReportCode::PayloadNotInstalled, 63},
+              {ReportCode::PlayerInUse, 61}};
   for (const auto& row : rows) {
     const auto code = static_cast<uint32_t>(row.code);
     EXPECT_EQ(StringIdOf(2, code), row.id) << code;
@@ -112,7 +147,7 @@ TEST(ReportTexts, OnlyWhatTheUserMustBeToldOfHasATextOfTheWindow) {
 }
 
 TEST(ReportTexts, EveryCodeIsASentence) {
-  const uint32_t last = static_cast<uint32_t>(ReportCode::TaskNotRegisteredAgain);
+  const uint32_t last = static_cast<uint32_t>(ReportCode::PlayerNotRemoved);
   uint32_t known = 0;
   for (uint32_t code = 0; code <= last; ++code) {
     if (TextOfCode(code) == nullptr) continue;
@@ -120,7 +155,7 @@ TEST(ReportTexts, EveryCodeIsASentence) {
     const std::string text = ToUtf8(TextOfCode(code));
     EXPECT_TRUE(text.ends_with(".") || text.ends_with("^")) << text;
   }
-  EXPECT_EQ(known, 117u);
+  EXPECT_EQ(known, 125u);
   EXPECT_EQ(ToUtf8(Meaning(1, 1015, L"C:\\a 20").View()), "A file could not be deleted: C:\\a 20");
 }
 
