@@ -4,6 +4,7 @@
 
 #include <new>
 
+#include "engine/ComSupport.h"
 #include "host/Console.h"
 #include "host/InstallSteps.h"
 #include "host/RemovalCommand.h"
@@ -38,6 +39,7 @@ int64_t PanelOf(HostCommand command) {
 
 int WindowSession::Run() {
   if (const auto nothing = RefuseUpdate()) return static_cast<int>(*nothing);
+  const ComInitializer com;  // a screen reader in another process is answered through it
   const ChangeLock lock;
   (void)session.module->LoadEngineLists();  // what is not there yet is reported, and not missed here
   MorphUI* const ui = session.module->CreateUI();

@@ -1,0 +1,279 @@
+// Plays a person at the installer's window: InstallerDriver.exe HOST.exe PICTURES SCRIPT
+//
+// Starts the host on a desktop of its own and does with mouse and keyboard what the script says, a step a line; a step
+// that does not come true within a minute ends it with 1. PICTURES is what the files of pictures begin with.
+//   host ARGUMENTS   starts the host and waits for its window
+//   click ID         the mouse on the middle of a control; click-at X Y on a point of the window's inside
+//   focus ID         Tab until that control has the keyboard
+//   key NAME         tab, space or enter
+//   see ID...        the controls that are shown are these
+//   title TEXT       the window is called this
+//   still            nothing moves any more, and the window answers
+//   double ID        clicks twice, as impatient people do
+//   picture NAME     keeps a picture of a window at rest; glance NAME of one that moves
+//   program PATH     starts the program that waits (tests/fakes/WaitingProgram.cpp); close-program ends it
+//   close            the close box
+//   exit CODE        the host ends with this code
+//   say TEXT         a headline
+#include <windows.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <set>
+#include <sstream>
+
+#include "engine/Handles.h"
+#include "engine/WideText.h"
+#include "tests/support/ScreenPicture.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr auto kLongest = std::chrono::seconds(20);
+constexpr DWORD kGlance = 50;           // milliseconds between two looks
+constexpr DWORD kStillFor = 400;        // a picture that stays the same for so long is one at rest
+constexpr POINT kAside = {1270, 1010};  // where a pointer does not disturb what a key presses
+constexpr wchar_t kWindowClass[] = L"CorvaLumenPlayerInstaller";
+
+struct Program {
+  KernelHandle process;
+  KernelHandle ready;
+  DWORD thread = 0;
+};
+
+bool Await(const std::function<bool()>& done) {
+  const auto deadline = Clock::now() + kLongest;
+  while (!done()) {
+    if (Clock::now() > deadline) return false;
+    Sleep(kGlance);
+  }
+  return true;
+}
+
+Program Start(const WideString& line) {
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof(startup);
+  wchar_t desktop[64] = {};
+  GetUserObjectInformationW(GetThreadDesktop(GetCurrentThreadId()), UOI_NAME, desktop, sizeof(desktop), nullptr);
+  startup.lpDesktop = desktop;
+  PROCESS_INFORMATION info = {};
+  WideString copy = line;
+  if (!CreateProcessW(nullptr, copy.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr, &startup,
+                      &info))
+    return {};
+  const KernelHandle thread(info.hThread);
+  // The waiting program sets an event of this name when it is ready; for any other the event stays unused.
+  KernelHandle ready(CreateEventA(nullptr, TRUE, FALSE, ("waiting-" + std::to_string(info.dwProcessId)).c_str()));
+  ResumeThread(thread.Get());
+  return {KernelHandle(info.hProcess), std::move(ready), info.dwThreadId};
+}
+
+void SendMouse(DWORD flags) {
+  INPUT input = {};
+  input.type = INPUT_MOUSE;
+  input.mi.dwFlags = flags;
+  SendInput(1, &input, sizeof(input));
+}
+
+void SendKey(WORD key) {
+  for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.dwFlags = flags;
+    SendInput(1, &input, sizeof(input));
+  }
+}
+
+class Player {
+ public:
+  Player(WideString hostPath, std::string picturePrefix)
+      : path(std::move(hostPath)), prefix(std::move(picturePrefix)) {}
+
+  bool Do(const std::string& step) {
+    std::istringstream words(step);
+    std::string command;
+    words >> command >> std::ws;
+    std::string rest;
+    std::getline(words, rest);
+    if (command == "say") return std::printf("\n%s\n", rest.c_str()) > 0;
+    std::printf("    %s\n", step.c_str());
+    std::fflush(stdout);
+    if (command == "host") return Open(rest);
+    if (command == "click") return ClickControl(std::stoi(rest));
+    if (command == "double") return ClickControl(std::stoi(rest)) && ClickControl(std::stoi(rest));
+    if (command == "click-at") return ClickAt(rest);
+    if (command == "focus") return Focus(std::stoi(rest));
+    if (command == "key") return Key(rest);
+    if (command == "see") return Await([&] { return Shown() == Sorted(rest); });
+    if (command == "title") return Await([&] { return Title() == rest; });
+    if (command == "still") return Rest();
+    if (command == "picture") return Rest() && Keep(rest);
+    if (command == "glance") return Keep(rest);
+    if (command == "program") return StartProgram(rest);
+    if (command == "close-program") return EndProgram();
+    if (command == "close") return PostMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0) != FALSE;
+    if (command == "exit") return Ended(std::stoul(rest));
+    return false;
+  }
+  void TellWhatIsThere() const {
+    std::printf("        title: %s\n        shown: %s\n", Title().c_str(), Shown().c_str());
+    (void)ScreenPicture::Of(window).Save(prefix + "failed.png");
+  }
+  void GiveUp() {
+    if (host.process) TerminateProcess(host.process.Get(), 1);
+    if (program.process) TerminateProcess(program.process.Get(), 1);
+  }
+
+ private:
+  bool Open(const std::string& arguments) {
+    window = nullptr;
+    host = Start(L"\"" + path + L"\" " + FromUtf8(arguments));
+    if (!host.process) return false;
+    (void)Await([this] {
+      EnumThreadWindows(host.thread, Recognise, reinterpret_cast<LPARAM>(&window));
+      return (window != nullptr && IsWindowVisible(window)) || !Runs();
+    });
+    return window != nullptr && SetForegroundWindow(window);
+  }
+  [[nodiscard]] bool Runs() const { return WaitForSingleObject(host.process.Get(), 0) == WAIT_TIMEOUT; }
+  static BOOL CALLBACK Recognise(HWND candidate, LPARAM found) {
+    wchar_t name[64] = {};
+    GetClassNameW(candidate, name, 64);
+    if (WideView(name) == kWindowClass) *reinterpret_cast<HWND*>(found) = candidate;
+    return TRUE;
+  }
+  [[nodiscard]] HWND Control(int id) const { return GetDlgItem(window, id); }
+  bool ClickControl(int id) {
+    if (!IsWindow(window)) return true;
+    if (!Await([&] { return Control(id) != nullptr && IsWindowVisible(Control(id)); })) return false;
+    RECT place = {};
+    GetWindowRect(Control(id), &place);
+    return Click({(place.left + place.right) / 2, (place.top + place.bottom) / 2});
+  }
+  bool ClickAt(const std::string& where) {
+    POINT at = {};
+    std::istringstream(where) >> at.x >> at.y;
+    return ClientToScreen(window, &at) && Click(at);
+  }
+  // The pointer arrives before the button goes down, as a hand does it.
+  bool Click(POINT at) {
+    SetCursorPos(at.x, at.y);
+    Answers();
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    Answers();
+    SendMouse(MOUSEEVENTF_LEFTUP);
+    return Answers();
+  }
+  bool Key(const std::string& name) {
+    const WORD key = name == "tab" ? VK_TAB : name == "space" ? VK_SPACE : VK_RETURN;
+    SetCursorPos(kAside.x, kAside.y);
+    Answers();
+    SendKey(key);
+    return Answers();
+  }
+  bool Focus(int id) {
+    // With nothing focused, Shift makes the first Tab go forward; so a click is not needed to begin.
+    for (int strokes = 0; strokes < 12; ++strokes) {
+      GUITHREADINFO info = {};
+      info.cbSize = sizeof(info);
+      if (GetGUIThreadInfo(host.thread, &info) && info.hwndFocus == Control(id) && info.hwndFocus != nullptr)
+        return true;
+      SendKey(VK_TAB);
+      Answers();
+    }
+    return false;
+  }
+  // Also when the window has gone, as it may after a click.
+  bool Answers() const {
+    DWORD_PTR ignored = 0;
+    return !IsWindow(window) || SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 60000, &ignored) != 0;
+  }
+  bool Rest() const {
+    ScreenPicture last;
+    auto since = Clock::now();
+    return Await([&] {
+      if (!Answers()) return false;
+      ScreenPicture now = ScreenPicture::Of(window);
+      if (!(now == last)) {
+        last = std::move(now);
+        since = Clock::now();
+      }
+      return Clock::now() - since > std::chrono::milliseconds(kStillFor);
+    });
+  }
+  bool Keep(const std::string& name) {
+    const std::string file = prefix + name + ".png";
+    return ScreenPicture::Of(window).Save(file);
+  }
+  [[nodiscard]] std::string Title() const {
+    wchar_t text[256] = {};
+    GetWindowTextW(window, text, 256);
+    return ToUtf8(text);
+  }
+  static std::string Sorted(const std::string& ids) {
+    std::istringstream in(ids);
+    std::set<int> each;
+    for (int id = 0; in >> id;) each.insert(id);
+    std::string joined;
+    for (const int id : each) joined += (joined.empty() ? "" : " ") + std::to_string(id);
+    return joined;
+  }
+  [[nodiscard]] std::string Shown() const {
+    std::string ids;
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM list) {
+          if (IsWindowVisible(child))
+            *reinterpret_cast<std::string*>(list) += " " + std::to_string(GetDlgCtrlID(child));
+          return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&ids));
+    return Sorted(ids);
+  }
+  bool StartProgram(const std::string& line) {
+    program = Start(FromUtf8(line + " " + std::to_string(GetCurrentProcessId())));
+    return program.process && WaitForSingleObject(program.ready.Get(), 60000) == WAIT_OBJECT_0;
+  }
+  bool EndProgram() {
+    return TerminateProcess(program.process.Get(), 0) &&
+           WaitForSingleObject(program.process.Get(), 60000) == WAIT_OBJECT_0;
+  }
+  bool Ended(unsigned long wanted) {
+    DWORD code = STILL_ACTIVE;
+    if (WaitForSingleObject(host.process.Get(), 60000) != WAIT_OBJECT_0) return false;
+    GetExitCodeProcess(host.process.Get(), &code);
+    host.process.Reset();
+    if (code != wanted) std::printf("        it ended with %lu\n", code);
+    return code == wanted;
+  }
+
+  WideString path;
+  std::string prefix;
+  Program host;
+  Program program;
+  HWND window = nullptr;
+};
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+  if (count < 4) return 2;
+  const std::string own = "LumenDriver" + std::to_string(GetCurrentProcessId());
+  const HDESK desktop = CreateDesktopA(own.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+  if (desktop == nullptr || !SetThreadDesktop(desktop) || GetDesktopWindow() == nullptr) return 3;
+  Player player(arguments[1], ToUtf8(arguments[2]));
+  std::ifstream script(ToUtf8(arguments[3]));
+  if (!script) return 4;
+  for (std::string step; std::getline(script, step);) {
+    if (step.empty() || player.Do(step)) continue;
+    std::printf("        DIFFERS\n");
+    player.TellWhatIsThere();
+    player.GiveUp();
+    return 1;
+  }
+  return 0;
+}
