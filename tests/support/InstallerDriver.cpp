@@ -175,22 +175,24 @@ class Player {
     SendKey(key);
     return Answers();
   }
+  [[nodiscard]] HWND Focused() const {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof(info);
+    return GetGUIThreadInfo(host.thread, &info) ? info.hwndFocus : nullptr;
+  }
   bool Focus(int id) {
-    // With nothing focused, Shift makes the first Tab go forward; so a click is not needed to begin.
     for (int strokes = 0; strokes < 12; ++strokes) {
-      GUITHREADINFO info = {};
-      info.cbSize = sizeof(info);
-      if (GetGUIThreadInfo(host.thread, &info) && info.hwndFocus == Control(id) && info.hwndFocus != nullptr)
-        return true;
+      const HWND before = Focused();
+      if (before != nullptr && before == Control(id)) return true;
       SendKey(VK_TAB);
-      Answers();
+      if (!Await([&] { return Focused() != before; })) return false;
     }
     return false;
   }
   // Also when the window has gone, as it may after a click.
   bool Answers() const {
     DWORD_PTR ignored = 0;
-    return !IsWindow(window) || SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 60000, &ignored) != 0;
+    return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 60000, &ignored) != 0 || !IsWindow(window);
   }
   bool Rest() const {
     ScreenPicture last;
