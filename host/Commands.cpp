@@ -105,8 +105,7 @@ HostExit Run(const Session& session) {
     case HostCommand::Register: return Register(session.module, kind);
     case HostCommand::Unregister: return Unregister(kind);
     case HostCommand::RefreshPolicies: return RefreshPolicies(session.module);
-    case HostCommand::Gallery:
-      return RunGallery(session.host) ? HostExit::Done : HostExit::Failed;
+    case HostCommand::Gallery: return RunGallery(session.host) ? HostExit::Done : HostExit::Failed;
     case HostCommand::Broker:
     case HostCommand::Help: break;  // one has exit codes of its own, the other needs no module
   }
