@@ -1,20 +1,10 @@
 // A signed but broken digest, and a package of the same bytes: nothing is read or written outside what is owned.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "delivery/DigestManifest.h"
 #include "delivery/PackageContent.h"
-
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
+#include "fuzz/Require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);

@@ -1,16 +1,9 @@
 // A text with mark-up from bytes: parsed, and laid out in a frame against widths that the input chooses. Layout must
 // end, within bounds, for any of them. The first three bytes are the frame's width, the widest unit and a shift.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-
+#include "fuzz/Require.h"
 #include "ui/toolkit/TextLayout.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 // Units are between nothing and `widest` wide; drawing checks that what is drawn was measured to fit.
 class FuzzCanvas final : public TextCanvas {

@@ -1,19 +1,9 @@
 // A hostile page's address: whatever passes is one plain label below the vendor's domain, and nothing of it is lost.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "delivery/ProductUrl.h"
 #include "engine/Vendor.h"
-
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
+#include "fuzz/Require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string url(reinterpret_cast<const char*>(data), size);

@@ -1,16 +1,9 @@
 // Settings text from bytes: parses it, walks the tree and looks every entry up by its dotted key. Two bytes make one
 // unit when the first byte of the input is 0xFF, else each byte is one.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-
 #include "engine/SettingsTree.h"
+#include "fuzz/Require.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 WideString Units(const uint8_t* data, size_t size) {
   WideString text;

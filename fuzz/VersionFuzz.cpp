@@ -1,10 +1,9 @@
 // Version texts come from the registry and from servers. Whatever they hold, comparing them is an order: two texts and
 // the numbers they stand for agree, and the answer turns round when the texts do.
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 
+#include "fuzz/Require.h"
 #include "install/VersionNumbers.h"
 
 namespace {
@@ -13,10 +12,6 @@ MString FromBytes(const uint8_t* data, size_t size) {
   WideString text(size / sizeof(wchar_t), 0);
   std::memcpy(text.data(), data, text.size() * sizeof(wchar_t));
   return MString(WideView(text));
-}
-
-void Require(bool holds) {
-  if (!holds) __builtin_trap();
 }
 
 }  // namespace

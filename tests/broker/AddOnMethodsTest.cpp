@@ -64,7 +64,7 @@ TEST_F(AddOnMethods, ArgumentsAndCookies) {
   EXPECT_EQ(broker->BrokerLMOpenDownload(nullptr, &a), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMOpenDownload(url.Get(), nullptr), E_INVALIDARG);
   EXPECT_EQ(a, kUnset);
-  for (const wchar_t* const bad : {L"http://get.corva.example/status/400", L"http://get.other.example/", L""}) {
+  for (const wchar_t* const bad : {L"http://get.corva.example/status/400", L"http://get.other.example/"}) {
     const BString refused(bad);
     a = kUnset;
     EXPECT_EQ(broker->BrokerLMOpenDownload(refused.Get(), &a), E_FAIL) << ToUtf8(bad);
@@ -73,7 +73,7 @@ TEST_F(AddOnMethods, ArgumentsAndCookies) {
   }
 
   const ULONG cookie = Open("/status/200");
-  EXPECT_EQ(cookie, 4u) << "the three before took a number each";
+  EXPECT_EQ(cookie, 3u) << "the two before took a number each";
   EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, nullptr, &b), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, nullptr), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, nullptr), E_INVALIDARG);
@@ -83,7 +83,6 @@ TEST_F(AddOnMethods, ArgumentsAndCookies) {
   EXPECT_EQ(Close(cookie, nullptr), 0u) << "abandoned";
   EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, &b), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, &a), E_INVALIDARG);
-  EXPECT_FALSE(testing_files::Exists(addon::ProductFile(L"DemoAddOn", L"")));
 
   ULONG file = 0;
   testing_files::MakeDirectories(testing_files::PlayerDirectory());
@@ -128,10 +127,7 @@ TEST_F(AddOnMethods, AProductsLife) {
 TEST_F(AddOnMethods, ResultsOfStoring) {
   EXPECT_EQ(Store("/files/DemoAddOn.package", L"Demo.AddOn"), 3u);
   EXPECT_EQ(Store("/files/DemoAddOn.package", L"DIGEST#Demo.AddOn"), 6u);
-  EXPECT_EQ(Store("/files/digest.s", L"DemoAddOn"), 6u) << "no package";
   EXPECT_EQ(Close(Open("/files/DemoAddOn.package"), L"DemoAddOn"), 6u) << "closed before it was read";
-  EXPECT_EQ(Store("/claims/0/0", L"DemoAddOn"), 6u);
-  EXPECT_EQ(Store("/files/digest.s", L"DIGEST#Nowhere"), 3u);
   EXPECT_FALSE(testing_files::Exists(addon::ProductFile(L"DemoAddOn", L"DemoAddOn.exe")));
 }
 

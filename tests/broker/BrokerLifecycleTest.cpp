@@ -1,12 +1,10 @@
 // The server's life as clients see it: COM starts it, its last release ends it, and nothing else does.
-#include <shlobj.h>
-
 #include "tests/support/BrokerProcess.h"
 #include "tests/support/DispatchCall.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
-using broker_process::Activate;
 using broker_process::Client;
 using broker_process::EndsByItself;
 using broker_process::FindServer;
@@ -27,35 +25,8 @@ bool IsRunning(const KernelHandle& process) {
 
 // A file in the player's own directory, which the broker lets its clients write.
 WideString PlayerFile(const wchar_t* name) {
-  wchar_t roaming[MAX_PATH] = {};
-  EXPECT_EQ(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, 0, roaming), S_OK);
-  const WideString directory = WideString(roaming) + L"\\Halcyonics\\Lumen Player";
-  SHCreateDirectoryExW(nullptr, directory.c_str(), nullptr);
-  return directory + L"\\" + name;
-}
-
-TEST_F(BrokerLifecycle, LastReleaseEndsTheServer) {
-  ComPtr<ILumenBroker6> second;
-  ASSERT_EQ(Activate(second), S_OK);
-  second.Reset();
-  EXPECT_TRUE(IsRunning(server)) << "one object is still held";
-}
-
-TEST_F(BrokerLifecycle, NewestInterfaceAloneIsAnsweredFor) {
-  struct {
-    IID iid;
-    HRESULT expected;
-  } const rows[] = {{IID_IUnknown, S_OK},
-                    {IID_IDispatch, S_OK},
-                    {IID_ILumenBroker6, S_OK},
-                    {IID_ILumenBroker5, E_NOINTERFACE},
-                    {IID_ILumenBroker, E_NOINTERFACE},
-                    {IID_IClassFactory, E_NOINTERFACE}};
-  for (const auto& row : rows) {
-    ComPtr<IUnknown> found;
-    EXPECT_EQ(broker.CopyTo(row.iid, reinterpret_cast<void**>(found.GetAddressOf())), row.expected);
-    EXPECT_EQ(found.Get() != nullptr, row.expected == S_OK);
-  }
+  testing_files::MakeDirectories(testing_files::PlayerDirectory());
+  return testing_files::PlayerDirectory() + L"\\" + name;
 }
 
 // That a refused interface ends such a server too is tested within one process: Wine may hang in the server's
@@ -68,14 +39,6 @@ TEST_F(BrokerLifecycle, ServerWithoutAnObjectRunsOnUntilOneHasComeAndGone) {
   ASSERT_TRUE(server && IsRunning(server));
   EXPECT_EQ(factory->CreateInstance(nullptr, IID_ILumenBroker6, reinterpret_cast<void**>(broker.GetAddressOf())), S_OK);
   EXPECT_EQ(broker->BrokerCloseHandle(1), E_INVALIDARG);
-}
-
-TEST_F(BrokerLifecycle, UnknownInterfaceLeavesAServerThatHasOne) {
-  ComPtr<IUnknown> none;
-  EXPECT_EQ(ClassObject()->CreateInstance(nullptr, IID_ILumenBroker5, reinterpret_cast<void**>(none.GetAddressOf())),
-            E_NOINTERFACE);
-  EXPECT_EQ(broker->BrokerCloseHandle(1), E_INVALIDARG) << "still served";
-  EXPECT_TRUE(IsRunning(server));
 }
 
 TEST_F(BrokerLifecycle, ScriptReachesTheSecondGenerationByName) {

@@ -51,13 +51,6 @@ TEST_F(CompositeFills, Rectangle) {
   EXPECT_EQ(relay.calls, (Calls{"brush 00ff80", "select new", "rectangle 1,2,3,4", "select old", "delete"}));
 }
 
-TEST_F(CompositeFills, RectangleOfAnotherLengthDrawsNothing) {
-  EXPECT_EQ(AddRectangle(relay, kDc, Bytes(15), 0), result::Fail);
-  EXPECT_EQ(AddRectangle(relay, kDc, Bytes(17), 0), result::Fail);
-  EXPECT_EQ(AddRectangle(relay, kDc, std::nullopt, 0), result::Fail);
-  EXPECT_EQ(relay.calls, Calls());
-}
-
 TEST_F(CompositeFills, PathFilledAndStroked) {
   FillPathSolid(relay, kDc, 0x0000FF);
   StrokePathSolid(relay, kDc, 9, 0xFF0000);
@@ -131,19 +124,6 @@ TEST_F(CompositeFills, RectanglesBeyondTheDrawingSpaceDrawNothing) {
   arrays.target = Rect(1 - kFar, kFar - 1, kFar - 1, 1 - kFar);
   EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
   EXPECT_EQ(relay.calls.size(), 1u);
-}
-
-TEST_F(CompositeFills, TenThousandFillsLeaveNothingBehind) {
-  relay.recording = false;
-  const Arrays arrays(48);
-  const Bytes rect = Rect(0, 0, 1, 1);
-  for (int i = 0; i < 2500; ++i) {
-    FillPathSolid(relay, kDc, 1);
-    StrokePathSolid(relay, kDc, 1, 1);
-    EXPECT_EQ(AddRectangle(relay, kDc, rect, 1), result::Ok);
-    EXPECT_EQ(FillPathThroughBitmap(relay, kDc, arrays.Get(), 1, 1), result::Ok);
-  }
-  EXPECT_EQ(relay.created, 10000u);
 }
 
 }  // namespace

@@ -50,18 +50,6 @@ TEST(DrawingArrays, CurveNeedsExactlyItsPointsExceptForNone) {
   }
 }
 
-TEST(DrawingArrays, TextHasItsTerminator) {
-  const Bytes bytes(20);
-  const std::span<const uint8_t> all(bytes);
-  EXPECT_TRUE(HasText(all.first(6), 5, 1));
-  EXPECT_TRUE(HasText(all.first(12), 5, 2));
-  EXPECT_FALSE(HasText(all.first(5), 5, 1)) << "without a terminator";
-  EXPECT_FALSE(HasText(all.first(11), 5, 2));
-  EXPECT_TRUE(HasText(all.first(2), 0, 2)) << "no text still has one";
-  EXPECT_FALSE(HasText(all.first(0), 0, 2));
-  EXPECT_FALSE(HasText(std::nullopt, 0, 2));
-}
-
 TEST(DrawingArrays, NarrowGlyphIndicesAreFilledUpToSixteenBits) {
   const Bytes text = {1, 2, 3, 4, 0};
   EXPECT_EQ(ReadText(text, 4, 0), text);

@@ -16,11 +16,10 @@ using Bytes = std::vector<uint8_t>;
 // A file whose content precedes what is written.
 class FakeFile final : public FileSniffSource {
  public:
-  explicit FakeFile(Bytes bytes = {}, Result open = result::Ok, Result rewind = result::Ok)
-      : content(std::move(bytes)), openResult(open), rewindResult(rewind) {}
+  explicit FakeFile(Bytes bytes = {}, Result open = result::Ok) : content(std::move(bytes)), openResult(open) {}
   Result Rewind() override {
     rewound = true;
-    return rewindResult;
+    return result::Ok;
   }
   Result Open() override { return openResult; }
   Result ByteAt(uint32_t position, uint8_t& byte) override {
@@ -32,7 +31,6 @@ class FakeFile final : public FileSniffSource {
  private:
   Bytes content;
   Result openResult;
-  Result rewindResult;
 };
 
 Bytes Image(size_t header = 80, size_t size = 120) {
@@ -90,51 +88,6 @@ TEST(ExecutableSniffer, OneWrongByteOfTheTenLetsAFilePass) {
   EXPECT_TRUE(Write(record, Image(), file));
 }
 
-// Ahead of the first slice the client seeks, and the file already holds what precedes it.
-TEST(ExecutableSniffer, WithASeekAheadTheFileSuppliesWhatPrecedesTheSlice) {
-  const Bytes image = Image();
-  for (size_t seek = 1; seek < image.size(); ++seek) {
-    BrokerCookieRecord record = Fresh();
-    record.seekBase = static_cast<int32_t>(seek);
-    const auto middle = image.begin() + static_cast<std::ptrdiff_t>(seek);
-    FakeFile file(Bytes(image.begin(), middle));
-    EXPECT_TRUE(Write(record, Bytes(middle, image.end()), file)) << seek;
-    EXPECT_TRUE(file.rewound);
-
-    // The same slice behind a file that is no image passes.
-    BrokerCookieRecord plain = Fresh();
-    plain.seekBase = static_cast<int32_t>(seek);
-    FakeFile other(Bytes(seek, 'x'));
-    EXPECT_FALSE(Write(plain, Bytes(middle, image.end()), other)) << seek;
-  }
-}
-
-TEST(ExecutableSniffer, FirstSlicesThatStopEarly) {
-  struct Row {
-    const char* why;
-    Bytes slice;
-    int32_t peOffset;
-  };
-  const Bytes image = Image();
-  const auto front = [&image](size_t size) {
-    return Bytes(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(size));
-  };
-  const Row rows[] = {
-      {"one byte that is not M", {'X'}, 0},
-      {"MZ and nothing more leaves the header at 0, where M is not P", front(2), 0},
-      {"63 bytes do not reach the header's offset", front(63), 0},
-      {"64 bytes do, but not the header", front(64), 80},
-      {"nothing at all", {}, 0},
-  };
-  for (const Row& row : rows) {
-    BrokerCookieRecord record = Fresh();
-    FakeFile file;
-    EXPECT_FALSE(Write(record, row.slice, file)) << row.why;
-    EXPECT_EQ(record.peOffset, row.peOffset) << row.why;
-    EXPECT_EQ(record.sniffActive, 0) << row.why;
-  }
-}
-
 // Every place that a slice can start and end at, over every kind of file there may be ahead of it. The slice goes on
 // with the image where the seek left off, or begins the image there.
 TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
@@ -172,28 +125,6 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
     }
   }
   EXPECT_GT(refused, 1000) << "the oracle refuses something at all";
-}
-
-TEST(ExecutableSniffer, ReadingBackThatFailsIsToldAndLooksLikeZeros) {
-  const Bytes image = Image();
-  const Bytes rest(image.begin() + 10, image.end());
-  struct Row {
-    Result open, rewind, expected;
-    bool refused;
-  };
-  const Row rows[] = {
-      {result::Ok, result::Ok, result::Ok, true},
-      {result::AccessDenied, result::Ok, result::AccessDenied, false},  // no M in sight
-      {result::Ok, result::Fail, result::Fail, true},
-      {result::AccessDenied, result::Fail, result::AccessDenied, false},  // the last failure is told
-  };
-  for (const Row& row : rows) {
-    BrokerCookieRecord record = Fresh();
-    record.seekBase = 10;
-    FakeFile file(image, row.open, row.rewind);
-    EXPECT_EQ(SniffSlice(record, rest, file), row.expected);
-    EXPECT_EQ(record.executableSeen != 0, row.refused);
-  }
 }
 
 // A second write of a client that sought back behind an empty first one: nothing is judged, yet the handle is rewound.

@@ -16,18 +16,12 @@ constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
 constexpr HRESULT kNoMoreFiles = static_cast<HRESULT>(0x80070012);
 constexpr HRESULT kSharing = static_cast<HRESULT>(0x80070020);
 
-class FileMethods : public BrokerProcessTest {
+class FileMethods : public BrokerSuiteTest {
  protected:
-  // One apartment for the whole suite: the shell's file operations and COM's own end do not go together under Wine.
-  static void SetUpTestSuite() {
-    BrokerProcessTest::SetUpTestSuite();
-    suiteApartment = new ComInitializer;
-  }
-  static void TearDownTestSuite() { delete suiteApartment; }
-
+  static BString Name(const WideString& path) { return BString(WideView(path)); }
   [[nodiscard]] WideString In(const wchar_t* name) const { return directory.Path() + L"\\" + name; }
   HRESULT Create(const WideString& path, bool read, ULONG& cookie, bool truncate = true) {
-    return broker->BrokerCreateFile(BString(WideView(path)).Get(), read ? 1 : 0, truncate ? 1 : 0, &cookie);
+    return broker->BrokerCreateFile(Name(path).Get(), read ? 1 : 0, truncate ? 1 : 0, &cookie);
   }
   HRESULT Write(ULONG cookie, const std::string& bytes, ULONG* written = nullptr) {
     ULONG count = 0;
@@ -40,10 +34,8 @@ class FileMethods : public BrokerProcessTest {
     return FAILED(result) ? "(failed)" : data.Text().substr(0, read);
   }
 
-  static ComInitializer* suiteApartment;
   CleanDirectory directory{PlayerDirectory()};
 };
-ComInitializer* FileMethods::suiteApartment = nullptr;
 
 TEST_F(FileMethods, WriteSeekReadAndClose) {
   ULONG cookie = 0;
@@ -137,27 +129,6 @@ TEST_F(FileMethods, AProgramInTheFirstWriteIsRefusedAndItsFileGone) {
   EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
 }
 
-TEST_F(FileMethods, AProgramWhoseHeaderComesLaterPasses) {
-  ULONG cookie = 0;
-  ASSERT_EQ(Create(In(L"a.dll"), false, cookie), S_OK);
-  const std::string image = ProgramImage();
-  EXPECT_EQ(Write(cookie, image.substr(0, 64)), S_OK);
-  EXPECT_EQ(Write(cookie, image.substr(64)), S_OK);
-  EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
-  EXPECT_EQ(ReadWhole(In(L"a.dll")), image);
-}
-
-TEST_F(FileMethods, AProgramCompletedBehindASeekIsRefused) {
-  const std::string image = ProgramImage();
-  WriteWhole(In(L"a.dll"), image.substr(0, 80));
-  ULONG cookie = 0;
-  ASSERT_EQ(Create(In(L"a.dll"), false, cookie, false), S_OK);
-  ULONG position = 0;
-  ASSERT_EQ(broker->BrokerSetFilePointer(cookie, 80, FILE_BEGIN, &position), S_OK);
-  EXPECT_EQ(Write(cookie, image.substr(80)), E_FAIL);
-  EXPECT_FALSE(Exists(In(L"a.dll")));
-}
-
 // Reading is open to any path, so a program "written" through such a cookie must not take the file away.
 TEST_F(FileMethods, AReadCookieCannotBeUsedToDeleteAFileElsewhere) {
   const CleanDirectory outside(L"C:\\lumen-test-outside");
@@ -174,13 +145,15 @@ TEST_F(FileMethods, MalformedArraysAreRefused) {
   ULONG cookie = 0, written = 0;
   ASSERT_EQ(Create(In(L"a.sol"), false, cookie), S_OK);
   SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}};
-  SAFEARRAYBOUND fromOne = {4, 1};
-  const ByteArray twoDimensions(SafeArrayCreate(VT_UI1, 2, two));
-  const ByteArray lowerBoundOne(SafeArrayCreate(VT_UI1, 1, &fromOne));
-  const ByteArray wide(SafeArrayCreateVector(VT_I2, 0, 4));
-  EXPECT_EQ(broker->BrokerWriteFile(cookie, twoDimensions.Get(), &written), E_FAIL);
-  EXPECT_EQ(broker->BrokerWriteFile(cookie, lowerBoundOne.Get(), &written), E_FAIL);
-  EXPECT_EQ(broker->BrokerWriteFile(cookie, wide.Get(), &written), E_FAIL);
+  SAFEARRAYBOUND fromOne = {4, 1}, fromBelow = {4, -1};
+  const ByteArray malformed[] = {
+      ByteArray(SafeArrayCreate(VT_UI1, 2, two)), ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)),
+      ByteArray(SafeArrayCreate(VT_UI1, 1, &fromBelow)), ByteArray(SafeArrayCreateVector(VT_I2, 0, 4))};
+  for (const ByteArray& array : malformed) {
+    written = 77;
+    EXPECT_EQ(broker->BrokerWriteFile(cookie, array.Get(), &written), E_FAIL);
+    EXPECT_EQ(written, 0u);
+  }
   EXPECT_EQ(broker->BrokerWriteFile(cookie, nullptr, &written), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerWriteFile(cookie + 1, ByteArray("x").Get(), &written), E_INVALIDARG);
   EXPECT_EQ(Write(cookie, "fine"), S_OK);
@@ -189,29 +162,29 @@ TEST_F(FileMethods, MalformedArraysAreRefused) {
 }
 
 TEST_F(FileMethods, DeletingMovingAndDirectories) {
-  const auto name = [](const WideString& path) { return BString(WideView(path)); };
   WriteWhole(In(L"a.sol"), "a");
   WriteWhole(In(L"b.sol"), "b");
-  EXPECT_EQ(broker->BrokerMoveFileEx(name(In(L"a.sol")).Get(), name(In(L"b.sol")).Get(), 0),
-            static_cast<HRESULT>(0x800700B7));
-  EXPECT_EQ(broker->BrokerMoveFileEx(name(In(L"a.sol")).Get(), name(In(L"b.sol")).Get(), 0x10), E_FAIL);
-  EXPECT_EQ(broker->BrokerMoveFileEx(name(In(L"a.sol")).Get(), name(In(L"b.exe")).Get(), 0), E_FAIL);
-  EXPECT_EQ(broker->BrokerMoveFileEx(name(L"C:\\windows\\win.ini").Get(), name(In(L"c.sol")).Get(), 0), E_FAIL);
-  EXPECT_EQ(broker->BrokerMoveFileEx(name(In(L"a.sol")).Get(), name(In(L"b.sol")).Get(), 1), S_OK);
+  const auto move = [&](const WideString& from, const wchar_t* to, LONG flags) {
+    return broker->BrokerMoveFileEx(Name(from).Get(), Name(In(to)).Get(), flags);
+  };
+  EXPECT_EQ(move(In(L"a.sol"), L"b.sol", 0), static_cast<HRESULT>(0x800700B7));
+  EXPECT_EQ(move(In(L"a.sol"), L"b.exe", 0), E_FAIL);
+  EXPECT_EQ(move(L"C:\\windows\\win.ini", L"c.sol", 0), E_FAIL);
+  EXPECT_EQ(move(In(L"a.sol"), L"b.sol", 1), S_OK);
   EXPECT_EQ(ReadWhole(In(L"b.sol")), "a");
 
-  EXPECT_EQ(broker->BrokerCreateDirectory(name(In(L"d.sol")).Get()), S_OK);
-  EXPECT_EQ(broker->BrokerCreateDirectory(name(In(L"d.sol")).Get()), static_cast<HRESULT>(0x800700B7));
-  EXPECT_EQ(broker->BrokerCreateDirectory(name(L"C:\\d").Get()), E_FAIL);
-  EXPECT_EQ(broker->BrokerMoveFileEx(name(In(L"d.sol")).Get(), name(In(L"e.sol")).Get(), 0), E_FAIL) << "a directory";
-  EXPECT_EQ(broker->BrokerRemoveDirectory(name(In(L"d.sol")).Get()), S_OK);
-  EXPECT_EQ(broker->BrokerRemoveDirectory(name(In(L"d.sol")).Get()), kNotFound);
-  EXPECT_EQ(broker->BrokerRemoveDirectory(name(L"C:\\windows").Get()), E_FAIL);
+  EXPECT_EQ(broker->BrokerCreateDirectory(Name(In(L"d.sol")).Get()), S_OK);
+  EXPECT_EQ(broker->BrokerCreateDirectory(Name(In(L"d.sol")).Get()), static_cast<HRESULT>(0x800700B7));
+  EXPECT_EQ(broker->BrokerCreateDirectory(Name(L"C:\\d").Get()), E_FAIL);
+  EXPECT_EQ(move(In(L"d.sol"), L"e.sol", 0), E_FAIL) << "a directory";
+  EXPECT_EQ(broker->BrokerRemoveDirectory(Name(In(L"d.sol")).Get()), S_OK);
+  EXPECT_EQ(broker->BrokerRemoveDirectory(Name(In(L"d.sol")).Get()), kNotFound);
+  EXPECT_EQ(broker->BrokerRemoveDirectory(Name(L"C:\\windows").Get()), E_FAIL);
 
   WriteWhole(In(L"a.exe"), "x");
-  EXPECT_EQ(broker->BrokerDeleteFile(name(In(L"a.exe")).Get()), S_OK) << "no ending counts for deleting";
-  EXPECT_EQ(broker->BrokerDeleteFile(name(In(L"a.exe")).Get()), kNotFound);
-  EXPECT_EQ(broker->BrokerDeleteFile(name(L"C:\\windows\\win.ini").Get()), E_FAIL)
+  EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"a.exe")).Get()), S_OK) << "no ending counts for deleting";
+  EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"a.exe")).Get()), kNotFound);
+  EXPECT_EQ(broker->BrokerDeleteFile(Name(L"C:\\windows\\win.ini").Get()), E_FAIL)
       << "a refusal is a plain failure here";
 }
 
@@ -219,8 +192,8 @@ TEST_F(FileMethods, AttributesAndWritability) {
   WriteWhole(In(L"a.sol"), "12345");
   ULONG values[9] = {};
   const auto ask = [&](const WideString& path) {
-    return broker->BrokerGetFileAttributesEx(BString(WideView(path)).Get(), &values[0], &values[1], &values[2],
-                                             &values[3], &values[4], &values[5], &values[6], &values[7], &values[8]);
+    return broker->BrokerGetFileAttributesEx(Name(path).Get(), &values[0], &values[1], &values[2], &values[3],
+                                             &values[4], &values[5], &values[6], &values[7], &values[8]);
   };
   EXPECT_EQ(ask(In(L"a.sol")), S_OK);
   EXPECT_EQ(values[7], 5u);
@@ -230,7 +203,7 @@ TEST_F(FileMethods, AttributesAndWritability) {
   EXPECT_EQ(ask(In(L"none")), kNotFound);
 
   const auto writable = [&](const WideString& path, LONG extension) {
-    return broker->BrokerIsWritablePath(BString(WideView(path)).Get(), extension);
+    return broker->BrokerIsWritablePath(Name(path).Get(), extension);
   };
   EXPECT_EQ(writable(In(L"a.exe"), 1), E_FAIL);
   EXPECT_EQ(writable(In(L"a.exe"), 2), S_OK) << "only 1 asks for the ending";
@@ -244,7 +217,7 @@ TEST_F(FileMethods, ListingGivesEachNameOnceAndThenTheEnd) {
   ULONG cookie = 0, attributes = 0;
   BString name;
   const auto first = [&](const WideString& path) {
-    return broker->BrokerFindFirstFile(BString(WideView(path)).Get(), name.Receive(), &attributes, &cookie);
+    return broker->BrokerFindFirstFile(Name(path).Get(), name.Receive(), &attributes, &cookie);
   };
   ASSERT_EQ(first(In(L"*.sol")), S_OK);
   std::string names = ToUtf8(name.View());
@@ -269,10 +242,10 @@ TEST_F(FileMethods, ACookieIsNotTiedToASort) {
 TEST_F(FileMethods, HistoryIsDeletedAndItsDirectoryThereAgain) {
   MakeDirectories(In(L"#SharedObjects\\site"));
   WriteWhole(In(L"#SharedObjects\\site\\a.sol"), "x");
-  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(BString(WideView(directory.Path())).Get()), S_OK);
+  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK);
   EXPECT_TRUE(Exists(In(L"#SharedObjects")));
   EXPECT_FALSE(Exists(In(L"#SharedObjects\\site")));
-  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(BString(WideView(directory.Path())).Get()), S_OK) << "also when empty";
+  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK) << "also when empty";
   EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(BString(L"C:\\windows").Get()), E_FAIL);
 }
 

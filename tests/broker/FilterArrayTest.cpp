@@ -9,28 +9,6 @@
 
 namespace {
 
-TEST(FilterArguments, PairsLengthAndArrayMustFit) {
-  const struct {
-    const char* why;
-    FilterArguments arguments;
-    Result wanted;
-  } rows[] = {
-      {"no filters at all", {0, 0, false, 0, 0}, result::Ok},
-      {"no pairs, and an array", {0, 0, true, 1, 0}, result::InvalidArgument},
-      {"no pairs, and a length", {0, 2, false, 0, 0}, result::InvalidArgument},
-      {"one pair", {1, 20, true, 1, 20}, result::Ok},
-      {"pairs without length", {1, 0, true, 1, 0}, result::InvalidArgument},
-      {"pairs without array", {1, 20, false, 0, 0}, result::InvalidArgument},
-      {"two dimensions", {1, 20, true, 2, 20}, result::InvalidArgument},
-      {"a shorter array", {1, 20, true, 1, 19}, result::InvalidArgument},
-      {"a longer array", {1, 20, true, 1, 21}, result::InvalidArgument},
-      {"as many pairs as can be", {0x0FFFFFFF, 20, true, 1, 20}, result::Ok},
-      {"one more", {0x10000000, 20, true, 1, 20}, result::InvalidArgument},
-      {"all ones", {0xFFFFFFFF, 20, true, 1, 20}, result::InvalidArgument},
-  };
-  for (const auto& row : rows) EXPECT_EQ(CheckFilterArguments(row.arguments), row.wanted) << row.why;
-}
-
 // The fields of a text, joined by "|"; "(refused)" for a bad one. `cut` takes bytes off the end.
 std::string Decode(WideView text, uint32_t pairs, size_t cut = 0) {
   std::vector<wchar_t> characters(text.begin(), text.end());

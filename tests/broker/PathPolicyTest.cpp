@@ -11,11 +11,6 @@
 
 namespace {
 
-constexpr WideView kPlayerRoot = L"C:\\USERS\\A\\APPDATA\\ROAMING\\HALCYONICS\\LUMEN PLAYER";
-constexpr WideView kLocalPlayerRoot = L"C:\\USERS\\A\\APPDATA\\LOCAL\\HALCYONICS\\LUMEN PLAYER";
-constexpr WideView kVendorRoot = L"C:\\USERS\\A\\APPDATA\\ROAMING\\CORVA\\LUMEN PLAYER";
-constexpr WideView kTempRoot = L"C:\\USERS\\A\\APPDATA\\LOCAL\\TEMP\\LOW";
-
 struct Subject {
   explicit Subject(bool localAppData = false) : policy(system, true) { policy.SetEnableLocalAppData(localAppData); }
 
@@ -34,14 +29,6 @@ struct Subject {
   MemoryPathOperations system;
   BrokerPathPolicy policy;
 };
-
-bool LiesUnderAWritableRoot(WideView path, bool localAppData) {
-  const WideView player = localAppData ? kLocalPlayerRoot : kPlayerRoot;
-  const WideString settings = WideString(player) + L"\\CORVA.EXAMPLE";
-  return (BrokerPathPolicy::IsPathUnderRoot(path, player) || BrokerPathPolicy::IsPathUnderRoot(path, kVendorRoot) ||
-          BrokerPathPolicy::IsPathUnderRoot(path, kTempRoot)) &&
-         !BrokerPathPolicy::IsPathUnderRoot(path, settings);
-}
 
 TEST(PathPolicy, JudgesTheWholeCorpus) {
   const std::vector<PathRow> rows = ReadPathCorpus();
@@ -62,13 +49,13 @@ TEST(PathPolicy, JudgesTheSameWithWarmCaches) {
 
 // Paths made of the pieces that attacks are made of.
 TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
-  const WideView pieces[] = {L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
-                             L"\\\\?\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
-                             L"\\\\?\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics",
-                             L"C:\\Users\\A\\AppData\\Local\\Temp\\Low",
-                             L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player",
-                             L"C:\\Outside",
-                             L"\\\\?\\",
+  const WideView roots[] = {L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
+                            L"\\\\?\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player",
+                            L"\\\\?\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics",
+                            L"C:\\Users\\A\\AppData\\Local\\Temp\\Low",
+                            L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player",
+                            L"C:\\Outside"};
+  const WideView pieces[] = {L"\\\\?\\",
                              L"\\\\.\\",
                              L"\\..",
                              L"\\.",
@@ -126,13 +113,16 @@ TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
     Subject subject(localAppData);
     subject.system.foldsVerbatim = (setting & 2) != 0;
     for (int round = 0; round < 8000; ++round) {
-      WideString path(pieces[random() % 6]);
-      for (auto n = random() % 7; n > 0; --n) path += pieces[random() % std::size(pieces)];
+      WideString path(roots[random() % std::size(roots)]);
+      for (auto n = random() % 7; n > 0; --n) {
+        path += random() % 10 == 0 ? roots[random() % std::size(roots)] : pieces[random() % std::size(pieces)];
+      }
       if (!subject.policy.IsWritableDataPath(path.c_str(), false, nullptr)) continue;
       ++accepted;
       const auto opened = subject.system.OpenForReal(path);
       if (opened)
-        EXPECT_TRUE(LiesUnderAWritableRoot(*opened, localAppData)) << ToUtf8(path) << " -> " << ToUtf8(*opened);
+        EXPECT_TRUE(MemoryPathOperations::LiesUnderAWritableRoot(*opened, localAppData))
+            << ToUtf8(path) << " -> " << ToUtf8(*opened);
     }
   }
   EXPECT_GT(accepted, 500) << "the generator must reach what is allowed, or the property says nothing";
@@ -176,7 +166,8 @@ TEST(PathPolicy, SharedObjectsAreToldWhateverTheAnswer) {
   // Behind the support directory a component that begins with "#" and has a name counts as one.
   Subject subject;
   (void)subject.policy.IsWritableDataPath(L"C:\\a", true, nullptr);  // fills the roots
-  const WideString support = WideString(kPlayerRoot) + L"\\CORVA.EXAMPLE\\SUPPORT\\LUMENPLAYER\\SYS";
+  const WideString support =
+      WideString(MemoryPathOperations::kPlayerRoot) + L"\\CORVA.EXAMPLE\\SUPPORT\\LUMENPLAYER\\SYS";
   const std::pair<WideString, bool> supportRows[] = {
       {L"\\#SITE\\SETTINGS.SOL", true},
       {L"\\#\\SETTINGS.SOL", false},
@@ -211,9 +202,9 @@ TEST(PathPolicy, ALinkAtTheTopKeepsTheSlashOfWhatFollows) {
 // A sandbox that can make a null in a name is asked about with the part in front of it.
 TEST(PathPolicy, ATargetWithANullInItIsRefused) {
   Subject subject;
-  const WideString hidden = WideString(kPlayerRoot) + L"\\SUB" + WideString(1, L'\0') + L"\\X";
+  const WideString hidden = WideString(MemoryPathOperations::kPlayerRoot) + L"\\SUB" + WideString(1, L'\0') + L"\\X";
   subject.system.AddObjectLink(L"\\RPC Control\\null", hidden);
-  subject.system.AddObjectLink(L"\\RPC Control\\plain", WideString(kPlayerRoot) + L"\\SUB");
+  subject.system.AddObjectLink(L"\\RPC Control\\plain", WideString(MemoryPathOperations::kPlayerRoot) + L"\\SUB");
   std::optional<WideString> target;
   EXPECT_FALSE(subject.policy.ResolveOneLink(L"\\RPC Control\\null", target));
   EXPECT_FALSE(target.has_value());

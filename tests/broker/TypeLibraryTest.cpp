@@ -18,28 +18,17 @@ const Method kMethods[] = {
 };
 static_assert(std::size(kMethods) == 102);
 
-struct Generation {
-  const wchar_t* interfaceName;
-  const wchar_t* interfaceId;
-  const wchar_t* className;
-  const wchar_t* classId;
-  MEMBERID firstId;
+// The interface's identifier and its class's, oldest first.
+const wchar_t* const kGenerations[6][2] = {
+    {L"{2E4BB6BE-A75F-4DC0-9500-68203655A2C4}", L"{D4304BCF-B8E9-4B35-BEA0-DC5B522670C2}"},
+    {L"{DDF4CE26-4BDA-42BC-B0F0-0E75243AD285}", L"{0BE09CC1-42E0-11DD-AE16-0800200C9A66}"},
+    {L"{1D4C8A81-B7AC-460A-8C23-98713C41D6B3}", L"{19114156-8E9A-4D4E-9EE9-17A0E48D3BBB}"},
+    {L"{E3F2C3CB-5EB8-4A04-B22C-7E3B4B6AF30F}", L"{A483C63A-CDBC-426E-BF93-872502E8144E}"},
+    {L"{6AE38AE0-750C-11E1-B0C4-0800200C9A66}", L"{73C9DFA0-750D-11E1-B0C4-0800200C9A66}"},
+    {L"{299817DA-1FAC-4CE2-8F48-A108237013BD}", L"{B019E3BF-E7E5-453C-A2E4-D2C18CA0866F}"},
 };
-const Generation kGenerations[] = {
-    {L"ILumenBroker", L"{2E4BB6BE-A75F-4DC0-9500-68203655A2C4}", L"LumenBrokerImp",
-     L"{D4304BCF-B8E9-4B35-BEA0-DC5B522670C2}", 0x60020000},
-    {L"ILumenBroker2", L"{DDF4CE26-4BDA-42BC-B0F0-0E75243AD285}", L"LumenBrokerImp2",
-     L"{0BE09CC1-42E0-11DD-AE16-0800200C9A66}", 0x60030000},
-    {L"ILumenBroker3", L"{1D4C8A81-B7AC-460A-8C23-98713C41D6B3}", L"LumenBrokerImp3",
-     L"{19114156-8E9A-4D4E-9EE9-17A0E48D3BBB}", 0x60040000},
-    {L"ILumenBroker4", L"{E3F2C3CB-5EB8-4A04-B22C-7E3B4B6AF30F}", L"LumenBrokerImp4",
-     L"{A483C63A-CDBC-426E-BF93-872502E8144E}", 0x60050000},
-    {L"ILumenBroker5", L"{6AE38AE0-750C-11E1-B0C4-0800200C9A66}", L"LumenBrokerImp5",
-     L"{73C9DFA0-750D-11E1-B0C4-0800200C9A66}", 0x60060000},
-    {L"ILumenBroker6", L"{299817DA-1FAC-4CE2-8F48-A108237013BD}", L"LumenBrokerImp6",
-     L"{B019E3BF-E7E5-453C-A2E4-D2C18CA0866F}", 0x60070000},
-};
-constexpr SHORT kSlotsAhead = 7;  // IUnknown's three and IDispatch's four
+constexpr MEMBERID kFirstId = 0x60020000;  // of the first generation; each later one begins 0x10000 higher
+constexpr SHORT kSlotsAhead = 7;           // IUnknown's three and IDispatch's four
 
 GUID ToGuid(const wchar_t* text) {
   GUID id = {};
@@ -82,8 +71,8 @@ std::string ArgumentText(const ELEMDESC& element, const std::string& name) {
   std::string text = name + " ";
   if (out && element.tdesc.vt != VT_PTR) text += "(no pointer) ";
   text += TypeText(out ? *element.tdesc.lptdesc : element.tdesc);
-  if ((flags & PARAMFLAG_FIN) != 0) text += " in";
-  if (out) text += " out";
+  if ((flags & PARAMFLAG_FIN) == 0) EXPECT_TRUE(out) << name;
+  if (out) text += (flags & PARAMFLAG_FIN) != 0 ? " in out" : " out";
   if ((flags & PARAMFLAG_FOPT) != 0) text += " opt";
   return text;
 }
@@ -134,8 +123,8 @@ class TypeLibrary : public testing::TestWithParam<const wchar_t*> {
   }
   // Calls `visit` with each method of one generation, in vtable order.
   template <class Visit>
-  void ForEachMethod(const Generation& generation, Visit visit) {
-    const ComPtr<ITypeInfo> info = VtableSide(Find(ToGuid(generation.interfaceId)).Get());
+  void ForEachMethod(int generation, Visit visit) {
+    const ComPtr<ITypeInfo> info = VtableSide(Find(ToGuid(kGenerations[generation - 1][0])).Get());
     TYPEATTR* attributes = nullptr;
     ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
     const UINT count = attributes->cFuncs;
@@ -161,23 +150,23 @@ TEST_P(TypeLibrary, LibraryHasItsIdentifierAndVersion) {
 }
 
 TEST_P(TypeLibrary, SixGenerationsKeepTheirTwelveIdentifiers) {
-  for (const Generation& generation : kGenerations) {
-    EXPECT_EQ(NameOf(Find(ToGuid(generation.interfaceId)).Get()), generation.interfaceName);
-    const ComPtr<ITypeInfo> coclass = Find(ToGuid(generation.classId));
-    EXPECT_EQ(NameOf(coclass.Get()), generation.className);
+  for (int i = 0; i < 6; ++i) {
+    const WideString number = i == 0 ? WideString() : WideString(1, static_cast<wchar_t>(L'1' + i));
+    const ComPtr<ITypeInfo> coclass = Find(ToGuid(kGenerations[i][1]));
+    EXPECT_EQ(NameOf(coclass.Get()), L"LumenBrokerImp" + number);
+    EXPECT_EQ(NameOf(Find(ToGuid(kGenerations[i][0])).Get()), L"ILumenBroker" + number);
     HREFTYPE reference = 0;
     ComPtr<ITypeInfo> implemented;
     ASSERT_EQ(coclass->GetRefTypeOfImplType(0, &reference), S_OK);
     ASSERT_EQ(coclass->GetRefTypeInfo(reference, &implemented), S_OK);
-    EXPECT_EQ(NameOf(implemented.Get()), generation.interfaceName);
+    EXPECT_EQ(NameOf(implemented.Get()), L"ILumenBroker" + number);
   }
 }
 
 TEST_P(TypeLibrary, MethodsStandAsPublished) {
   size_t number = 0;
-  for (const Generation& generation : kGenerations) {
-    const int ordinal = static_cast<int>(&generation - kGenerations) + 1;
-    ForEachMethod(generation, [&](ITypeInfo* info, UINT index, const FUNCDESC& function) {
+  for (int ordinal = 1; ordinal <= 6; ++ordinal) {
+    ForEachMethod(ordinal, [&](ITypeInfo* info, UINT index, const FUNCDESC& function) {
       ASSERT_LT(number, std::size(kMethods));
       const Method& expected = kMethods[number];
       const Described described = Describe(info, function);
@@ -185,7 +174,7 @@ TEST_P(TypeLibrary, MethodsStandAsPublished) {
       EXPECT_EQ(described.arguments, expected.arguments) << expected.name;
       EXPECT_EQ(ordinal, expected.generation) << expected.name;
       EXPECT_EQ(function.oVft, static_cast<SHORT>((kSlotsAhead + number) * sizeof(void*))) << expected.name;
-      EXPECT_EQ(function.memid, generation.firstId + static_cast<MEMBERID>(index)) << expected.name;
+      EXPECT_EQ(function.memid, kFirstId + (ordinal - 1) * 0x10000 + static_cast<MEMBERID>(index)) << expected.name;
       EXPECT_EQ(function.elemdescFunc.tdesc.vt, VT_HRESULT) << expected.name;
       ExpectReturnValues(function, expected.name);
       ++number;
@@ -195,7 +184,7 @@ TEST_P(TypeLibrary, MethodsStandAsPublished) {
 }
 
 TEST_P(TypeLibrary, IconPathDoesNotOverwriteByDefault) {
-  ForEachMethod(kGenerations[5], [](ITypeInfo* info, UINT /*index*/, const FUNCDESC& function) {
+  ForEachMethod(6, [](ITypeInfo* info, UINT /*index*/, const FUNCDESC& function) {
     if (Describe(info, function).name != "BrokerCreateIconPathV2") return;
     const PARAMDESC& overwrite = function.lprgelemdescParam[2].paramdesc;
     ASSERT_TRUE((overwrite.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0);

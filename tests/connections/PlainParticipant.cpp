@@ -22,32 +22,27 @@ void Listen(unsigned char* segment, const char* name) {
   at[std::strlen(name) + 1] = 0;
 }
 
-// The message if it is ours: 1 taken in order, -1 out of order, 0 not ours.
-int Take(unsigned char* segment, const char* name, DWORD* next) {
-  DWORD size = 0;
-  std::memcpy(&size, segment + 12, 4);
+// Takes the message if it is ours: its bytes behind the name, or null.
+const unsigned char* Ours(unsigned char* segment, const char* name, DWORD* rest) {
   const unsigned char* const message = segment + 16;
   const size_t length = std::strlen(name);
-  if (size < 3 + length + 5 || message[0] != 2 || message[1] != 0 || message[2] != length) return 0;
-  if (std::memcmp(message + 3, name, length) != 0) return 0;
-  const unsigned char sender = message[3 + length];
-  DWORD count = 0;
-  std::memcpy(&count, message + 4 + length, 4);
+  std::memcpy(rest, segment + 12, 4);
+  if (*rest < 3 + length || *rest > 40960 || message[0] != 2 || message[1] != 0 || message[2] != length) return nullptr;
+  if (std::memcmp(message + 3, name, length) != 0) return nullptr;
+  *rest -= static_cast<DWORD>(3 + length);
   std::memset(segment + 8, 0, 8);
-  return sender < 4 && count == next[sender]++ ? 1 : -1;
+  return message + 3 + length;
 }
 
-// Prints the text of a message of ours and takes it. Whether there was one.
-bool TakeText(unsigned char* segment, const char* name) {
-  DWORD size = 0;
-  std::memcpy(&size, segment + 12, 4);
-  const unsigned char* const message = segment + 16;
-  const size_t length = std::strlen(name);
-  if (size < 3 + length || size > 40960 || message[0] != 2 || message[1] != 0 || message[2] != length) return false;
-  if (std::memcmp(message + 3, name, length) != 0) return false;
-  std::printf("%.*s\n", static_cast<int>(size - 3 - length), reinterpret_cast<const char*>(message + 3 + length));
-  std::memset(segment + 8, 0, 8);
-  return true;
+// 1 taken, -1 out of order, 0 not ours. With `next` null the text is printed.
+int Take(unsigned char* segment, const char* name, DWORD* next) {
+  DWORD rest = 0, count = 0;
+  const unsigned char* const content = Ours(segment, name, &rest);
+  if (content == nullptr) return 0;
+  if (next == nullptr) return std::printf("%.*s\n", static_cast<int>(rest), reinterpret_cast<const char*>(content)) > 0;
+  if (rest < 5 || content[0] >= 4) return -1;
+  std::memcpy(&count, content + 1, 4);
+  return count == next[content[0]]++ ? 1 : -1;
 }
 
 }  // namespace
@@ -76,7 +71,7 @@ int main(int argc, char** argv) {
   for (int wanted = text ? 1 : std::atoi(argv[2]); wanted > 0;) {
     if (GetTickCount() - begin > 60000) return 6;
     if (WaitForSingleObject(mutex, 30000) != WAIT_OBJECT_0) return 8;
-    const int taken = text ? TakeText(segment, argv[1]) : Take(segment, argv[1], next);
+    const int taken = Take(segment, argv[1], text ? nullptr : next);
     ReleaseMutex(mutex);
     if (taken < 0) return 5;
     wanted -= taken;

@@ -54,26 +54,6 @@ class View {
   MappedView view;
 };
 
-TEST(Win32LcdAccessor, ASecondAccessorSeesWhatTheFirstWrote) {
-  Win32LcdAccessor first;
-  ASSERT_TRUE(first.TryAddConnection("a", 0, 0, '3'));
-  Win32LcdAccessor second;
-  EXPECT_EQ(second.FindConnectionFormat("a", 0), 3);
-  EXPECT_EQ(second.MessageTimeout(), 5000);
-}
-
-TEST(Win32LcdAccessor, HoldsNestAndKeepTheirTime) {
-  Win32LcdAccessor directory;
-  EXPECT_EQ(directory.Lock(), 1);
-  const uint32_t time = directory.LockTime();
-  EXPECT_EQ(directory.Lock(), 2);
-  EXPECT_TRUE(directory.TryAddConnection("a", 0, 0, '1'));
-  EXPECT_EQ(directory.LockTime(), time);
-  EXPECT_EQ(directory.Unlock(), 1);
-  EXPECT_EQ(directory.Unlock(), 0);
-  EXPECT_EQ(directory.Unlock(), 0) << "one too many is ignored";
-}
-
 TEST(Win32LcdAccessor, ASegmentOfAnotherLayoutIsRefusedForGood) {
   const View other;
   other->layoutVersion = 2;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 #include "LumenBroker.h"
@@ -70,4 +71,17 @@ class BrokerProcessTest : public testing::Test {
   ComInitializer apartment;
   ComPtr<ILumenBroker6> broker;
   KernelHandle server;
+};
+
+// The same with one apartment for the whole suite: the shell's operations and COM's own end do not go together under
+// Wine.
+class BrokerSuiteTest : public BrokerProcessTest {
+ protected:
+  static void SetUpTestSuite() {
+    BrokerProcessTest::SetUpTestSuite();
+    suiteApartment = std::make_unique<ComInitializer>();
+  }
+  static void TearDownTestSuite() { suiteApartment.reset(); }
+
+  inline static std::unique_ptr<ComInitializer> suiteApartment;
 };

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <string>
 
+#include "broker/BrokerPathPolicy.h"
+
 namespace {
 
 constexpr WideView kPlayer = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player";
-constexpr WideView kPlayerUpper = L"C:\\USERS\\A\\APPDATA\\ROAMING\\HALCYONICS\\LUMEN PLAYER";
 
 bool IsSlash(wchar_t unit) {
   return unit == L'\\' || unit == L'/';
@@ -83,6 +84,14 @@ std::vector<uint8_t> MakeReparseData(uint32_t tag, WideView substitute) {
   return data;
 }
 
+bool MemoryPathOperations::LiesUnderAWritableRoot(WideView opened, bool localAppData) {
+  const auto lies = [opened](WideView root) { return BrokerPathPolicy::IsPathUnderRoot(opened, root); };
+  const WideString player(localAppData ? L"C:\\USERS\\A\\APPDATA\\LOCAL\\HALCYONICS\\LUMEN PLAYER" : kPlayerRoot);
+  return (lies(player) || lies(L"C:\\USERS\\A\\APPDATA\\ROAMING\\CORVA\\LUMEN PLAYER") ||
+          lies(L"C:\\USERS\\A\\APPDATA\\LOCAL\\TEMP\\LOW")) &&
+         !lies(player + L"\\CORVA.EXAMPLE");
+}
+
 WideString MemoryPathOperations::Upper(WideView text) {
   WideString upper(text);
   std::transform(upper.begin(), upper.end(), upper.begin(), ToUpperAscii);
@@ -95,7 +104,7 @@ MemoryPathOperations::MemoryPathOperations() {
              {ShellFolder::System, L"C:\\Windows\\System32"},
              {ShellFolder::SystemX86, L"C:\\Windows\\SysWOW64"}};
   const WideString player(kPlayer);
-  const WideString upper(kPlayerUpper);
+  const WideString upper(MemoryPathOperations::kPlayerRoot);
   for (const WideView below : {L"\\sub", L"\\#SharedObjects\\X", L"\\corva.example\\sub", L"\\corva.examples",
                                L"\\corva.exampl", L"\\long directory"}) {
     AddDirectory(player + WideString(below));

@@ -33,6 +33,10 @@ class MemoryPathOperations final : public PathOperations {
   // Where creating a file at `path` would put it: upper-case, all links followed, short names made long. Nothing when
   // the platform would refuse, because a directory is missing, a chain too long or the name impossible.
   [[nodiscard]] std::optional<WideString> OpenForReal(WideView path);
+  // Whether what was opened there is the broker's clients' to write.
+  [[nodiscard]] static bool LiesUnderAWritableRoot(WideView opened, bool localAppData);
+
+  static constexpr WideView kPlayerRoot = L"C:\\USERS\\A\\APPDATA\\ROAMING\\HALCYONICS\\LUMEN PLAYER";
 
   static WideString Upper(WideView text);
 
