@@ -1,11 +1,11 @@
-// The add-on methods of a broker object, with a real server behind the vendor's name and a real product.
+// The add-on methods of a broker object, with a real server behind the vendor's name. A product's whole life is played
+// by tools/account-addons.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include "broker/CoLumenBrokerServer.h"
 #include "tests/delivery/AddOnMaterial.h"
-#include "tests/support/DemoAddOnProcess.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RecordingHost.h"
 #include "tests/support/WebServer.h"
@@ -52,7 +52,6 @@ class AddOnMethods : public testing::Test {
   ComInitializer apartment;
   RecordingHost host;
   const testing_files::CleanDirectory clean{addon::ProductsFolder()};
-  const demo_addon::Stopped stopped;
   const BString name{L"DemoAddOn"};
   ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(&host));
 };
@@ -97,31 +96,8 @@ TEST_F(AddOnMethods, ArgumentsAndCookies) {
   EXPECT_EQ(broker->BrokerLMGetVersion(nullptr, &a, &b), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), nullptr, &b), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &a, nullptr), E_INVALIDARG);
-}
-
-TEST_F(AddOnMethods, AProductsLife) {
-  ULONG high = kUnset, low = kUnset;
-  const BString parameters(L"--say \"hello there\"");
-  EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), parameters.Get()), E_FAIL) << "not there";
-  EXPECT_EQ(Store("/files/DemoAddOn.package", L"DemoAddOn"), 0u);
-  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &high, &low), E_FAIL) << "no digest yet";
-  EXPECT_EQ(high, kUnset);
-  EXPECT_EQ(Store("/files/digest.s", L"DIGEST#DemoAddOn"), 0u);
-  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &high, &low), S_OK);
-  EXPECT_EQ(high, 0x00030001u);
-  EXPECT_EQ(low, 0x0004009Fu);
-
-  EXPECT_EQ(broker->BrokerLMIsRunning(name.Get()), S_FALSE);
-  EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), parameters.Get()), S_OK);
-  EXPECT_EQ(broker->BrokerLMIsRunning(name.Get()), S_OK);
-  EXPECT_EQ(testing_files::ReadWhole(addon::ProductFile(L"DemoAddOn", L"seen.txt")), "--say \"hello there\"");
-  demo_addon::Stop();
-  EXPECT_EQ(broker->BrokerLMIsRunning(name.Get()), S_FALSE);
-
-  host.downloadSettings = MString(L"");
-  EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), nullptr), E_FAIL) << "the host is asked each time";
   const ComPtr<ILumenBroker6> hostless = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
-  EXPECT_EQ(hostless->BrokerLMGetVersion(name.Get(), &high, &low), E_FAIL);
+  EXPECT_EQ(hostless->BrokerLMGetVersion(name.Get(), &a, &b), E_FAIL) << "nobody names an anchor";
 }
 
 TEST_F(AddOnMethods, ResultsOfStoring) {

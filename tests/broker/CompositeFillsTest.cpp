@@ -81,21 +81,16 @@ TEST_F(CompositeFills, WrongBitmapArraysDrawNothing) {
                                         : FillPathThroughBitmap(relay, kDc, arrays, 0, 0);
     };
     const Arrays good(header);
-    const Bytes other(header == kFillHeaderBytes ? 48 : 44);
-    const Bytes shorter(15);
-    const Bytes few(31);
-    const auto with = [&](ByteArgument BitmapArrays::*member, const ByteArgument& value) {
+    const Bytes other(header == kFillHeaderBytes ? 48 : 44), shorter(15), few(31);
+    const std::pair<ByteArgument BitmapArrays::*, ByteArgument> wrong[] = {
+        {&BitmapArrays::header, other},       {&BitmapArrays::header, std::nullopt}, {&BitmapArrays::target, shorter},
+        {&BitmapArrays::source, shorter},     {&BitmapArrays::target, std::nullopt}, {&BitmapArrays::pixels, few},
+        {&BitmapArrays::pixels, std::nullopt}};
+    for (const auto& [member, value] : wrong) {
       BitmapArrays arrays = good.Get();
       arrays.*member = value;
-      return arrays;
-    };
-    EXPECT_EQ(fill(with(&BitmapArrays::header, other)), result::Fail) << "the other fill's header";
-    EXPECT_EQ(fill(with(&BitmapArrays::header, std::nullopt)), result::Fail);
-    EXPECT_EQ(fill(with(&BitmapArrays::target, shorter)), result::Fail);
-    EXPECT_EQ(fill(with(&BitmapArrays::target, std::nullopt)), result::Fail);
-    EXPECT_EQ(fill(with(&BitmapArrays::source, shorter)), result::Fail);
-    EXPECT_EQ(fill(with(&BitmapArrays::pixels, few)), result::Fail);
-    EXPECT_EQ(fill(with(&BitmapArrays::pixels, std::nullopt)), result::Fail);
+      EXPECT_EQ(fill(arrays), result::Fail);
+    }
     EXPECT_EQ(relay.calls, Calls());
     EXPECT_EQ(fill(good.Get()), result::Ok);
     relay.calls.clear();

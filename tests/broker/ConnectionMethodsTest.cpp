@@ -49,17 +49,16 @@ TEST_F(ConnectionMethods, TwoPlayersPassAMessage) {
 
 TEST_F(ConnectionMethods, TheLockNestsAndKeepsItsTime) {
   LONG count = 0, time = 0, again = 0, timeout = 0;
-  EXPECT_EQ(broker->BrokerLcdLock(&count), S_OK);
-  EXPECT_EQ(count, 1);
-  EXPECT_EQ(broker->BrokerLcdLockTime(&time), S_OK);
-  EXPECT_EQ(broker->BrokerLcdLock(&count), S_OK);
-  EXPECT_EQ(count, 2);
-  EXPECT_EQ(broker->BrokerLcdLockTime(&again), S_OK);
+  for (const LONG hold : {1, 2}) {
+    EXPECT_EQ(broker->BrokerLcdLock(&count), S_OK);
+    EXPECT_EQ(count, hold);
+    EXPECT_EQ(broker->BrokerLcdLockTime(hold == 1 ? &time : &again), S_OK);
+  }
   EXPECT_EQ(again, time);
-  EXPECT_EQ(broker->BrokerLcdUnlock(&count), S_OK);
-  EXPECT_EQ(count, 1);
-  EXPECT_EQ(broker->BrokerLcdUnlock(&count), S_OK);
-  EXPECT_EQ(count, 0);
+  for (const LONG hold : {1, 0, 0}) {
+    EXPECT_EQ(broker->BrokerLcdUnlock(&count), S_OK);
+    EXPECT_EQ(count, hold) << "one too many is ignored";
+  }
   EXPECT_EQ(broker->BrokerLcdMessageTimeout(&timeout), S_OK);
   EXPECT_EQ(timeout, 5000);
 }
@@ -73,8 +72,6 @@ TEST_F(ConnectionMethods, MessagesThatAreNone) {
   EXPECT_EQ(Dispatch(std::string(40961, 'x')), E_FAIL);
   EXPECT_EQ(Dispatch(std::string(40960, 'x')), S_OK);
   EXPECT_EQ(broker->BrokerLcdClearMessage(), S_OK);
-  EXPECT_EQ(broker->BrokerLcdTryAddConnection(BString(L"a").Get(), 0, 0, 1), S_OK);
-  EXPECT_EQ(broker->BrokerLcdRemoveConnection(BString(L"a").Get(), 0), S_OK);
 }
 
 }  // namespace

@@ -45,16 +45,6 @@ TEST_F(RealPaths, RootsEndingsDotsAndStreams) {
   EXPECT_FALSE(Writable(outside.Path() + L"\\a.sol", false));
 }
 
-TEST_F(RealPaths, ALinkedDirectoryIsRefusedSinceItsDataCannotBeRead) {
-  MakeLink(outside.Path(), player.Path(), L"link");
-  ASSERT_NE(GetFileAttributesW((player.Path() + L"\\link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
-  ASSERT_TRUE(Exists(player.Path() + L"\\link"));
-  EXPECT_FALSE(Writable(player.Path() + L"\\link\\a.sol"));
-  EXPECT_FALSE(Writable(player.Path() + L"\\link\\none\\a.sol"));
-  EXPECT_TRUE(Writable(player.Path() + L"\\a.sol"));
-  RemoveLink(player.Path(), L"link");
-}
-
 // Asking about "trap " tells of "trap", while a file behind it opens behind the link.
 TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
   MakeDirectories(player.Path() + L"\\trap");

@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "broker/CoLumenBrokerServer.h"
 #include "engine/ProductKeys.h"
 #include "engine/Registry.h"
@@ -111,9 +108,8 @@ TEST_F(Services, ControllersAndTheScreenSaver) {
   SystemParametersInfoW(SPI_SETSCREENSAVETIMEOUT, before, nullptr, 0);
 }
 
-std::string ReadBytes(const std::string& name) {
-  std::ifstream in(std::string(LUMEN_SOURCE_DIR) + "/tests/delivery/anchor/" + name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+std::string ReadBytes(const char* name) {
+  return testing_files::ReadWhole(WidenAscii(std::string(LUMEN_SOURCE_DIR) + "/tests/delivery/anchor/" + name));
 }
 
 class Shortcuts : public Services {
@@ -125,6 +121,9 @@ class Shortcuts : public Services {
     return broker->BrokerCreateInternetShortcut(BString(name).Get(), BString(address).Get(),
                                                 BString(WideView(iconPath)).Get(), ByteArray(proof).Get(),
                                                 ByteArray(granted).Get(), flags);
+  }
+  ~Shortcuts() override {
+    for (const wchar_t* const name : {L"My Game.lnk", L"My Game (2).lnk"}) DeleteFileW(Menu(name).c_str());
   }
   const std::string strings = ReadBytes("shortcut.content");
   const std::string message = ReadBytes("shortcut.p7m");
@@ -150,10 +149,7 @@ TEST_F(Shortcuts, IconNamesAreFreeUnlessOneIsToBeOverwritten) {
 }
 
 TEST_F(Shortcuts, AnEntitledShortcutIsARealLinkToTheBrowser) {
-  DeleteFileW(Menu(L"My Game.lnk").c_str());
-  DeleteFileW(Menu(L"My Game (2).lnk").c_str());
   ASSERT_EQ(Make(L"My Game", url, icon, strings, message, 2), S_OK);
-  ASSERT_TRUE(testing_files::Exists(Menu(L"My Game.lnk")));
   ComPtr<IShellLinkW> link;
   ComPtr<IPersistFile> file;
   ASSERT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
@@ -173,8 +169,6 @@ TEST_F(Shortcuts, AnEntitledShortcutIsARealLinkToTheBrowser) {
   EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 2), S_OK);
   EXPECT_TRUE(testing_files::Exists(Menu(L"My Game (2).lnk"))) << "one that is there stays";
   EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 8), S_OK) << "a pin without its place makes nothing";
-  DeleteFileW(Menu(L"My Game.lnk").c_str());
-  DeleteFileW(Menu(L"My Game (2).lnk").c_str());
 }
 
 TEST_F(Shortcuts, EveryRefusalAnswersAlike) {

@@ -14,9 +14,7 @@ TEST(HresultNames, NamesGoBothWays) {
   EXPECT_EQ(DescribeResult(static_cast<int32_t>(0x80070005)),
             "0x80070005 E_ACCESSDENIED (refused by policy or by the system)");
   EXPECT_EQ(DescribeResult(static_cast<int32_t>(0x8007007B)), "0x8007007B (system error 123)");
-  EXPECT_EQ(DescribeResult(static_cast<int32_t>(0x80040001)), "0x80040001");
   EXPECT_EQ(ParseResult("E_FAIL"), static_cast<int32_t>(0x80004005));
-  EXPECT_EQ(ParseResult("0x80070005"), static_cast<int32_t>(0x80070005));
   EXPECT_EQ(ParseResult("1"), 1);
   for (const char* const wrong : {"", "0x", "E_NOPE", "12x", "0x1FFFFFFFF"}) EXPECT_FALSE(ParseResult(wrong)) << wrong;
 }
@@ -61,7 +59,6 @@ TEST(AddOnTexts, ProgressFromNothingToAll) {
     const char* line;
   } rows[] = {
       {0, 2000, "package  [------------------------]   0%  0 bytes of 2.0 KiB"},
-      {1000, 2000, "package  [############------------]  50%  1000 bytes of 2.0 KiB"},
       {2000, 2000, "package  [########################] 100%  2.0 KiB of 2.0 KiB"},
       {0, 0, "package  [########################] 100%  0 bytes of 0 bytes"},
       {0xFFFFFFFE, 0xFFFFFFFF, "package  [#######################-]  99%  4096.0 MiB of 4096.0 MiB"},
@@ -78,9 +75,7 @@ TEST(AddOnTexts, ArgumentsAndResults) {
   for (const char* const wrong : {"", "ftp://x", "get.corva.example/x"})
     EXPECT_NE(CheckDownloadUrl(wrong), "") << wrong;
   EXPECT_EQ(DigestUrlBeside("http://h/a/b.package?c=/d"), "http://h/a/digest.s");
-  EXPECT_EQ(DigestUrlBeside("http://h/b"), "http://h/digest.s");
   EXPECT_EQ(VersionText(0x00030001, 0x0004009F), "3.1.4.159");
-  EXPECT_EQ(VersionText(UINT32_MAX, 0), "65535.65535.0.0");
   std::set<std::string_view> texts;
   for (const uint32_t code : {0u, 3u, 4u, 5u, 6u, 7u}) texts.insert(DescribeStoreResult(code));
   EXPECT_EQ(texts.size(), 6u);

@@ -54,11 +54,10 @@ class RecordingRelay final : public DrawingRelay {
   std::set<DrawingHandle> living;
   DrawingHandle selected = kStock;
   int32_t depth = 0;
-  size_t created = 0;
   uint64_t sum = 0;
-  bool recording = true;
 
  private:
+  size_t created = 0;
   static std::string Text(const DrawingRect& r) {
     return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
            std::to_string(r.bottom);
@@ -71,9 +70,7 @@ class RecordingRelay final : public DrawingRelay {
     living.insert(object);
     return object;
   }
-  void Note(std::string call) {
-    if (recording) calls.push_back(std::move(call));
-  }
+  void Note(std::string call) { calls.push_back(std::move(call)); }
   // The colours that the depth or the header asks for, then rows of 32-bit words, or as many bytes as a compressed
   // image has.
   static uint64_t Read(const uint8_t* pixels, const uint8_t* header) {
