@@ -139,6 +139,7 @@ TEST_F(Dialogs, ArgumentsAreTestedBeforeAnythingIsShown) {
       {"no length", owner.Value(), 1, 0, fits.Get(), E_INVALIDARG},
       {"no array", owner.Value(), 1, size, nullptr, E_INVALIDARG},
       {"two dimensions", owner.Value(), 1, size, twoDimensions.Get(), E_INVALIDARG},
+      {"another length", owner.Value(), 1, size - 2, fits.Get(), E_INVALIDARG},
       {"a pair too many", owner.Value(), 2, size, fits.Get(), E_INVALIDARG},
       {"an odd length", owner.Value(), 1, size + 1, odd.Get(), E_INVALIDARG},
       {"no terminator", owner.Value(), 1, size - 2, openEnded.Get(), E_INVALIDARG},
