@@ -56,26 +56,13 @@ TEST(DrawingArrays, NarrowGlyphIndicesAreFilledUpToSixteenBits) {
   EXPECT_EQ(ReadText(wide, 4, kGlyphIndices), wide);
 }
 
-TEST(DrawingArrays, SpacingLeavesOutTheLastValueAndWrapsAtNone) {
-  const struct {
-    const char* why;
-    uint32_t count;
-    uint32_t options;
-    size_t length;
-    bool enough;
-  } rows[] = {
-      {"a value fewer than characters", 4, 0, 12, true},
-      {"too short", 4, 0, 11, false},
-      {"one character needs none", 1, 0, 0, true},
-      {"pairs", 4, kPairedSpacing, 24, true},
-      {"pairs, too short", 4, kPairedSpacing, 23, false},
-      {"other options do not count", 4, 0xFFFF & ~kPairedSpacing, 12, true},
-      {"no characters: the need wraps", 0, 0, 400, false},
-      {"no characters in pairs: the need wraps", 0, kPairedSpacing, 400, false},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(HasSpacing(Bytes(row.length), row.count, row.options), row.enough) << row.why;
-  }
+TEST(DrawingArrays, SpacingThatIsReadHasAValueForEachCharacter) {
+  const int32_t values[] = {5, -6, 7};
+  Bytes bytes(sizeof(values));
+  std::memcpy(bytes.data(), values, sizeof(values));
+  EXPECT_EQ(ReadSpacing(bytes, 3, 0), (std::vector<int32_t>{5, -6, 7}));
+  EXPECT_EQ(ReadSpacing(bytes, 4, 0), (std::vector<int32_t>{5, -6, 7, 0}));
+  EXPECT_EQ(ReadSpacing(bytes, 2, kPairedSpacing), (std::vector<int32_t>{5, -6, 7, 0}));
 }
 
 BitmapHeader Header(int32_t width, int32_t height, uint16_t bits) {

@@ -65,7 +65,9 @@ TEST_F(TextMethods, LengthsAreCheckedForBothWidths) {
       {"a rectangle that is none, though it is not used", 5, 6, E_FAIL, 15},
       {"no spacing array, though it is not used", 5, 6, E_FAIL, 16, true, -1},
       {"spacing too short", 5, 6, E_FAIL, 16, false, 15},
+      {"spacing for all but the last character", 5, 6, S_OK, 16, false, 16},
       {"spacing in pairs", 5, 6, S_OK, 16, false, 32, ETO_PDY},
+      {"spacing in pairs too short", 5, 6, E_FAIL, 16, false, 31, ETO_PDY},
       {"spacing for no text: the need wraps", 0, 1, E_FAIL, 16, false, 4096},
       {"glyph indices", 5, 6, S_OK, 16, true, 0, ETO_GLYPH_INDEX},
   };
