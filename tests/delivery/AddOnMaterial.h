@@ -25,10 +25,15 @@ inline std::string MessageText(const std::string& name) {
   EXPECT_NE(text, "(no file)") << name;
   return text;
 }
-
-inline std::vector<uint8_t> MessageBytes(const std::string& name) {
-  const std::string text = MessageText(name);
+inline std::vector<uint8_t> BytesOf(const std::string& text) {
   return {text.begin(), text.end()};
+}
+inline std::vector<uint8_t> MessageBytes(const std::string& name) {
+  return BytesOf(MessageText(name));
+}
+// What the module's own authority signed, and the content that was signed.
+inline std::vector<uint8_t> CommittedBytes(const std::string& name) {
+  return BytesOf(testing_files::ReadWhole(L"Z:" + WidenAscii(LUMEN_SOURCE_DIR "/tests/delivery/anchor/" + name)));
 }
 
 // Where the user's products lie.

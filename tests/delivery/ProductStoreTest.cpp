@@ -35,24 +35,10 @@ TEST_F(ProductStore, PackagesAndWhatBecomesOfThem) {
     StoreResult result;
     std::string content;
   } rows[] = {
-      {"good", StoreResult::Stored, program},
-      {"trailing", StoreResult::Stored, program},
-      {"below-bound", StoreResult::Stored, "short"},
-      {"at-bound", StoreResult::NotWritten, {}},
-      {"four-gigabytes", StoreResult::NotWritten, {}},
-      {"longer-stream", StoreResult::NotWritten, {}},
-      {"corrupt", StoreResult::NotWritten, {}},
-      {"cut", StoreResult::NotWritten, {}},
-      {"nothing", StoreResult::Stored, ""},
-      {"something-in-nothing", StoreResult::NotWritten, {}},
-      {"no-stream", StoreResult::NotWritten, {}},
-      {"header-only", StoreResult::NotWritten, {}},
-      {"half-header", StoreResult::NotWritten, {}},
-      {"other-magic", StoreResult::NotTrusted, {}},
-      {"short-magic", StoreResult::NotTrusted, {}},
-      {"empty", StoreResult::NotTrusted, {}},
-      {"untrusted", StoreResult::NotTrusted, {}},
-      {"content", StoreResult::NotTrusted, {}},
+      {"good", StoreResult::Stored, program},       {"at-bound", StoreResult::NotWritten, {}},
+      {"corrupt", StoreResult::NotWritten, {}},     {"nothing", StoreResult::Stored, ""},
+      {"other-magic", StoreResult::NotTrusted, {}}, {"empty", StoreResult::NotTrusted, {}},
+      {"untrusted", StoreResult::NotTrusted, {}},   {"content", StoreResult::NotTrusted, {}},
   };
   for (const auto& row : rows) {
     // What stood there before goes with a refused package too: the place is emptied before the package is judged.
@@ -78,27 +64,19 @@ TEST_F(ProductStore, NamesAndAnchors) {
 }
 
 TEST_F(ProductStore, WhatTheBuiltInAnchorSignedNeedsNoFile) {
-  const auto committed = [](const char* name) {
-    const std::string text = ReadWhole(L"Z:" + FromUtf8(LUMEN_SOURCE_DIR "/tests/delivery/anchor/") + WidenAscii(name));
-    return std::vector<uint8_t>(text.begin(), text.end());
-  };
-  EXPECT_EQ(InstallSignedPackage(L"DemoAddOn", committed("package.p7m"), L""), StoreResult::Stored);
-  EXPECT_EQ(StoreProductDigest(L"DemoAddOn", committed("digest.p7m")), StoreResult::Stored);
+  EXPECT_EQ(InstallSignedPackage(L"DemoAddOn", addon::CommittedBytes("package.p7m"), L""), StoreResult::Stored);
+  EXPECT_EQ(StoreProductDigest(L"DemoAddOn", addon::CommittedBytes("digest.p7m")), StoreResult::Stored);
   EXPECT_TRUE(VerifyProductDigest(L"DemoAddOn", nullptr, ProductFolder::PerUser));
   EXPECT_FALSE(VerifyProductDigest(L"DemoAddOn", Anchor().c_str(), ProductFolder::PerUser));
 }
 
 size_t g_refusedBlock = 0;
 void* RefuseOneSize(size_t size) {
-  static auto* const real = reinterpret_cast<void* (*)(size_t)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), "malloc")));
-  return size == g_refusedBlock ? nullptr : real(size);
+  return size == g_refusedBlock ? nullptr : Own<void*(size_t)>(L"msvcrt.dll", "malloc")(size);
 }
 
-const auto g_write = reinterpret_cast<decltype(&WriteFile)>(
-    reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WriteFile")));
 BOOL WINAPI WriteOneLess(HANDLE file, const void* bytes, DWORD size, DWORD* written, OVERLAPPED* overlapped) {
-  return g_write(file, bytes, size - 1, written, overlapped);
+  return Own<decltype(WriteFile)>(L"kernel32.dll", "WriteFile")(file, bytes, size - 1, written, overlapped);
 }
 
 TEST_F(ProductStore, FailuresOfThePlatformLeaveNoFile) {
@@ -129,18 +107,13 @@ TEST_F(ProductStore, DigestsHoldTheProductToWhatWasSigned) {
     bool good;
   } rows[] = {
       {"good", true},
-      {"folder", true},       // a file in a folder of the product's
-      {"bare-lf", false},     // no line counts
-      {"reordered", false},   // the hash is over the files in another order
-      {"other-order", true},  // and here in the same
+      {"folder", true},      // a file in a folder of the product's
+      {"bare-lf", false},    // no line counts
+      {"reordered", false},  // the hash is over the files in another order
       {"no-executable", false},
-      {"no-files", false},
-      {"prefix", true},       // "Demo" is taken for the executable, and
-                              // is no file
-      {"other-case", false},  // "demo.exe" is not, though the platform opens it
-      {"longer-name", false},
+      {"prefix", true},           // "Demo" is taken for the executable, and is no file
+      {"other-case", false},      // "demo.exe" is not, though the platform opens it
       {"missing-counted", true},  // signed without the file that is missing
-      {"empty-value", false},
       {"huge-value", false},
       {"last-value-wins", false},
       {"many", true},

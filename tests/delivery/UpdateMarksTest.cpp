@@ -69,24 +69,4 @@ TEST_F(UpdateMarks, WithoutAVersionNothingIsRejected) {
   EXPECT_FALSE(ReadUpdateDescription(&list));
 }
 
-TEST_F(UpdateMarks, RemovalTakesEverythingAndTellsWhatWasMissing) {
-  EXPECT_FALSE(RemoveUpdateMarks(product_kind::Plugin)) << "nothing is there";
-  const auto make = [](HKEY root, const std::string& path) { return CreateKey(root, path.c_str(), KEY_ALL_ACCESS); };
-  ASSERT_EQ(WriteText(make(HKEY_CURRENT_USER, kRunOnceKey).Get(), "LumenPlayerUpdate", "x"), 0);
-  make(HKEY_CURRENT_USER, GetProductKey(product_kind::Plugin));
-  make(HKEY_LOCAL_MACHINE, GetProductKey(product_kind::Plugin));
-  const RegistryKey player = make(HKEY_CURRENT_USER, kPlayerKey);
-  ASSERT_EQ(WriteText(player.Get(), "LumenPlayerVersion", "x"), 0);
-  ASSERT_EQ(WriteText(player.Get(), "TwlInstall", "x"), 0);
-  EXPECT_TRUE(RemoveUpdateMarks(product_kind::Plugin)) << "the old uninstall key does not count";
-  EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, GetProductKey(product_kind::Plugin).c_str(), KEY_READ));
-  EXPECT_EQ(Value(kPlayerKey, "TwlInstall"), "(none)");
-}
-
-TEST_F(UpdateMarks, SafeVersionsAreForgotten) {
-  ASSERT_TRUE(CreateKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_WRITE));
-  RemoveSafeVersions();
-  EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
-}
-
 }  // namespace

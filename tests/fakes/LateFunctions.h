@@ -84,9 +84,7 @@ inline BOOLEAN WINAPI Generate(void* out, ULONG size) {
   return TRUE;
 }
 
-// By address it would be a stub that goes through the table which the hook changes.
-inline decltype(GetProcAddress)* const g_original = reinterpret_cast<decltype(GetProcAddress)*>(
-    reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetProcAddress")));
+inline auto* const g_original = Own<decltype(GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
 
 inline FARPROC WINAPI Find(HMODULE module, const char* name) {
   static const struct {

@@ -126,80 +126,66 @@ HRESULT FillRecord(const Arguments& arguments, std::string* /*call*/) {
   return S_OK;
 }
 
+#define METHOD(type, name) SlotOf(&type::name), #type "::" #name
+
 const std::vector<Row>& Rows() {
   using enum Kind;
   constexpr Noted text0 = {As::Text, 0};
   constexpr Noted number0 = {As::Number, 0};
   static const std::vector<Row> rows = {
-      {Service, SlotOf(&ITaskService::Connect), "ITaskService::Connect", {}, {}, NoteConnection},
-      {Service, SlotOf(&ITaskService::GetFolder), "ITaskService::GetFolder", {text0}, {Folder, 1}},
-      {Service, SlotOf(&ITaskService::NewTask), "ITaskService::NewTask", {number0}, {Definition, 1}},
-      {Folder, SlotOf(&ITaskFolder::GetTask), "ITaskFolder::GetTask", {text0}, {Registered, 1}, FindExisting},
-      {Folder, SlotOf(&ITaskFolder::DeleteTask), "ITaskFolder::DeleteTask", {text0}, {}, FindExisting},
+      {Service, METHOD(ITaskService, Connect), {}, {}, NoteConnection},
+      {Service, METHOD(ITaskService, GetFolder), {text0}, {Folder, 1}},
+      {Service, METHOD(ITaskService, NewTask), {number0}, {Definition, 1}},
+      {Folder, METHOD(ITaskFolder, GetTask), {text0}, {Registered, 1}, FindExisting},
+      {Folder, METHOD(ITaskFolder, DeleteTask), {text0}, {}, FindExisting},
       {Folder,
-       SlotOf(&ITaskFolder::RegisterTaskDefinition),
-       "ITaskFolder::RegisterTaskDefinition",
+       METHOD(ITaskFolder, RegisterTaskDefinition),
        {text0, {As::Number, 2}, {As::Number, 5}},
        {Registered, 7},
        NoteRegistration},
-      {Registered, SlotOf(&IRegisteredTask::get_Definition), "IRegisteredTask::get_Definition", {}, {Definition, 0}},
-      {Definition, SlotOf(&ITaskDefinition::get_Settings), "ITaskDefinition::get_Settings", {}, {Settings, 0}},
-      {Definition,
-       SlotOf(&ITaskDefinition::get_RegistrationInfo),
-       "ITaskDefinition::get_RegistrationInfo",
-       {},
-       {Registration, 0}},
-      {Definition, SlotOf(&ITaskDefinition::get_Triggers), "ITaskDefinition::get_Triggers", {}, {Triggers, 0}},
-      {Definition, SlotOf(&ITaskDefinition::get_Actions), "ITaskDefinition::get_Actions", {}, {Actions, 0}},
-      {Settings, SlotOf(&ITaskSettings::put_StartWhenAvailable), "ITaskSettings::put_StartWhenAvailable", {number0}},
-      {Settings, SlotOf(&ITaskSettings::put_Compatibility), "ITaskSettings::put_Compatibility", {number0}},
-      {Settings,
-       SlotOf(&ITaskSettings::put_DisallowStartIfOnBatteries),
-       "ITaskSettings::put_DisallowStartIfOnBatteries",
-       {number0}},
-      {Settings,
-       SlotOf(&ITaskSettings::put_RunOnlyIfNetworkAvailable),
-       "ITaskSettings::put_RunOnlyIfNetworkAvailable",
-       {number0}},
-      {Registration, SlotOf(&IRegistrationInfo::put_Author), "IRegistrationInfo::put_Author", {text0}},
-      {Registration, SlotOf(&IRegistrationInfo::put_Description), "IRegistrationInfo::put_Description", {text0}},
-      {Triggers, SlotOf(&ITriggerCollection::get_Count), "ITriggerCollection::get_Count", {}, {}, CountTriggers},
-      {Triggers, SlotOf(&ITriggerCollection::get_Item), "ITriggerCollection::get_Item", {number0}, {Trigger, 1}},
-      {Triggers, SlotOf(&ITriggerCollection::Create), "ITriggerCollection::Create", {number0}, {Trigger, 1}},
+      {Registered, METHOD(IRegisteredTask, get_Definition), {}, {Definition, 0}},
+      {Definition, METHOD(ITaskDefinition, get_Settings), {}, {Settings, 0}},
+      {Definition, METHOD(ITaskDefinition, get_RegistrationInfo), {}, {Registration, 0}},
+      {Definition, METHOD(ITaskDefinition, get_Triggers), {}, {Triggers, 0}},
+      {Definition, METHOD(ITaskDefinition, get_Actions), {}, {Actions, 0}},
+      {Settings, METHOD(ITaskSettings, put_StartWhenAvailable), {number0}},
+      {Settings, METHOD(ITaskSettings, put_Compatibility), {number0}},
+      {Settings, METHOD(ITaskSettings, put_DisallowStartIfOnBatteries), {number0}},
+      {Settings, METHOD(ITaskSettings, put_RunOnlyIfNetworkAvailable), {number0}},
+      {Registration, METHOD(IRegistrationInfo, put_Author), {text0}},
+      {Registration, METHOD(IRegistrationInfo, put_Description), {text0}},
+      {Triggers, METHOD(ITriggerCollection, get_Count), {}, {}, CountTriggers},
+      {Triggers, METHOD(ITriggerCollection, get_Item), {number0}, {Trigger, 1}},
+      {Triggers, METHOD(ITriggerCollection, Create), {number0}, {Trigger, 1}},
       {Trigger, 0, "ITrigger::QueryInterface", {}, {Trigger, 1}},
-      {Trigger, SlotOf(&ITrigger::put_Id), "ITrigger::put_Id", {text0}},
-      {Trigger, SlotOf(&ITrigger::put_StartBoundary), "ITrigger::put_StartBoundary", {text0}},
-      {Trigger, SlotOf(&ITrigger::get_Repetition), "ITrigger::get_Repetition", {}, {Repetition, 0}},
-      {Trigger, SlotOf(&IDailyTrigger::put_DaysInterval), "IDailyTrigger::put_DaysInterval", {number0}},
-      {Repetition, SlotOf(&IRepetitionPattern::put_Duration), "IRepetitionPattern::put_Duration", {text0}},
-      {Repetition, SlotOf(&IRepetitionPattern::put_Interval), "IRepetitionPattern::put_Interval", {text0}},
-      {Actions, SlotOf(&IActionCollection::Clear), "IActionCollection::Clear"},
-      {Actions, SlotOf(&IActionCollection::Create), "IActionCollection::Create", {number0}, {Action, 1}},
+      {Trigger, METHOD(ITrigger, put_Id), {text0}},
+      {Trigger, METHOD(ITrigger, put_StartBoundary), {text0}},
+      {Trigger, METHOD(ITrigger, get_Repetition), {}, {Repetition, 0}},
+      {Trigger, METHOD(IDailyTrigger, put_DaysInterval), {number0}},
+      {Repetition, METHOD(IRepetitionPattern, put_Duration), {text0}},
+      {Repetition, METHOD(IRepetitionPattern, put_Interval), {text0}},
+      {Actions, METHOD(IActionCollection, Clear)},
+      {Actions, METHOD(IActionCollection, Create), {number0}, {Action, 1}},
       {Action, 0, "IAction::QueryInterface", {}, {Action, 1}},
-      {Action, SlotOf(&IExecAction::put_Path), "IExecAction::put_Path", {text0}},
-      {Action, SlotOf(&IExecAction::put_Arguments), "IExecAction::put_Arguments", {text0}},
+      {Action, METHOD(IExecAction, put_Path), {text0}},
+      {Action, METHOD(IExecAction, put_Arguments), {text0}},
 
-      {OldScheduler,
-       SlotOf(&ITaskScheduler::Activate),
-       "ITaskScheduler::Activate",
-       {text0},
-       {OldItem, 2},
-       FindExisting},
-      {OldScheduler, SlotOf(&ITaskScheduler::NewWorkItem), "ITaskScheduler::NewWorkItem", {text0}, {OldItem, 3}},
-      {OldScheduler, SlotOf(&ITaskScheduler::Delete), "ITaskScheduler::Delete", {text0}, {}, FindExisting},
+      {OldScheduler, METHOD(ITaskScheduler, Activate), {text0}, {OldItem, 2}, FindExisting},
+      {OldScheduler, METHOD(ITaskScheduler, NewWorkItem), {text0}, {OldItem, 3}},
+      {OldScheduler, METHOD(ITaskScheduler, Delete), {text0}, {}, FindExisting},
       {OldItem, 0, "ITask::QueryInterface", {}, {OldFile, 1}},
-      {OldItem, SlotOf(&ITask::SetAccountInformation), "ITask::SetAccountInformation", {text0, {As::Text, 1}}},
-      {OldItem, SlotOf(&ITask::SetCreator), "ITask::SetCreator", {text0}},
-      {OldItem, SlotOf(&ITask::SetComment), "ITask::SetComment", {text0}},
-      {OldItem, SlotOf(&ITask::SetApplicationName), "ITask::SetApplicationName", {text0}},
-      {OldItem, SlotOf(&ITask::SetFlags), "ITask::SetFlags", {number0}},
-      {OldItem, SlotOf(&ITask::SetParameters), "ITask::SetParameters", {text0}},
-      {OldItem, SlotOf(&ITask::CreateTrigger), "ITask::CreateTrigger", {}, {OldTrigger, 1}},
-      {OldItem, SlotOf(&ITask::GetTriggerCount), "ITask::GetTriggerCount", {}, {}, CountOldTriggers},
-      {OldItem, SlotOf(&ITask::GetTrigger), "ITask::GetTrigger", {number0}, {OldTrigger, 1}},
-      {OldTrigger, SlotOf(&ITaskTrigger::SetTrigger), "ITaskTrigger::SetTrigger", {}, {}, NoteRecord},
-      {OldTrigger, SlotOf(&ITaskTrigger::GetTrigger), "ITaskTrigger::GetTrigger", {}, {}, FillRecord},
-      {OldFile, SlotOf(&IPersistFile::Save), "IPersistFile::Save", {text0, {As::Number, 1}}},
+      {OldItem, METHOD(ITask, SetAccountInformation), {text0, {As::Text, 1}}},
+      {OldItem, METHOD(ITask, SetCreator), {text0}},
+      {OldItem, METHOD(ITask, SetComment), {text0}},
+      {OldItem, METHOD(ITask, SetApplicationName), {text0}},
+      {OldItem, METHOD(ITask, SetFlags), {number0}},
+      {OldItem, METHOD(ITask, SetParameters), {text0}},
+      {OldItem, METHOD(ITask, CreateTrigger), {}, {OldTrigger, 1}},
+      {OldItem, METHOD(ITask, GetTriggerCount), {}, {}, CountOldTriggers},
+      {OldItem, METHOD(ITask, GetTrigger), {number0}, {OldTrigger, 1}},
+      {OldTrigger, METHOD(ITaskTrigger, SetTrigger), {}, {}, NoteRecord},
+      {OldTrigger, METHOD(ITaskTrigger, GetTrigger), {}, {}, FillRecord},
+      {OldFile, METHOD(IPersistFile, Save), {text0, {As::Number, 1}}},
   };
   return rows;
 }
@@ -288,14 +274,9 @@ DWORD RegisterClass(REFCLSID clsid, IClassFactory* factory) {
   return number;
 }
 
-// The platform's own function; its address by name would be a stub that goes through the table that the hooks change.
-template <class Function>
-Function* Own(const char* name) {
-  return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ole32.dll"), name)));
-}
-auto* const g_enterEx = Own<decltype(CoInitializeEx)>("CoInitializeEx");
-auto* const g_leave = Own<decltype(CoUninitialize)>("CoUninitialize");
-auto* const g_create = Own<decltype(CoCreateInstance)>("CoCreateInstance");
+auto* const g_enterEx = Own<decltype(CoInitializeEx)>(L"ole32.dll", "CoInitializeEx");
+auto* const g_leave = Own<decltype(CoUninitialize)>(L"ole32.dll", "CoUninitialize");
+auto* const g_create = Own<decltype(CoCreateInstance)>(L"ole32.dll", "CoCreateInstance");
 
 HRESULT Entered(const char* name, DWORD how) {
   const HRESULT noted = g_record.Note(name);

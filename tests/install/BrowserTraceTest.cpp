@@ -7,6 +7,7 @@
 #include "tests/install/InstallFixture.h"
 #include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/StartedAsUser.h"
 
 namespace {
 
@@ -14,7 +15,6 @@ namespace {
 struct Scan {
   std::vector<std::wstring> names;
   size_t asked = 0;
-  Lines started;
 };
 Scan g_scan;
 
@@ -32,35 +32,23 @@ DWORD WINAPI NameProcess(HANDLE /*process*/, HMODULE /*module*/, LPWSTR name, DW
   wcscpy_s(name, units, next.c_str());
   return static_cast<DWORD>(next.size());
 }
-BOOL WINAPI StartAsUser(HANDLE token, LPCWSTR program, LPWSTR line, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES,
-                        BOOL inherits, DWORD flags, LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION) {
-  TOKEN_TYPE type = TokenImpersonation;
-  DWORD bytes = 0;
-  EXPECT_TRUE(GetTokenInformation(token, TokenType, &type, sizeof(type), &bytes));
-  EXPECT_EQ(type, TokenPrimary);
-  EXPECT_EQ(program, nullptr);
-  EXPECT_FALSE(inherits);
-  EXPECT_EQ(flags, 0x4000008u);
-  g_scan.started.push_back(ToUtf8(line));
-  SetLastError(ERROR_FILE_NOT_FOUND);
-  return FALSE;  // one that fails does not keep the next from its turn
-}
 
 }  // namespace
 
 TEST_F(InstallFixture, EachRunningBrowserIsAskedInItsUsersPlace) {
   g_scan = {};
+  started_as_user::g_lines.clear();
   g_scan.names = {L"explorer.exe", L"iexplore.exe", L"IEUser.EXE", L"iexplore.exe.exe", L"", L"IEXPLORE.EXE"};
   host.utilityPath = L"C:\\Lumen Player\\util.exe";
   const HMODULE self = GetModuleHandleW(nullptr);
   const ImportHook list(self, "K32EnumProcesses", &ListProcesses);
   const ImportHook name(self, "K32GetModuleBaseNameW", &NameProcess);
-  const ImportHook start(self, "CreateProcessAsUserW", &StartAsUser);
+  const ImportHook start(self, "CreateProcessAsUserW", &started_as_user::Start);
   const DWORD before = counts::KernelHandles();
   AskBrowsersToRefresh(&host);
   EXPECT_EQ(counts::KernelHandles(), before);
   const std::string line = "\"C:\\Lumen Player\\util.exe\" -refreshIEElevationPolicies";
-  EXPECT_EQ(g_scan.started, (Lines{line, line, line}));
+  EXPECT_EQ(started_as_user::g_lines, (Lines{line, line, line}));
   EXPECT_EQ(g_scan.asked, g_scan.names.size());
   EXPECT_EQ(host.Reports(), Lines{});
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -18,38 +17,20 @@ std::vector<std::string> Walk(ClassKeyFamily family) {
   return keys;
 }
 
-size_t CountOf(const std::vector<std::string>& keys, const char* beginning) {
-  return static_cast<size_t>(std::count_if(keys.begin(), keys.end(),
-                                           [beginning](const std::string& key) { return key.starts_with(beginning); }));
-}
-
 }  // namespace
 
 TEST(ClassKeys, FamiliesHoldOneAnotherInOrder) {
   const auto machine = Walk(ClassKeyFamily::MachineClasses);
   const auto control = Walk(ClassKeyFamily::Control);
-  const auto second = Walk(ClassKeyFamily::SecondControl);
   const auto root = Walk(ClassKeyFamily::ClassRoot);
   const auto names = Walk(ClassKeyFamily::ProgramIds);
   ASSERT_EQ(machine.size(), 13u);
-  for (size_t i = 0; i < 10; ++i) {
-    EXPECT_TRUE(machine[i].starts_with(i % 2 == 0 ? "MACHINE\\Software\\Classes\\CLSID\\{"
-                                                  : "MACHINE\\Software\\Classes\\Interface\\{"));
-  }
-  EXPECT_TRUE(std::equal(control.begin(), control.end(), machine.begin() + 10));
-  EXPECT_EQ(CountOf(second, "MACHINE\\Software\\Classes\\CLSID\\{"), 2u);
-  EXPECT_EQ(CountOf(second, "MACHINE\\Software\\Classes\\TypeLib\\{"), 1u);
   ASSERT_EQ(names.size(), 13u);
   ASSERT_EQ(root.size(), 14u + 13 + 4 + 11 + 1 + 2);
+  EXPECT_EQ(Walk(ClassKeyFamily::SecondControl).size(), 3u);
+  EXPECT_TRUE(std::equal(control.begin(), control.end(), machine.begin() + 10));
   EXPECT_TRUE(std::equal(names.begin(), names.end(), root.begin() + 14));
-  EXPECT_EQ(root[4], "CLASSES_ROOT\\TypeLib\\{57A0E746-3863-4D20-A811-950C84F1DB9B}");
-  EXPECT_EQ(root[27], "CLASSES_ROOT\\HalcyonicsLumenPaper.HalcyonicsLumenPaper");
-  EXPECT_EQ(root.back(),
-            "MACHINE\\Software\\Microsoft\\Internet Explorer\\NavigatorPluginsList\\Tidewater "
-            "Lumen\\application/x-tidewater-lumen");
-  for (const auto& keys : {root, names}) {
-    EXPECT_EQ(std::count(keys.begin(), keys.end(), "CLASSES_ROOT\\TidewaterLumen.TidewaterLumen.2"), 0);
-  }
+  EXPECT_EQ(std::count(root.begin(), root.end(), "CLASSES_ROOT\\TidewaterLumen.TidewaterLumen.2"), 0);
 }
 
 TEST(ClassKeys, IdentifiersAreWrittenInUpperCase) {

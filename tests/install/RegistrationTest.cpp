@@ -11,18 +11,7 @@
 
 namespace {
 
-struct KindRow {
-  uint32_t kind;
-  const char* file;
-  const char* golden;
-};
-constexpr KindRow kKinds[] = {
-    {product_kind::ActiveX, "LumenPlayer.ocx", "registered-activex.txt"},
-    {product_kind::Plugin, "nplumen.dll", "registered-plugin.txt"},
-    {product_kind::Pepper, "pepperlumen.dll", "registered-pepper.txt"},
-};
 const std::string kUninstall = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Corva Lumen Player ";
-const std::string kOptions = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
 
 class Registration : public InstallFixture {
  protected:
@@ -38,7 +27,7 @@ class Registration : public InstallFixture {
     }
   }
   bool Register(const KindRow& row, uint8_t writeUninstallEntry = 1) {
-    return shim->RegisterProduct(row.kind, PathOf(row.file), PathOf("LumenUtil.exe"), L"", writeUninstallEntry);
+    return shim->RegisterProduct(row.kind, PathOf(row.player), PathOf("LumenUtil.exe"), L"", writeUninstallEntry);
   }
 };
 
@@ -99,18 +88,18 @@ Lines ReportWhenFailing(const Lines& all, size_t at) {
 // Each kind begins on the same machine, so all are compared with one reading of it.
 TEST_F(Registration, LeavesWhatTheGoldenTextsSay) {
   const RegistrySnapshot before;
-  for (const KindRow& row : kKinds) {
+  for (const KindRow& row : kKindRows) {
     ClearMachine();
-    (void)Player(row.file);
+    (void)Player(row.player);
     (void)File("LumenUtil.exe");
     EXPECT_TRUE(Register(row));
     EXPECT_EQ(shim->WasRegistrationReached(), 1);
     EXPECT_EQ(host.Reports(), Lines{});
     // A second registration finds nothing to change.
     EXPECT_TRUE(Register(row));
-    ExpectGolden(row.golden, RegistrySnapshot().Since(before));
+    ExpectGolden("registered-" + std::string(row.name) + ".txt", RegistrySnapshot().Since(before));
     // Only the control and its server are guarded against being changed.
-    for (const char* const file : {row.file, "LumenUtil.exe"}) {
+    for (const char* const file : {row.player, "LumenUtil.exe"}) {
       const bool readOnly = (GetFileAttributesW(PathOf(file).Data()) & FILE_ATTRIBUTE_READONLY) != 0;
       EXPECT_EQ(readOnly, row.kind == product_kind::ActiveX) << file;
       SetFileAttributesW(PathOf(file).Data(), 0);
@@ -120,14 +109,14 @@ TEST_F(Registration, LeavesWhatTheGoldenTextsSay) {
 
 TEST_P(RegistrationOfKind, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
   const KindRow& row = GetParam();
-  (void)Player(row.file);
+  (void)Player(row.player);
   (void)File("LumenUtil.exe");
   FaultSteps faults;
   bool result = false;
   const auto registering = [&] { result = Register(row); };
   const auto fresh = [&] {
     ClearMachine();
-    for (const char* const file : {row.file, "LumenUtil.exe"}) SetFileAttributesW(PathOf(file).Data(), 0);
+    for (const char* const file : {row.player, "LumenUtil.exe"}) SetFileAttributesW(PathOf(file).Data(), 0);
     host.Forget();
   };
   fresh();
@@ -148,11 +137,8 @@ TEST_P(RegistrationOfKind, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EachKind, RegistrationOfKind, testing::ValuesIn(kKinds), [](const auto& row) {
-  return row.param.kind == product_kind::ActiveX  ? "ActiveX"
-         : row.param.kind == product_kind::Plugin ? "Plugin"
-                                                  : "Pepper";
-});
+INSTANTIATE_TEST_SUITE_P(EachKind, RegistrationOfKind, testing::ValuesIn(kKindRows),
+                         [](const auto& row) { return row.param.name; });
 
 TEST_F(InstallFixture, InventoryTellsOfDebuggersAndPackages) {
   struct {
@@ -207,10 +193,10 @@ TEST_F(InstallFixture, PluginPathIsReadBesideTheEntryAndNotInIt) {
 }
 
 TEST_F(InstallFixture, ImageOptionsGoByNameAndNeverAllAtOnce) {
-  SetNumber(kOptions + "LumenPlayerHelper.exe", "x", 1);
-  SetNumber(kOptions + "LumenPlayerApp.exe", "x", 1);
+  SetNumber(kImageOptions + "LumenPlayerHelper.exe", "x", 1);
+  SetNumber(kImageOptions + "LumenPlayerApp.exe", "x", 1);
   EXPECT_TRUE(DeleteImageExecutionKey(&host, L"LumenPlayerHelper.exe"));
   EXPECT_FALSE(DeleteImageExecutionKey(&host, L""));
-  EXPECT_FALSE(KeyExists(kOptions + "LumenPlayerHelper.exe"));
-  EXPECT_TRUE(KeyExists(kOptions + "LumenPlayerApp.exe"));
+  EXPECT_FALSE(KeyExists(kImageOptions + "LumenPlayerHelper.exe"));
+  EXPECT_TRUE(KeyExists(kImageOptions + "LumenPlayerApp.exe"));
 }

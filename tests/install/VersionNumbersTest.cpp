@@ -12,14 +12,9 @@ namespace {
 
 TEST(VersionNumbers, TextsAreTakenApart) {
   const std::pair<const wchar_t*, VersionNumbers> rows[] = {
-      {L"28.0.0.126", {28, 0, 0, 126}},
-      {L"11.3", {11, 3, 0, 0}},
-      {L"", {0, 0, 0, 0}},
-      {L"...7", {0, 0, 0, 7}},
-      {L"1.2.3.4.5", {1, 2, 3, 4}},
-      {L"28beta.1x.y2. 3", {28, 1, 0, 0}},
-      {L"-1.+2.007.1", {0, 0, 7, 1}},
-      {L"4294967295.4294967296.0.0", {4294967295u, 0, 0, 0}},
+      {L"28.0.0.126", {28, 0, 0, 126}}, {L"", {0, 0, 0, 0}},
+      {L"1.2.3.4.5", {1, 2, 3, 4}},     {L"28beta.1x.y2. 3", {28, 1, 0, 0}},
+      {L"-1.+2.007.1", {0, 0, 7, 1}},   {L"4294967295.4294967296.0.0", {4294967295u, 0, 0, 0}},
   };
   for (const auto& [text, numbers] : rows) EXPECT_EQ(ParseVersion(text), numbers) << ToUtf8(text);
   EXPECT_EQ(ParseVersion(MString()), VersionNumbers{});
@@ -42,12 +37,9 @@ TEST(VersionNumbers, FirstPairThatDiffersDecides) {
 
 TEST(VersionNumbers, InstalledVersionsAreOlderTheSameOrNewer) {
   const std::pair<const wchar_t*, InstalledState> rows[] = {
-      {L"28.0.0.126", InstalledState::Same},  {L"28.0.0.125", InstalledState::Older},
-      {L"28.0.0.127", InstalledState::Newer}, {L"28.1.0.0", InstalledState::Newer},
-      {L"28.0.1.0", InstalledState::Newer},   {L"27.9.9.999", InstalledState::Older},
-      {L"29", InstalledState::Newer},         {L"28", InstalledState::Older},
-      {L"", InstalledState::Older},           {L"garbage", InstalledState::Older},
-      {L"9999.0", InstalledState::Newer},
+      {L"28.0.0.126", InstalledState::Same},  {L"28.0.1.0", InstalledState::Newer},
+      {L"27.9.9.999", InstalledState::Older}, {L"29", InstalledState::Newer},
+      {L"28", InstalledState::Older},         {L"garbage", InstalledState::Older},
   };
   for (const auto& [text, state] : rows) EXPECT_EQ(StateOfVersion(text), state) << ToUtf8(text);
 }
@@ -61,10 +53,8 @@ TEST(PluginDirectoryText, ProgramsStandForADirectoryBesideThem) {
   const std::pair<const wchar_t*, const char*> rows[] = {
       {L"C:\\Opera\\opera.exe", "C:\\Opera\\Program\\Plugins"},
       {L"opera.exe", "opera.exe\\Program\\Plugins"},  // no directory to cut the name from
-      {L"D:\\Opera\\Program\\Plugins", "D:\\Opera\\Program\\Plugins"},
       {L"\\Plugins", "\\Plugins"},
       {L"Plugins", "(none)"},
-      {L"C:\\Opera\\plugins", "(none)"},
       {L"C:\\Opera\\opera.EXE", "(none)"},
       {L"C:\\Opera\\opera.exe /mail", "(none)"},
       {L"", "(none)"},

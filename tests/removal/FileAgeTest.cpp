@@ -16,11 +16,9 @@ TEST(FileAge, OnlyStrictlyBetweenTheLimits) {
       {"just above it", kNow - 60 * kSecond - 1, 60, 3600, true},
       {"just below the maximum", kNow - 3600 * kSecond + 1, 60, 3600, true},
       {"at the maximum", kNow - 3600 * kSecond, 60, 3600, false},
-      {"this instant, and no minimum", kNow, 0, 3600, false},
       {"an instant ago", kNow - 1, 0, 3600, true},
       {"from the future", kNow + 1, 0, UINT32_MAX, false},
       {"from the beginning of time, beyond the greatest limit", 0, 0, UINT32_MAX, false},
-      {"a century ago, within the greatest limit", kNow - 3'155'760'000 * kSecond, 0, UINT32_MAX, true},
       {"limits the wrong way round", kNow - 100 * kSecond, 200, 50, false},
   };
   for (const Row& row : rows) {

@@ -15,10 +15,11 @@ namespace {
 using late_functions::g_machine;
 using task_fakes::g_record;
 
-constexpr char kName[] = " 'Corva Lumen Player PPAPI Notifier'";
+std::string Named(const char* call) {
+  return std::string(call) + " 'Corva Lumen Player PPAPI Notifier'";
+}
 constexpr uint32_t kSilent = 0;  // the failure is not reported
 constexpr uint32_t kGoesOn = 1;  // the failure does not end the sequence
-constexpr HRESULT kAbsent = static_cast<HRESULT>(0x80070002);
 
 struct Step {
   std::string call;
@@ -28,9 +29,7 @@ using Steps = std::vector<Step>;
 
 struct Sequence {
   const char* name;
-  bool vista;
-  bool taskExists;
-  bool removes;
+  bool vista, taskExists, removes;
   Steps steps;
   Lines success;  // reports besides 1106
 };
@@ -56,8 +55,7 @@ const Steps kAction = {{"IActionCollection::Create 0", 1199},
                        {"IAction::QueryInterface", 1700},
                        {"IExecAction::put_Path 'C:\\tool.exe'", 1701},
                        {"IExecAction::put_Arguments '-check pepperplugin'", 1702}};
-const std::string kRegister =
-    std::string("ITaskFolder::RegisterTaskDefinition") + kName + " 6 3 'HOME\\ann' no password";
+const std::string kRegister = Named("ITaskFolder::RegisterTaskDefinition") + " 6 3 'HOME\\ann' no password";
 
 std::vector<Sequence> Sequences() {
   return {
@@ -66,7 +64,7 @@ std::vector<Sequence> Sequences() {
        false,
        false,
        Joined({Opening(1168, 1169, 1170, 1171, 1172),
-               {{std::string("ITaskFolder::GetTask") + kName, kGoesOn}, {"ITaskService::NewTask 0", 1181}},
+               {{Named("ITaskFolder::GetTask"), kGoesOn}, {"ITaskService::NewTask 0", 1181}},
                kSettings,
                {{"ITaskSettings::put_DisallowStartIfOnBatteries 0", 1184},
                 {"ITaskSettings::put_RunOnlyIfNetworkAvailable -1", 1185},
@@ -91,7 +89,7 @@ std::vector<Sequence> Sequences() {
        true,
        false,
        Joined({Opening(1168, 1169, 1170, 1171, 1172),
-               {{std::string("ITaskFolder::GetTask") + kName, kGoesOn},
+               {{Named("ITaskFolder::GetTask"), kGoesOn},
                 {"IRegisteredTask::get_Definition", 1173},
                 {"ITaskDefinition::get_Triggers", 1174},
                 {"ITriggerCollection::get_Count", 1175},
@@ -107,7 +105,7 @@ std::vector<Sequence> Sequences() {
        true,
        true,
        true,
-       Joined({Opening(1724, 1725, 1726, 1727, 1728), {{std::string("ITaskFolder::DeleteTask") + kName, kSilent}}}),
+       Joined({Opening(1724, 1725, 1726, 1727, 1728), {{Named("ITaskFolder::DeleteTask"), kSilent}}}),
        {}},
       {"NewOldTask",
        false,
@@ -115,8 +113,8 @@ std::vector<Sequence> Sequences() {
        false,
        {{"CoInitialize", 1704},
         {"CoCreateInstance 1", 1705},
-        {std::string("ITaskScheduler::Activate") + kName, kGoesOn},
-        {std::string("ITaskScheduler::NewWorkItem") + kName, 1707},
+        {Named("ITaskScheduler::Activate"), kGoesOn},
+        {Named("ITaskScheduler::NewWorkItem"), 1707},
         {"ITask::SetAccountInformation 'HOME\\ann' null", 1716},
         {"ITask::SetCreator 'Corva Systems Incorporated'", 1717},
         {"ITask::SetComment 'MISSING LOCALIZATION'", 1718},
@@ -134,7 +132,7 @@ std::vector<Sequence> Sequences() {
        false,
        {{"CoInitialize", 1704},
         {"CoCreateInstance 1", 1705},
-        {std::string("ITaskScheduler::Activate") + kName, kGoesOn},
+        {Named("ITaskScheduler::Activate"), kGoesOn},
         {"ITask::GetTriggerCount", 1708},
         {"ITask::GetTrigger 0", 1709},
         {"ITaskTrigger::GetTrigger", 1710},
@@ -150,7 +148,7 @@ std::vector<Sequence> Sequences() {
        false,
        true,
        true,
-       {{"CoInitialize", 1730}, {"CoCreateInstance 1", 1729}, {std::string("ITaskScheduler::Delete") + kName, kSilent}},
+       {{"CoInitialize", 1730}, {"CoCreateInstance 1", 1729}, {Named("ITaskScheduler::Delete"), kSilent}},
        {}},
   };
 }
@@ -240,12 +238,9 @@ class Exceptions : public testing::Test {
  protected:
   Exceptions() { late_functions::FindLateFunctions(); }
   bool Create() { return CreateNotifierTask(MString(L"C:\\tool.exe"), MString(L""), &host); }
-  [[nodiscard]] bool Called(const std::string& call) const {
-    return std::find(g_record.calls.begin(), g_record.calls.end(), call) != g_record.calls.end();
-  }
-  [[nodiscard]] bool Reported(const std::string& line) const {
+  void ExpectReported(const Lines& lines) const {
     const Lines reports = host.Reports();
-    return std::find(reports.begin(), reports.end(), line) != reports.end();
+    for (const std::string& line : lines) EXPECT_EQ(std::count(reports.begin(), reports.end(), line), 1) << line;
   }
 
   ComInitializer apartment;
@@ -257,27 +252,26 @@ TEST_F(Exceptions, SecurityThatIsSetAlreadyIsToldAndDoesNotStop) {
   g_record.failAt = 1;
   g_record.failure = RPC_E_TOO_LATE;
   EXPECT_TRUE(Create());
-  EXPECT_TRUE(Reported("1 1169 -2147417831"));
-  EXPECT_TRUE(Reported("0 31"));
   g_record.calls.clear();
   EXPECT_TRUE(RemoveNotifierTask(&host));
-  EXPECT_TRUE(Reported("1 1725 -2147417831"));
+  ExpectReported({"1 1169 -2147417831", "0 31", "1 1725 -2147417831"});
 }
 
 TEST_F(Exceptions, AnExistingTaskWithoutATriggerIsLeft) {
   g_record.taskExists = true;
   g_record.triggers = 0;
   EXPECT_FALSE(Create());
-  EXPECT_TRUE(Reported("1 1176 0"));
+  ExpectReported({"1 1176 0"});
   EXPECT_EQ(g_record.calls.back(), "ITriggerCollection::get_Count");
 }
 
 TEST_F(Exceptions, WithoutRandomNumbersTheTaskStartsOnTheHour) {
   EXPECT_TRUE(Create());
-  EXPECT_TRUE(Called("ITrigger::put_StartBoundary '2000-01-01T00:00:00Z'"));
+  const std::string start = "ITrigger::put_StartBoundary '2000-01-01T00:00:00Z'";
+  EXPECT_EQ(std::count(g_record.calls.begin(), g_record.calls.end(), start), 1);
   const ImportHook old(GetModuleHandleW(nullptr), "VerifyVersionInfoW", &OldSystem);
   EXPECT_FALSE(Create());
-  EXPECT_TRUE(Reported("1 1723 -2147467259"));
+  ExpectReported({"1 1723 -2147467259"});
 }
 
 TEST_F(Exceptions, AnOldItemThatCannotBeActivatedIsReplaced) {
@@ -286,8 +280,7 @@ TEST_F(Exceptions, AnOldItemThatCannotBeActivatedIsReplaced) {
   g_record.failAt = 2;
   g_machine.draws = {7};
   EXPECT_TRUE(Create());
-  EXPECT_TRUE(Reported("1 1706 -2147418113"));
-  EXPECT_TRUE(Reported("0 33"));
+  ExpectReported({"1 1706 -2147418113", "0 33"});
 }
 
 TEST_F(Exceptions, NoTaskIsNoFailureOfRemoval) {
@@ -307,19 +300,11 @@ struct Logon {
 
 late_functions::Machine Machine(std::optional<std::vector<late_functions::Session>> sessions, const WideString& user,
                                 const WideString& domain, DWORD userError = 0, DWORD domainError = 0) {
-  late_functions::Machine machine;
-  machine.sessions = std::move(sessions);
-  machine.user = user;
-  machine.domain = domain;
-  machine.userError = userError;
-  machine.domainError = domainError;
-  return machine;
+  return {nullptr, std::move(sessions), user, domain, userError, domainError, 0, 0, {}};
 }
 
 std::vector<Logon> Logons() {
-  const WideString longDomain(200, L'D');
-  const WideString userOf71(71, L'u');
-  const WideString userOf72(72, L'u');
+  const WideString longDomain(200, L'D'), userOf71(71, L'u'), userOf72(72, L'u');
   std::vector<Logon> rows = {
       {"NoLibrary", {}, "", {}},
       {"LastActiveSessionWins",

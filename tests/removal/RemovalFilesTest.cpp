@@ -19,8 +19,6 @@ namespace {
 using namespace product_kind;
 
 const std::string kControlServer = "Software\\Classes\\CLSID\\" LUMEN_CONTROL_CLASS_ID "\\InprocServer32";
-constexpr char kOptions[] =
-    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\LumenUtil64.exe";
 
 class RemovalFiles : public InstallFixture {
  protected:
@@ -39,7 +37,14 @@ class RemovalFiles : public InstallFixture {
     }
     return codes;
   }
-  bool FileIsThere(const char* file) const { return testing_files::Exists(PathOf(file).Data()); }
+  // Of these, the ones that are there.
+  Lines There(const Lines& names) const {
+    Lines there;
+    for (const std::string& name : names) {
+      if (FileIsThere(name.c_str())) there.push_back(name);
+    }
+    return there;
+  }
   void MakeFiles(const Lines& names) const {
     for (const std::string& name : names) (void)File(name.c_str());
   }
@@ -47,21 +52,15 @@ class RemovalFiles : public InstallFixture {
 };
 
 // What the shell was asked to start.
-struct Started {
-  std::string file, parameters;
-  DWORD mask;
-  int show;
-  DWORD size;
-};
-std::vector<Started> g_started;
+Lines g_started;
 std::vector<HANDLE> g_given;
 std::vector<HANDLE> g_waitedFor;
 
 BOOL WINAPI Execute(SHELLEXECUTEINFOW* execution) {
-  EXPECT_EQ(execution->lpVerb, nullptr);
-  EXPECT_EQ(execution->lpDirectory, nullptr);
-  g_started.push_back({ToUtf8(execution->lpFile), ToUtf8(execution->lpParameters), execution->fMask, execution->nShow,
-                       execution->cbSize});
+  EXPECT_TRUE(execution->lpVerb == nullptr && execution->lpDirectory == nullptr);
+  g_started.push_back(ToUtf8(execution->lpFile) + " " + ToUtf8(execution->lpParameters) + " | " +
+                      std::to_string(execution->fMask) + " " + std::to_string(execution->nShow) + " " +
+                      std::to_string(execution->cbSize));
   execution->hProcess = CreateEventW(nullptr, TRUE, TRUE, nullptr);
   g_given.push_back(execution->hProcess);
   return TRUE;
@@ -92,8 +91,7 @@ TEST_F(RemovalFiles, WhatTheInventoryLacksTheRegistrationsTell) {
   host.Forget();
   EXPECT_FALSE(shim->RemoveProductKind(ActiveX, Folder(), 0, 0)) << "the missing inventory counts";
   EXPECT_EQ(Codes(), (Lines{"1 1018", "1 1021"}));
-  for (const char* file : {"LumenPlayer.ocx", "LumenUtil.exe", "LumenUtil.dll"})
-    EXPECT_FALSE(FileIsThere(file)) << file;
+  EXPECT_EQ(There({"LumenPlayer.ocx", "LumenUtil.exe", "LumenUtil.dll"}), Lines());
   EXPECT_FALSE(KeyExists(kControlServer));
   host.Forget();
   SetText("SOFTWARE\\MozillaPlugins", "@corva.example/LumenPlayer", Text(PathOf("np.dll")).c_str());
@@ -161,12 +159,10 @@ TEST_F(RemovalFiles, NamedFilesGoFromTheDirectoryAndThePluginsPlaces) {
   testing_files::WriteWhole(opera.Data() + WideString(L"\\Program\\Plugins\\np.dll"), "x");
   SetText("Software\\Opera Software", "Last CommandLine", Text(PathOf("opera\\opera.exe")).c_str());
   EXPECT_TRUE(shim->RemoveNamedFiles(ActiveX, Folder()));
-  for (const char* gone : {"old.ocx", "LumenUtil_9.exe", "readme.txt"}) EXPECT_FALSE(FileIsThere(gone)) << gone;
-  for (const char* kept : {"other.txt", "np.dll", "opera\\Program\\Plugins\\np.dll"})
-    EXPECT_TRUE(FileIsThere(kept)) << kept;
+  const Lines kept = {"other.txt", "np.dll", "opera\\Program\\Plugins\\np.dll"};
+  EXPECT_EQ(There({"old.ocx", "LumenUtil_9.exe", "readme.txt", kept[0], kept[1], kept[2]}), kept);
   EXPECT_TRUE(shim->RemoveNamedFiles(Plugin | Pepper, Folder()));
-  for (const char* gone : {"np.dll", "np.xpt", "opera\\Program\\Plugins\\np.dll"})
-    EXPECT_FALSE(FileIsThere(gone)) << gone;
+  EXPECT_EQ(There({"np.xpt", kept[0], kept[1], kept[2]}), Lines{"other.txt"});
   EXPECT_EQ(host.events, (Lines{"FileRemovalFinished 0", "FileRemovalFinished 0"}));
 }
 
@@ -204,7 +200,7 @@ TEST_F(RemovalFiles, PatternsTakeTheLastMatchAndProductDirectoriesOnlyWithAllKin
   testing_files::WriteWhole(products.Path() + L"\\addon1\\deep\\file", "x");
   testing_files::MakeDirectories(products.Path() + L"\\other");
   testing_files::WriteWhole(products.Path() + L"\\..\\beside", "x");
-  SetNumber(kOptions, "DisableExceptionChainValidation", 0);
+  SetNumber(kImageOptions + "LumenUtil64.exe", "DisableExceptionChainValidation", 0);
   host.UseSettings(
       L"AXFilenamePatterns Lumen:.ocx LumenUtil:.exe . none:.x; PluginFilenamePatterns np:.dll; "
       L"PepperFilenamePatterns pep:.dll; ProductManagerDirectoryPatterns addon: .;");
@@ -215,7 +211,7 @@ TEST_F(RemovalFiles, PatternsTakeTheLastMatchAndProductDirectoriesOnlyWithAllKin
   const auto there = [&](const char* name) { return testing_files::Exists(inSystem(name)); };
   EXPECT_NE(there("Lumen1.ocx"), there("Lumen2.ocx")) << "one match a pattern";
   EXPECT_FALSE(there("LumenUtil64.exe"));
-  EXPECT_FALSE(KeyExists(kOptions));
+  EXPECT_FALSE(KeyExists(kImageOptions + "LumenUtil64.exe"));
   EXPECT_FALSE(there("np64.dll"));
   EXPECT_TRUE(there("pep64.dll"));
   EXPECT_TRUE(testing_files::Exists(products.Path() + L"\\addon1"));
@@ -247,15 +243,8 @@ TEST_F(RemovalFiles, PackagesThatAreInstalledGoByTheSystemsInstaller) {
     EXPECT_TRUE(shim->UninstallProduct(ActiveX, L"", 0));
     EXPECT_TRUE(shim->UninstallProduct(Pepper, L"", 0));
   }
-  ASSERT_EQ(g_started.size(), 2u);
-  for (const Started& started : g_started) {
-    EXPECT_EQ(started.file, "C:\\windows\\system32\\msiexec.exe");
-    EXPECT_EQ(started.mask, 64u);
-    EXPECT_EQ(started.show, 1);
-    EXPECT_EQ(started.size, 112u);
-  }
-  EXPECT_EQ(g_started[0].parameters, "/q /X {A-1}");
-  EXPECT_EQ(g_started[1].parameters, "/q /X {A-3}");
+  const std::string installer = "C:\\windows\\system32\\msiexec.exe /q /X ";
+  EXPECT_EQ(g_started, (Lines{installer + "{A-1} | 64 1 112", installer + "{A-3} | 64 1 112"}));
   EXPECT_EQ(g_waitedFor, g_given);
   for (const std::string& key : {plain + "{A-1}", other + "{A-3}", plain + "{P-1}"}) {
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, key.c_str());

@@ -13,20 +13,8 @@ namespace {
 
 using namespace product_kind;
 
-struct KindRow {
-  uint32_t kind;
-  const char* player;
-  const char* golden;
-};
-const KindRow kKinds[] = {{ActiveX, "LumenPlayer.ocx", "removed-activex.txt"},
-                          {Plugin, "nplumen.dll", "removed-plugin.txt"},
-                          {Pepper, "pepperlumen.dll", "removed-pepper.txt"}};
-
 constexpr char kRunOnce[] = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
-constexpr char kCategory[] =
-    "Software\\Microsoft\\Windows\\CurrentVersion\\Control Panel\\Extended Properties\\System.ControlPanel.Category";
 constexpr char kAppletValue[] = "C:\\windows\\system32\\LumenApplet.cpl";
-const std::string kOptions = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\";
 
 class RemovalSequence : public InstallFixture, public testing::WithParamInterface<KindRow> {
  protected:
@@ -49,9 +37,9 @@ class RemovalSequence : public InstallFixture, public testing::WithParamInterfac
     SetText(kPlayerKey, "TwlInstall", "x", HKEY_CURRENT_USER);
     if (row.kind == ActiveX) SetText(kDistributionUnitKey, "x", "x");
     if (row.kind != ActiveX) SetText(GetOldUninstallKey(row.kind), "x", "x");
-    SetNumber(kCategory, kAppletValue, 0);
-    SetNumber(kOptions + "LumenManager.exe", "DisableExceptionChainValidation", 0);
-    SetNumber(kOptions + "LumenUpdate.exe", "DisableExceptionChainValidation", 0);
+    SetNumber(kAppletCategory, kAppletValue, 0);
+    SetNumber(kImageOptions + "LumenManager.exe", "DisableExceptionChainValidation", 0);
+    SetNumber(kImageOptions + "LumenUpdate.exe", "DisableExceptionChainValidation", 0);
     host.Forget();
   }
   void SetUp() override {
@@ -65,9 +53,9 @@ class RemovalSequence : public InstallFixture, public testing::WithParamInterfac
   }
   // What the fixture does not know of.
   static void ClearOptions() {
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, kCategory);
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, kAppletCategory);
     for (const char* file : {"LumenManager.exe", "LumenUpdate.exe"}) {
-      RegDeleteTreeA(HKEY_LOCAL_MACHINE, (kOptions + file).c_str());
+      RegDeleteTreeA(HKEY_LOCAL_MACHINE, (kImageOptions + file).c_str());
     }
   }
   void TearDown() override {
@@ -84,7 +72,6 @@ class RemovalSequence : public InstallFixture, public testing::WithParamInterfac
     codes.erase("1 1036");
     return codes;
   }
-  bool FileIsThere(const char* file) const { return testing_files::Exists(PathOf(file).Data()); }
 };
 
 // What a failing step adds to the reports, or with "-" takes from them, by what the step's text contains; the first row
@@ -94,14 +81,11 @@ struct Consequence {
   Lines added;
 };
 const Consequence kConsequences[] = {
-    {"delete key HKLM\\Software\\Halcyonics\\LumenPlayerActiveXReleaseType", {"1 1021", "1 1037"}},
-    {"delete key HKLM\\Software\\Halcyonics\\LumenPlayerPluginReleaseType", {"1 1021", "1 1037"}},
-    {"delete key HKLM\\Software\\Halcyonics\\LumenPlayerPepperReleaseType", {"1 1021", "1 1037"}},
+    {"ReleaseType", {"1 1021", "1 1037"}},
     // The kind still counts as installed, so its system files and services stay, and nothing misses the applet's value.
     {"delete key HKLM\\Software\\Halcyonics", {"1 1017", "1 1037", "-1 1037"}},
-    {"delete key HKLM\\Software\\Microsoft\\Code Store", {"1 1021", "1 1037"}},
-    {"delete key HKCU", {"1 1021", "1 1037"}},
-    {"delete value HKCU", {"1 1021", "1 1037"}},
+    {"Code Store", {"1 1021", "1 1037"}},
+    {"HKCU", {"1 1021", "1 1037"}},
     {"delete key HKLM\\SOFTWARE\\MozillaPlugins", {"1 1037"}},  // what is left there harms nobody
     {"Image File Execution Options", {"1 1037"}},
     {"CurrentVersion\\Uninstall\\Corva Lumen Player Plugin", {"1 1037"}},
@@ -139,13 +123,7 @@ bool DependsOn(const std::string& step, const std::string& failing) {
 }
 
 void Apply(const Lines& added, std::map<std::string, int>& codes) {
-  for (const std::string& code : added) {
-    if (code[0] == '-') {
-      --codes[code.substr(1)];
-    } else {
-      ++codes[code];
-    }
-  }
+  for (const std::string& code : added) code[0] == '-' ? --codes[code.substr(1)] : ++codes[code];
   std::erase_if(codes, [](const auto& code) { return code.second == 0; });
 }
 
@@ -161,12 +139,12 @@ TEST_P(RemovalSequence, LeavesNothingOfTheKind) {
     EXPECT_FALSE(FileIsThere(file)) << file;
   }
   EXPECT_EQ(FileIsThere("LumenUtil.dll"), row.kind != ActiveX) << "only the control's server has a module beside it";
-  ExpectGolden(row.golden, RegistrySnapshot().Since(before));
+  ExpectGolden("removed-" + std::string(row.name) + ".txt", RegistrySnapshot().Since(before));
   // Each step asks anew which kinds are left; the settings manager looks for the value that the applet has deleted.
   const std::string control = "1 1036 " + kMachinePlayer + "ActiveX/PlayerPath 2";
   const std::string plugin = "1 1036 " + kMachinePlayer + "Plugin/PlayerPath 2";
   const std::string pepper = "1 1036 " + kMachinePlayer + "Pepper/PlayerPath 2";
-  const std::string category = std::string("1 1037 ") + kCategory + "/" + kAppletValue + " 2";
+  const std::string category = std::string("1 1037 ") + kAppletCategory + "/" + kAppletValue + " 2";
   EXPECT_EQ(host.Reports(), (Lines{control, plugin, pepper, control, plugin, pepper, category, control, plugin, control,
                                    plugin, pepper}));
 }
@@ -212,6 +190,5 @@ TEST_P(RemovalSequence, AnyStepMayFailAndTheOthersStillRun) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EachKind, RemovalSequence, testing::ValuesIn(kKinds), [](const auto& row) {
-  return row.param.kind == ActiveX ? "ActiveX" : row.param.kind == Plugin ? "Plugin" : "Pepper";
-});
+INSTANTIATE_TEST_SUITE_P(EachKind, RemovalSequence, testing::ValuesIn(kKindRows),
+                         [](const auto& row) { return row.param.name; });

@@ -12,6 +12,7 @@
 #include "tests/fakes/StoppableService.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RecordingHost.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
@@ -39,9 +40,7 @@ SC_HANDLE WINAPI OpenManager(LPCWSTR /*machine*/, LPCWSTR /*database*/, DWORD ri
 }
 SC_HANDLE WINAPI OpenOne(SC_HANDLE manager, LPCWSTR name, DWORD rights) {
   EXPECT_EQ(rights, 0xF01FFu);
-  std::string narrow;
-  for (; *name != 0; ++name) narrow.push_back(static_cast<char>(*name));
-  return ++g_serviceCalls == g_failService ? nullptr : OpenServiceA(manager, narrow.c_str(), rights);
+  return ++g_serviceCalls == g_failService ? nullptr : OpenServiceA(manager, ToUtf8(name).c_str(), rights);
 }
 decltype(&QueryServiceStatusEx) g_query = nullptr;
 BOOL WINAPI Query(SC_HANDLE service, SC_STATUS_TYPE level, BYTE* buffer, DWORD size, DWORD* needed) {
@@ -61,17 +60,12 @@ class ServiceControl : public testing::Test {
     g_query = &QueryServiceStatusEx;
   }
   ~ServiceControl() override {
-    if (!service) return;
-    Release();
-    DeleteService(service.Get());
+    if (service) Unmake();
   }
 
   // A service that stops as `mode` says, running unless told otherwise.
   void Make(const wchar_t* mode, bool start = true) {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const WideString whole = path;
-    const WideString command = L"\"" + whole.substr(0, whole.rfind(L'\\')) + L"\\StoppableService.exe\" " + mode;
+    const WideString command = L"\"" + testing_files::Beside(L"StoppableService.exe") + L"\" " + mode;
     service.Reset(CreateServiceW(manager.Get(), kStoppableService, kStoppableService, SERVICE_ALL_ACCESS,
                                  SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, command.c_str(),
                                  nullptr, nullptr, nullptr, nullptr, nullptr));
@@ -94,6 +88,17 @@ class ServiceControl : public testing::Test {
     if (process) {
       EXPECT_EQ(WaitForSingleObject(process.Get(), 20000), static_cast<DWORD>(WAIT_OBJECT_0));
     }
+  }
+  // All as before it was made.
+  void Unmake() {
+    Release();
+    DeleteService(service.Get());
+    service.Reset();
+    process.Reset();
+    ResetEvent(release.Get());
+    host.Forget();
+    g_sleeps.clear();
+    g_afterSleep = nullptr;
   }
   bool Stop() {
     const HMODULE module = GetModuleHandleW(nullptr);
@@ -127,29 +132,29 @@ TEST_F(ServiceControl, AnAbsentOrStoppedServiceIsStoppedWithoutAWord) {
   EXPECT_EQ(g_sleeps, Sleeps{});
 }
 
-TEST_F(ServiceControl, AServiceThatStopsAtOnceIsToldOnce) {
-  Make(L"at-once");
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(host.Reports(), Lines{"0 35"});
-  EXPECT_EQ(g_sleeps, Sleeps{});
-}
-
-TEST_F(ServiceControl, AServiceThatStopsDuringThePauseIsToldTwice) {
-  Make(L"released");
-  g_afterSleep = [this](size_t count) {
-    if (count == 2) Release();
+TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
+  struct Row {
+    const wchar_t* mode;
+    size_t endsAfter;  // sleeps; 0: by itself or not at all
+    Lines reports;
+    Sleeps sleeps;
   };
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(host.Reports(), (Lines{"1 1744 serviceProc.dwCurrentState == SERVICE_STOPPED", "0 35"}));
-  EXPECT_EQ(g_sleeps, (Sleeps{5000, 5000}));
-}
-
-TEST_F(ServiceControl, AServiceThatNeverStopsTakesHalfAMinuteAndCountsAsStopped) {
-  Make(L"never");
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(host.Reports(), Lines{"1 1745 GetTickCount() - dwStartTime > dwTimeout"});
-  // At 30,000 ms exactly the wait goes on.
-  EXPECT_EQ(g_sleeps, Sleeps(7, 5000));
+  const Row rows[] = {
+      {L"at-once", 0, {"0 35"}, {}},
+      {L"released", 2, {"1 1744 serviceProc.dwCurrentState == SERVICE_STOPPED", "0 35"}, {5000, 5000}},
+      // At 30,000 ms exactly the wait goes on; then the service counts as stopped.
+      {L"never", 0, {"1 1745 GetTickCount() - dwStartTime > dwTimeout"}, Sleeps(7, 5000)},
+  };
+  for (const Row& row : rows) {
+    Make(row.mode);
+    g_afterSleep = [&](size_t count) {
+      if (count == row.endsAfter) Release();
+    };
+    EXPECT_TRUE(Stop());
+    EXPECT_EQ(host.Reports(), row.reports);
+    EXPECT_EQ(g_sleeps, row.sleeps);
+    Unmake();
+  }
 }
 
 TEST_F(ServiceControl, AStopThatIsUnderWayIsWaitedForInSilence) {
@@ -182,18 +187,13 @@ TEST_F(ServiceControl, EachFailureHasItsReport) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(testing::PrintToString(row.reports) + std::to_string(row.manager) + std::to_string(row.service));
-    if (!service) Make(row.mode);
+    Make(row.mode);
     g_managerCalls = g_serviceCalls = g_queryCalls = 0;
     g_failManager = row.manager;
     g_failService = row.service;
     g_failQuery = row.query;
     EXPECT_EQ(Stop(), row.result);
     EXPECT_EQ(host.Reports(), row.reports);
-    host.Forget();
-    Release();
-    DeleteService(service.Get());
-    service.Reset();
-    process.Reset();
-    ResetEvent(release.Get());
+    Unmake();
   }
 }

@@ -24,7 +24,7 @@ class ShimConflicts : public ModuleFixture {
         uninstallerPath(HKEY_LOCAL_MACHINE, kControlKey, L"UninstallerPath"),
         stored(HKEY_CURRENT_USER, kPlayerKey, L"ConflictingProcs"),
         control(Below(L"Lumen64_28.ocx")) {
-    CopyFileW(StartedProgram::Beside(L"fake_srpapi.dll").c_str(), control.c_str(), FALSE);
+    CopyFileW(testing_files::Beside(L"fake_srpapi.dll").c_str(), control.c_str(), FALSE);
     playerPath.SetText(control.c_str());
     uninstallerPath.SetText(Below(L"uninstall.exe").c_str());
     stored.Delete();

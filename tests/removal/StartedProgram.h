@@ -13,7 +13,7 @@ class StartedProgram {
   // Copies the waiting program to `path` and starts it; it loads `library` when there is one, and has a window
   // for the library "window".
   explicit StartedProgram(WideString path, const WideString& library = L"") : path_(std::move(path)) {
-    CopyFileW(Beside(L"WaitingProgram.exe").c_str(), path_.c_str(), FALSE);
+    CopyFileW(testing_files::Beside(L"WaitingProgram.exe").c_str(), path_.c_str(), FALSE);
     WideString line = L"\"" + path_ + L"\" " + Number(GetCurrentProcessId());
     if (!library.empty()) line += L" \"" + library + L"\"";
     STARTUPINFOW startup = {};
@@ -50,14 +50,6 @@ class StartedProgram {
     return code;
   }
   [[nodiscard]] bool Runs() const { return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
-
-  // A file of the directory that this test program lies in.
-  static WideString Beside(const wchar_t* name) {
-    wchar_t own[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, own, MAX_PATH);
-    const WideString whole = own;
-    return whole.substr(0, whole.rfind(L'\\') + 1) + name;
-  }
 
  private:
   static WideString Number(DWORD number) { return WidenAscii(std::to_string(number)); }

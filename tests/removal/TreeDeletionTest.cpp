@@ -63,11 +63,7 @@ void MakeLargeTree() {
     MakeDirectories(folder);
     for (int j = 0; j < 100; ++j) {
       const WideString path = folder + L"\\f" + WidenAscii(std::to_string(j));
-      if (i % 2 == 0) {
-        MakeFile(path, 2 * kHour);
-      } else {
-        const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-      }
+      MakeFile(path, i % 2 == 0 ? 2 * kHour : 0);
     }
   }
 }

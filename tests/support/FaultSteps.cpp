@@ -23,41 +23,22 @@ struct Recording {
 };
 Recording g_recording;
 
-// The platform's functions, looked up before any hook stands in their place; by name, since the compiler would turn
-// their addresses back into calls through the import table.
-template <class Function>
-void Find(Function*& function, const wchar_t* library, const char* name) {
-  function = reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)));
-}
+// The platform's functions, looked up before any hook stands in their place.
+#define ORIGINAL(library, name) decltype(&::name) name = Own<decltype(::name)>(library, #name)
 struct Originals {
-  decltype(&::RegOpenKeyExW) RegOpenKeyExW;
-  decltype(&::RegCreateKeyExW) RegCreateKeyExW;
-  decltype(&::RegCreateKeyExA) RegCreateKeyExA;
-  decltype(&::RegSetValueExW) RegSetValueExW;
-  decltype(&::RegSetValueExA) RegSetValueExA;
-  decltype(&::RegDeleteValueW) RegDeleteValueW;
-  decltype(&::CreateFileW) CreateFileW;
-  decltype(&::DeleteFileW) DeleteFileW;
-  decltype(&::SetFileAttributesW) SetFileAttributesW;
-  decltype(&::MoveFileExW) MoveFileExW;
-  decltype(&::CreateProcessW) CreateProcessW;
-  decltype(&::LoadLibraryW) LoadLibraryW;
-  decltype(&::GetProcAddress) GetProcAddress;
-  Originals() {
-    Find(RegOpenKeyExW, L"advapi32.dll", "RegOpenKeyExW");
-    Find(RegCreateKeyExW, L"advapi32.dll", "RegCreateKeyExW");
-    Find(RegCreateKeyExA, L"advapi32.dll", "RegCreateKeyExA");
-    Find(RegSetValueExW, L"advapi32.dll", "RegSetValueExW");
-    Find(RegSetValueExA, L"advapi32.dll", "RegSetValueExA");
-    Find(RegDeleteValueW, L"advapi32.dll", "RegDeleteValueW");
-    Find(CreateFileW, L"kernel32.dll", "CreateFileW");
-    Find(DeleteFileW, L"kernel32.dll", "DeleteFileW");
-    Find(SetFileAttributesW, L"kernel32.dll", "SetFileAttributesW");
-    Find(MoveFileExW, L"kernel32.dll", "MoveFileExW");
-    Find(CreateProcessW, L"kernel32.dll", "CreateProcessW");
-    Find(LoadLibraryW, L"kernel32.dll", "LoadLibraryW");
-    Find(GetProcAddress, L"kernel32.dll", "GetProcAddress");
-  }
+  ORIGINAL(L"advapi32.dll", RegOpenKeyExW);
+  ORIGINAL(L"advapi32.dll", RegCreateKeyExW);
+  ORIGINAL(L"advapi32.dll", RegCreateKeyExA);
+  ORIGINAL(L"advapi32.dll", RegSetValueExW);
+  ORIGINAL(L"advapi32.dll", RegSetValueExA);
+  ORIGINAL(L"advapi32.dll", RegDeleteValueW);
+  ORIGINAL(L"kernel32.dll", CreateFileW);
+  ORIGINAL(L"kernel32.dll", DeleteFileW);
+  ORIGINAL(L"kernel32.dll", SetFileAttributesW);
+  ORIGINAL(L"kernel32.dll", MoveFileExW);
+  ORIGINAL(L"kernel32.dll", CreateProcessW);
+  ORIGINAL(L"kernel32.dll", LoadLibraryW);
+  ORIGINAL(L"kernel32.dll", GetProcAddress);
 };
 const Originals g_real;
 
@@ -183,14 +164,14 @@ DWORD WINAPI SecurityStep(LPWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION
 }
 
 template <class Function>
-FARPROC AsFound(Function* function) {
-  return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+void* Address(Function* function) {
+  return reinterpret_cast<void*>(function);
 }
 
 FARPROC WINAPI FindStep(HMODULE module, LPCSTR name) {
   const std::string_view wanted = reinterpret_cast<uintptr_t>(name) > 0xFFFF ? name : "";
-  if (wanted == "SHDeleteKeyW") return AsFound(&DeleteTreeStep);
-  if (wanted == "SetNamedSecurityInfoW") return AsFound(&SecurityStep);
+  if (wanted == "SHDeleteKeyW") return reinterpret_cast<FARPROC>(Address(&DeleteTreeStep));
+  if (wanted == "SetNamedSecurityInfoW") return reinterpret_cast<FARPROC>(Address(&SecurityStep));
   const bool entry = wanted == "DllRegisterServer" || wanted == "DllUnregisterServer";
   if (entry && Step("entry " + std::string(wanted))) {
     FailWith();
@@ -212,20 +193,20 @@ const bool g_deletionBound = [] {
 FaultSteps::FaultSteps() {
   EXPECT_TRUE(g_deletionBound);
   const std::pair<const char*, void*> rows[] = {
-      {"RegOpenKeyExW", reinterpret_cast<void*>(&OpenKeyW)},
-      {"RegCreateKeyExW", reinterpret_cast<void*>(&CreateKeyW)},
-      {"RegCreateKeyExA", reinterpret_cast<void*>(&CreateKeyA)},
-      {"RegSetValueExW", reinterpret_cast<void*>(&SetValueW)},
-      {"RegSetValueExA", reinterpret_cast<void*>(&SetValueA)},
-      {"RegDeleteValueW", reinterpret_cast<void*>(&DeleteValueW)},
-      {"CreateFileW", reinterpret_cast<void*>(&OpenFileW)},
-      {"DeleteFileW", reinterpret_cast<void*>(&DeleteFileStep)},
-      {"SetFileAttributesW", reinterpret_cast<void*>(&AttributesStep)},
-      {"MoveFileExW", reinterpret_cast<void*>(&MoveStep)},
-      {"SHDeleteKeyA", reinterpret_cast<void*>(&DeleteTreeStepA)},
-      {"CreateProcessW", reinterpret_cast<void*>(&StartStep)},
-      {"LoadLibraryW", reinterpret_cast<void*>(&LoadStep)},
-      {"GetProcAddress", reinterpret_cast<void*>(&FindStep)},
+      {"RegOpenKeyExW", Address(&OpenKeyW)},
+      {"RegCreateKeyExW", Address(&CreateKeyW)},
+      {"RegCreateKeyExA", Address(&CreateKeyA)},
+      {"RegSetValueExW", Address(&SetValueW)},
+      {"RegSetValueExA", Address(&SetValueA)},
+      {"RegDeleteValueW", Address(&DeleteValueW)},
+      {"CreateFileW", Address(&OpenFileW)},
+      {"DeleteFileW", Address(&DeleteFileStep)},
+      {"SetFileAttributesW", Address(&AttributesStep)},
+      {"MoveFileExW", Address(&MoveStep)},
+      {"SHDeleteKeyA", Address(&DeleteTreeStepA)},
+      {"CreateProcessW", Address(&StartStep)},
+      {"LoadLibraryW", Address(&LoadStep)},
+      {"GetProcAddress", Address(&FindStep)},
   };
   for (const auto& [name, replacement] : rows) {
     hooks_.push_back(std::make_unique<ImportHook>(GetModuleHandleW(nullptr), name, replacement));

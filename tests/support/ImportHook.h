@@ -4,6 +4,13 @@
 
 #include <windows.h>
 
+// The platform's own function, for a replacement that passes calls on. By its plain name it would be a stub that goes
+// through the import table which the hook changes.
+template <class Function>
+Function* Own(const wchar_t* library, const char* name) {
+  return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)));
+}
+
 class ImportHook {
  public:
   // Fails the current test when the module imports no such function.

@@ -83,42 +83,8 @@ bool RecordingHost::DecompressImage(void* output, uint32_t outputSize, const voi
   return true;
 }
 
-MString* RecordingHost::GetPayloadPath(MString* out) {
-  *out = payloadPath;
-  return out;
-}
-
 void RecordingHost::NotifyConflictsCleared(void* reserved) {
   events.emplace_back(reserved == nullptr ? "NotifyConflictsCleared" : "NotifyConflictsCleared (reserved is not null)");
-}
-
-void RecordingHost::GetBrowserPaths(MString* control, MString* helper) {
-  *control = browserNames.control;
-  *helper = browserNames.helper;
-}
-void RecordingHost::GetPluginPaths(MString* control, MString* helper) {
-  *control = pluginNames.control;
-  *helper = pluginNames.helper;
-}
-void RecordingHost::GetPepperPaths(MString* control, MString* helper) {
-  *control = pepperNames.control;
-  *helper = pepperNames.helper;
-}
-
-void RecordingHost::GetControlPanelAppletName(MString* out) {
-  *out = controlPanelAppletName;
-}
-void RecordingHost::GetSettingsManagerFileName(MString* out) {
-  *out = settingsManagerFileName;
-}
-void RecordingHost::GetUtilityPath(MString* out) {
-  *out = utilityPath;
-}
-void RecordingHost::GetUpdateServiceFileName(MString* out) {
-  *out = updateServiceFileName;
-}
-void RecordingHost::GetFeedbackServiceFileName(MString* out) {
-  *out = feedbackServiceFileName;
 }
 
 void RecordingHost::GetDownloadSettings(MString* out, uint8_t* flag) {
@@ -126,39 +92,8 @@ void RecordingHost::GetDownloadSettings(MString* out, uint8_t* flag) {
   *flag = downloadFlag;
 }
 
-void RecordingHost::BeginRemoval() {
-  events.emplace_back("BeginRemoval");
-}
-void RecordingHost::FileRemovalFinished(uint32_t reserved) {
-  events.push_back("FileRemovalFinished " + std::to_string(reserved));
-}
-
-MString* RecordingHost::GetPreviousActiveXVersion(MString* out) {
-  *out = previousActiveXVersion;
-  return out;
-}
-MString* RecordingHost::GetPreviousPluginVersion(MString* out) {
-  *out = previousPluginVersion;
-  return out;
-}
-MString* RecordingHost::GetPreviousPepperVersion(MString* out) {
-  *out = previousPepperVersion;
-  return out;
-}
-MString* RecordingHost::GetTaskCommandPath(MString* out) {
-  *out = taskCommandPath;
-  return out;
-}
-
 bool RecordingHost::GetUpdateDialogData(SettingsTree* out) {
   if (updateDialogData.Data() == nullptr) return false;
   ParseSettings(out, updateDialogData);
   return true;
-}
-
-void RecordingHost::SetAutoUpdateChoice(uint32_t mode) {
-  events.push_back("SetAutoUpdateChoice " + std::to_string(mode));
-}
-void RecordingHost::StoreUpdateChoice(uint32_t value) {
-  events.push_back("StoreUpdateChoice " + std::to_string(value));
 }

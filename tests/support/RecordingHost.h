@@ -14,6 +14,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "engine/HostCallbacks.h"
@@ -64,19 +65,19 @@ class RecordingHost final : public HostCallbacks {
   MessageLog* GetMessageLog() override { return &log; }
   uint32_t GetFlags() override { return flags; }
   bool DecompressImage(void* output, uint32_t outputSize, const void* input, uint32_t inputSize) override;
-  MString* GetPayloadPath(MString* out) override;
+  MString* GetPayloadPath(MString* out) override { return &(*out = payloadPath); }
   bool ConflictCheckIsOptional() override { return conflictCheckIsOptional; }
   bool ConflictsBlockInstall() override { return conflictsBlockInstall; }
   void NotifyConflictsCleared(void* reserved) override;
   bool IsRestartRequired() override { return restartRequired; }
-  void GetBrowserPaths(MString* control, MString* helper) override;
-  void GetPluginPaths(MString* control, MString* helper) override;
-  void GetPepperPaths(MString* control, MString* helper) override;
-  void GetControlPanelAppletName(MString* out) override;
-  void GetSettingsManagerFileName(MString* out) override;
-  void GetUtilityPath(MString* out) override;
-  void GetUpdateServiceFileName(MString* out) override;
-  void GetFeedbackServiceFileName(MString* out) override;
+  void GetBrowserPaths(MString* control, MString* helper) override { browserNames.Give(control, helper); }
+  void GetPluginPaths(MString* control, MString* helper) override { pluginNames.Give(control, helper); }
+  void GetPepperPaths(MString* control, MString* helper) override { pepperNames.Give(control, helper); }
+  void GetControlPanelAppletName(MString* out) override { *out = controlPanelAppletName; }
+  void GetSettingsManagerFileName(MString* out) override { *out = settingsManagerFileName; }
+  void GetUtilityPath(MString* out) override { *out = utilityPath; }
+  void GetUpdateServiceFileName(MString* out) override { *out = updateServiceFileName; }
+  void GetFeedbackServiceFileName(MString* out) override { *out = feedbackServiceFileName; }
   SettingsTree* GetSettings() override { return &settings; }
   uint32_t GetInstallSource() override { return installSource; }
   void GetDownloadSettings(MString* out, uint8_t* flag) override;
@@ -84,20 +85,21 @@ class RecordingHost final : public HostCallbacks {
   bool SkipsUpdateChoice() override { return skipsUpdateChoice; }
   bool AnalyticsAllowed() override { return analyticsAllowed; }
   uint32_t GetSessionMode() override { return sessionMode; }
-  void BeginRemoval() override;
-  void FileRemovalFinished(uint32_t reserved) override;
-  MString* GetPreviousActiveXVersion(MString* out) override;
-  MString* GetPreviousPluginVersion(MString* out) override;
-  MString* GetPreviousPepperVersion(MString* out) override;
-  MString* GetTaskCommandPath(MString* out) override;
+  void BeginRemoval() override { events.emplace_back("BeginRemoval"); }
+  void FileRemovalFinished(uint32_t reserved) override { Tell("FileRemovalFinished", reserved); }
+  MString* GetPreviousActiveXVersion(MString* out) override { return &(*out = previousActiveXVersion); }
+  MString* GetPreviousPluginVersion(MString* out) override { return &(*out = previousPluginVersion); }
+  MString* GetPreviousPepperVersion(MString* out) override { return &(*out = previousPepperVersion); }
+  MString* GetTaskCommandPath(MString* out) override { return &(*out = taskCommandPath); }
   bool GetUpdateDialogData(SettingsTree* out) override;
-  void SetAutoUpdateChoice(uint32_t mode) override;
-  void StoreUpdateChoice(uint32_t value) override;
+  void SetAutoUpdateChoice(uint32_t mode) override { Tell("SetAutoUpdateChoice", mode); }
+  void StoreUpdateChoice(uint32_t value) override { Tell("StoreUpdateChoice", value); }
 
   // The two names that conflicts of one kind are searched by.
   struct Names {
     MString control{L""};
     MString helper{L""};
+    void Give(MString* c, MString* h) const { std::tie(*c, *h) = std::tie(control, helper); }
   };
 
   // Answers, each of the operation that it is named after.
@@ -138,4 +140,7 @@ class RecordingHost final : public HostCallbacks {
 
   // What the module told of, in order, with its arguments: "BeginRemoval", "StoreUpdateChoice 2", ...
   Lines events;
+
+ private:
+  void Tell(const char* event, uint32_t argument) { events.push_back(event + (" " + std::to_string(argument))); }
 };

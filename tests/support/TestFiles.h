@@ -23,6 +23,14 @@ inline WideString PlayerDirectory() {
   return Folder(CSIDL_APPDATA) + L"\\Halcyonics\\Lumen Player";
 }
 
+// A file of the directory that this test program lies in.
+inline WideString Beside(const wchar_t* name) {
+  wchar_t own[MAX_PATH] = {};
+  GetModuleFileNameW(nullptr, own, MAX_PATH);
+  const WideString whole = own;
+  return whole.substr(0, whole.rfind(L'\\') + 1) + name;
+}
+
 inline void MakeDirectories(const WideString& path) {
   SHCreateDirectoryExW(nullptr, path.c_str(), nullptr);
 }
