@@ -14,27 +14,17 @@ namespace {
 
 constexpr const char* kTestKey = "Software\\Lumen platform test";
 
-struct ConfigFile {
-  ConfigFile() { testing_files::MakeDirectories(Path().substr(0, Path().rfind(L'\\'))); }
-  ~ConfigFile() { DeleteFileW(Path().c_str()); }
-  static WideString Path() { return SystemConfigPath().value_or(L""); }
-};
-
 TEST(SystemConfiguration, IsReadFromThe32BitSystemDirectory) {
-  const ConfigFile file;
-  EXPECT_EQ(ToUtf8(ConfigFile::Path()), "C:\\windows\\syswow64\\Halcyons\\Lumen\\hms.cfg");
-  const std::pair<std::string, bool> rows[] = {{"EnableLocalAppData = YES\r\n", true},
-                                               {"EnableLocalAppData=0", false},
-                                               {"EnableLocalAppData=2", true},
-                                               {"enablelocalappdata=1", false},
-                                               {"EnableLocalAppData=1\nEnableLocalAppData=no\n", false},
-                                               {"a=1", false},
+  const WideString path = SystemConfigPath().value_or(L"");
+  EXPECT_EQ(ToUtf8(path), "C:\\windows\\syswow64\\Halcyons\\Lumen\\hms.cfg");
+  testing_files::MakeDirectories(path.substr(0, path.rfind(L'\\')));
+  const std::pair<std::string, bool> rows[] = {{"enablelocalappdata=1", false},
                                                {std::string(100000, '#') + "\nEnableLocalAppData=t", true}};
   for (const auto& [text, local] : rows) {
-    testing_files::WriteWhole(ConfigFile::Path(), text);
-    EXPECT_EQ(SASM::WindowsFileManager().EnableLocalAppData(), local) << text.substr(text.size() < 60 ? 0 : 99990);
+    testing_files::WriteWhole(path, text);
+    EXPECT_EQ(SASM::WindowsFileManager().EnableLocalAppData(), local) << text.size();
   }
-  DeleteFileW(ConfigFile::Path().c_str());
+  DeleteFileW(path.c_str());
   EXPECT_EQ(ReadSystemConfig().GetState(), SystemConfigFile::State::Absent);
   EXPECT_FALSE(SASM::WindowsFileManager().EnableLocalAppData());
 }
@@ -67,7 +57,7 @@ TEST(SystemPaths, DirectoriesThatAreMissingOrTooLong) {
   EXPECT_EQ(GetSystem32PathNarrow().value_or(""), "C:\\windows\\system32");
   {
     const ImportHook hook(GetModuleHandleW(nullptr), "GetSystemWow64DirectoryW", NoDirectory);
-    EXPECT_EQ(ToUtf8(ConfigFile::Path()), "C:\\windows\\system32\\Halcyons\\Lumen\\hms.cfg");
+    EXPECT_EQ(ToUtf8(SystemConfigPath().value_or(L"")), "C:\\windows\\system32\\Halcyons\\Lumen\\hms.cfg");
     const ImportHook both(GetModuleHandleW(nullptr), "GetSystemDirectoryW", NoDirectory);
     EXPECT_FALSE(SystemConfigPath().has_value());
     EXPECT_FALSE(GetSystem32Path().has_value());
@@ -87,15 +77,10 @@ class Missing final : public DynamicLoadLibraryHelper {
 };
 
 TEST(DllHelpers, WhatIsThereAndWhatIsNot) {
-  EXPECT_TRUE(Kernel32DllHelper().IsAvailable());
-  EXPECT_TRUE(User32DllHelper().IsAvailable());
-  EXPECT_TRUE(Advapi32DllHelper().IsAvailable());
-  EXPECT_TRUE(VersionDllHelper().IsAvailable());
-  EXPECT_TRUE(Shell32DllHelper().IsAvailable());
-  EXPECT_TRUE(Dinput8DllHelper().IsAvailable());
-  EXPECT_TRUE(SrpapiDllHelper().IsAvailable()) << "a library that need not be there";
-  EXPECT_TRUE(Edpwin32DllHelper().IsAvailable());
-
+  EXPECT_TRUE(Kernel32DllHelper().IsAvailable() && User32DllHelper().IsAvailable() &&
+              Advapi32DllHelper().IsAvailable() && VersionDllHelper().IsAvailable() &&
+              Shell32DllHelper().IsAvailable() && Dinput8DllHelper().IsAvailable());
+  EXPECT_TRUE(SrpapiDllHelper().IsAvailable() && Edpwin32DllHelper().IsAvailable()) << "they need not be there";
   Missing present("kernel32.dll", true);
   EXPECT_NE(present.function, nullptr);
   present.Require("No function of this name");
@@ -121,8 +106,6 @@ TEST(DllHelpers, ABareNameIsLookedForInTheSystemFolderOnly) {
   const LibraryHandle byPath(LoadSystemLibrary(library.c_str()));
   EXPECT_TRUE(byPath.IsValid());
   DeleteFileW(library.c_str());
-  BoundFunction<DWORD WINAPI()> missing(L"kernel32.dll", "No function of this name");
-  EXPECT_EQ(missing.Get(), nullptr);
 }
 
 TEST(Registry, ValuesAreReadAsWhatTheyAre) {
@@ -146,7 +129,6 @@ TEST(Registry, ValuesAreReadAsWhatTheyAre) {
     EXPECT_EQ(ReadNumber(key.Get(), "none"), std::nullopt);
   }
   EXPECT_EQ(ToUtf8(ReadWideText(HKEY_CURRENT_USER, FromUtf8(kTestKey).c_str(), L"text").value_or(L"")), "value");
-  EXPECT_EQ(ReadText(HKEY_CURRENT_USER, "Software\\Lumen none", "text"), std::nullopt);
   EXPECT_EQ(DeleteValue(HKEY_CURRENT_USER, kTestKey, "text"), 0);
   EXPECT_EQ(DeleteValue(HKEY_CURRENT_USER, kTestKey, "text"), ERROR_FILE_NOT_FOUND);
   CreateKey(HKEY_CURRENT_USER, (std::string(kTestKey) + "\\below\\deeper").c_str(), KEY_READ).Reset();

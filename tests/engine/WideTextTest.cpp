@@ -17,8 +17,7 @@ TEST(WideText, MalformedBytesBecomeReplacementsAndTheScanGoesOn) {
     WideString units;
   };
   const Row rows[] = {
-      {"stray trail byte", "a\x80z", L"a\xFFFDz"},
-      {"cut short by the end", "a\xE2\x82", L"a\xFFFD\xFFFD"},
+      {"stray trail byte, and cut short by the end", "a\x80z\xE2\x82", L"a\xFFFDz\xFFFD\xFFFD"},
       {"cut short by a letter", "\xE2\x82z", L"\xFFFD\xFFFDz"},
       {"overlong, two bytes", "\xC0\xAF", L"\xFFFD\xFFFD"},
       {"overlong, three bytes", "\xE0\x80\xAF", L"\xFFFD\xFFFD\xFFFD"},
@@ -30,8 +29,7 @@ TEST(WideText, MalformedBytesBecomeReplacementsAndTheScanGoesOn) {
 }
 
 TEST(WideText, LoneSurrogatesBecomeReplacements) {
-  EXPECT_EQ(ToUtf8(L"\xD83Dz"), "\xEF\xBF\xBDz");
-  EXPECT_EQ(ToUtf8(L"z\xDE00"), "z\xEF\xBF\xBD");
+  EXPECT_EQ(ToUtf8(L"\xD83Dz\xDE00"), "\xEF\xBF\xBDz\xEF\xBF\xBD");
   EXPECT_EQ(ToUtf8(L"\xD83D"), "\xEF\xBF\xBD");
   EXPECT_EQ(ToUtf8(L"\xD83D\xD83D\xDE00"), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
 }
