@@ -7,35 +7,24 @@ namespace {
 
 constexpr wchar_t kFolder[] = L"C:\\LumenShimServices";
 
-class ShimServices : public ModuleFixture {
- protected:
-  void SetUp() override {
-    ModuleFixture::SetUp();
-    testing_files::MakeDirectories(WideString(kFolder) + L"\\Halcyons\\Lumen");
-    // No program, so it can be deleted but not asked to go.
-    testing_files::WriteWhole(service, "not a program");
-    host.updateServiceFileName = L"LumenUpdate.exe";
-  }
-
-  testing_files::CleanDirectory folder{kFolder};
-  const WideString service = WideString(kFolder) + L"\\Halcyons\\Lumen\\LumenUpdate.exe";
-};
-
 }  // namespace
 
-TEST_F(ShimServices, AReleasePlayerKeepsItsUpdateService) {
+TEST_F(ModuleFixture, AReleasePlayerKeepsItsUpdateServiceAndAnotherPlayersGoes) {
+  const testing_files::CleanDirectory folder{kFolder};
+  const WideString service = WideString(kFolder) + L"\\Halcyons\\Lumen\\LumenUpdate.exe";
+  testing_files::MakeDirectories(WideString(kFolder) + L"\\Halcyons\\Lumen");
+  testing_files::WriteWhole(service, "not a program");  // so it can be deleted but not asked to go
+  host.updateServiceFileName = L"LumenUpdate.exe";
   host.flags = host_flag::ReleasePlayer;
   EXPECT_TRUE(shim->RemoveUpdateService(nullptr, MString(kFolder)));
   EXPECT_TRUE(testing_files::Exists(service));
   EXPECT_EQ(host.Reports(), Lines());
-}
-
-TEST_F(ShimServices, AnotherPlayersGoesAndWhatFailsIsTold) {
+  host.flags = 0;
   EXPECT_FALSE(shim->RemoveUpdateService(nullptr, MString(kFolder)));
   EXPECT_FALSE(testing_files::Exists(service));
   const Lines reports = host.Reports();
   ASSERT_GE(reports.size(), 2u);
-  EXPECT_EQ(reports[reports.size() - 1], "1 1100");
+  EXPECT_EQ(reports.back(), "1 1100");
   EXPECT_EQ(std::count(reports.begin(), reports.end(), "1 1118"), 2) << "both switches of the notify mode";
   host.Forget();
   EXPECT_TRUE(shim->RemoveUpdateService(nullptr, MString(kFolder))) << "none is there any more";

@@ -44,35 +44,30 @@ class ShimUrls : public ModuleFixture {
   }
 };
 
-struct OpenRow {
-  const char* reason;
-  uint32_t flags;
-  const wchar_t* browserName;
-  std::set<std::string> refused;
-  bool result;
-  Lines opened;
-};
-
 }  // namespace
 
 TEST_F(ShimUrls, TheBrowserFollowsTheSelectedProduct) {
   const ImportHook shell(LoadedModule(), "ShellExecuteW", &Open);
   const std::string ie = std::string(kBrowser) + " <u>";
   const std::string ie86 = std::string(kBrowserX86) + " <u>";
-  const OpenRow rows[] = {
-      {"no kind: the address by itself", 0, L"", {}, true, {"u"}},
+  const struct {
+    const char* reason;
+    uint32_t flags;
+    const wchar_t* browserName;
+    std::set<std::string> refused;
+    bool result;
+    Lines opened;
+  } rows[] = {
       {"PPAPI has no browser of its own", host_flag::Pepper, L"", {}, true, {"u"}},
       {"no kind, refused: tried once more", 0, L"", {"u"}, false, {"u", "u"}},
-      {"ActiveX", host_flag::ActiveX, L"", {}, true, {ie}},
       {"ActiveX wins over the plug-in", host_flag::ActiveX | host_flag::Plugin, L"x.exe", {}, true, {ie}},
-      {"ActiveX, 32-bit browser only", host_flag::ActiveX, L"", {kBrowser}, true, {ie, ie86}},
       {"ActiveX, no such browser", host_flag::ActiveX, L"", {kBrowser, kBrowserX86}, true, {ie, ie86, "u"}},
       {"ActiveX, nothing works", host_flag::ActiveX, L"", {kBrowser, kBrowserX86, "u"}, false, {ie, ie86, "u"}},
       {"plug-in with a known browser", host_flag::Plugin, L"opera.exe", {}, true, {"opera.exe <u>"}},
       {"plug-in browser refused", host_flag::Plugin, L"opera.exe", {"opera.exe"}, true, {"opera.exe <u>", "u"}},
       {"plug-in, no browser runs", host_flag::Plugin, L"", {}, true, {"firefox.exe <u>"}},
   };
-  for (const OpenRow& row : rows) {
+  for (const auto& row : rows) {
     g_opened.clear();
     g_refused = row.refused;
     host.flags = row.flags;
@@ -86,7 +81,6 @@ TEST_F(ShimUrls, TheBrowserFollowsTheSelectedProduct) {
 
 TEST_F(ShimUrls, TheExpressAddressIsTheFirstValueOfItsSetting) {
   const ImportHook shell(LoadedModule(), "ShellExecuteW", &Open);
-  EXPECT_FALSE(shim->OpenExpressInstallUrl(nullptr));
   host.UseSettings(L"ExpressInstallURL;");
   EXPECT_FALSE(shim->OpenExpressInstallUrl(nullptr));
   EXPECT_EQ(g_opened, Lines{});

@@ -10,32 +10,18 @@ namespace {
 
 const DrawingContext kSlot = nullptr;
 
-std::string Children(const MRegion& parent, const std::vector<std::pair<const MRegion*, char>>& names) {
-  std::string found;
-  for (const MRegion* child = parent.firstChild; child != nullptr; child = child->Next()) {
-    for (const auto& [region, name] : names) {
-      if (region == child) found += name;
-    }
-  }
-  return found;
-}
-
 struct Family {
   RecordingWindow window;
   MSkinnedSection parent, a, b, c;
   Family() { window.Attach(&parent); }
-  std::string Children() const { return ::Children(parent, {{&a, 'a'}, {&b, 'b'}, {&c, 'c'}}); }
+  std::string Children() const {
+    std::string found;
+    for (const MRegion* child = parent.firstChild; child != nullptr; child = child->Next()) {
+      found += child == &a ? 'a' : child == &b ? 'b' : 'c';
+    }
+    return found;
+  }
 };
-
-TEST(RegionTree, AttachAppendsAndLeavesAChildThatIsThere) {
-  Family family;
-  for (MRegion* const child : {&family.a, &family.b, &family.c}) family.parent.Attach(child);
-  EXPECT_EQ(family.Children(), "abc");
-  for (MRegion* const child : {&family.a, &family.b, &family.c}) family.parent.Attach(child);
-  EXPECT_EQ(family.Children(), "abc");
-  EXPECT_EQ(family.b.parent, &family.parent);
-  EXPECT_EQ(family.b.owner, &family.window);
-}
 
 TEST(RegionTree, DetachingTheFirstChildDropsTheOthersToo) {
   struct Row {
@@ -48,7 +34,9 @@ TEST(RegionTree, DetachingTheFirstChildDropsTheOthersToo) {
     SCOPED_TRACE(row.reason);
     Family family;
     MRegion* const all[] = {&family.a, &family.b, &family.c};
-    for (MRegion* const child : all) family.parent.Attach(child);
+    for (MRegion* const child : {all[0], all[1], all[2], all[1], all[0]}) family.parent.Attach(child);
+    EXPECT_EQ(family.Children(), "abc") << "appended, and left where it is";
+    EXPECT_EQ(family.b.owner, &family.window);
     all[row.detached]->Detach();
     EXPECT_EQ(family.Children(), row.left);
     EXPECT_EQ(all[row.detached]->parent, nullptr);
@@ -56,28 +44,6 @@ TEST(RegionTree, DetachingTheFirstChildDropsTheOthersToo) {
     EXPECT_EQ(all[row.detached]->next, nullptr);
     for (MRegion* const child : all) family.parent.Attach(child);
     EXPECT_EQ(family.Children().size(), 3u) << "all can come back, each once";
-  }
-}
-
-TEST(RegionTree, EndingInAnyOrderLeavesNothingBehind) {
-  for (const std::vector<int>& order : {std::vector<int>{0, 1, 2, 3}, {3, 2, 1, 0}, {1, 3, 0, 2}, {2, 0, 3, 1}}) {
-    RecordingWindow window;
-    std::unique_ptr<MSkinnedSection> regions[4];
-    for (auto& region : regions) region = std::make_unique<MSkinnedSection>();
-    window.Attach(regions[0].get());
-    regions[0]->Attach(regions[1].get());
-    regions[0]->Attach(regions[2].get());
-    regions[1]->Attach(regions[3].get());
-    window.SetCapture(regions[3].get());
-    window.focusRegion = regions[2].get();
-    for (const int index : order) {
-      regions[index].reset();
-      window.Tick();
-      window.DispatchMouse(kMouseMove, {5, 5});
-    }
-    EXPECT_EQ(window.capturedRegion, nullptr);
-    EXPECT_EQ(window.focusRegion, nullptr);
-    EXPECT_EQ(window.firstRegion, nullptr);
   }
 }
 
@@ -99,12 +65,13 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
       }
       bool below = false;  // nothing may be attached beneath itself
       for (const MRegion* up = other.get(); up != nullptr; up = up->parent) below = below || up == region.get();
-      switch (pick(7)) {
+      switch (pick(8)) {
         case 0: region->Detach(); break;
         case 1: region.reset(); break;
         case 2: window.Attach(region.get()); break;
         case 3: window.SetCapture(region->owner == nullptr ? nullptr : region.get()); break;
         case 4: region->SetVisible(pick(2) == 0); break;
+        case 5: window.focusRegion = region->owner == nullptr ? nullptr : region.get(); break;
         default:
           if (other != nullptr && !below) other->Attach(region.get());
       }
@@ -117,6 +84,13 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
         EXPECT_TRUE(each->nativeWindow == nullptr || each->owner == &window);
       }
     }
+    for (auto& region : regions) {
+      region.reset();
+      window.Tick();
+    }
+    EXPECT_EQ(window.capturedRegion, nullptr);
+    EXPECT_EQ(window.focusRegion, nullptr);
+    EXPECT_EQ(window.firstRegion, nullptr);
   }
 }
 
@@ -168,7 +142,6 @@ TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
       {"hidden without it", [](MRegion& region) { region.SetVisible(false); }, false, {"hide 1"}},
       {"shown", [](MRegion& region) { region.SetVisible(true); }, true, {"show 1"}},
       {"disabled", [](MRegion& region) { region.SetEnabled(false); }, true, {"focus none", "focus 0"}},
-      {"enabled", [](MRegion& region) { region.SetEnabled(true); }, true, {}},
       {"detached", [](MRegion& region) { region.Detach(); }, true, {"focus none", "focus 0", "destroy 1"}},
   };
   for (const Row& row : rows) {
@@ -183,17 +156,6 @@ TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
   }
 }
 
-TEST(RegionTree, InvalidateAddsEveryAncestor) {
-  Family family;
-  family.parent.bounds = {10, 20, 110, 120};
-  family.a.bounds = {1, 2, 11, 12};
-  family.b.bounds = {3, 3, 6, 6};
-  family.parent.Attach(&family.a);
-  family.a.Attach(&family.b);
-  family.b.Invalidate();
-  EXPECT_EQ(family.window.Take(true), (Lines{"invalidate 14,25,17,28"}));
-}
-
 TEST(HitTesting, OnlyPointsStrictlyInsideAVisibleRegionCount) {
   struct Row {
     const char* reason;
@@ -204,11 +166,11 @@ TEST(HitTesting, OnlyPointsStrictlyInsideAVisibleRegionCount) {
   };
   // The region is 10 wide and 8 high.
   for (const Row& row :
-       {Row{"inside", {5, 5}, true, false, true}, Row{"first inside", {1, 1}, true, false, true},
-        Row{"left edge", {0, 5}, true, false, false}, Row{"top edge", {5, 0}, true, false, false},
-        Row{"last inside", {9, 7}, true, false, true}, Row{"right edge", {10, 5}, true, false, false},
-        Row{"bottom edge", {5, 8}, true, false, false}, Row{"hidden", {5, 5}, false, false, false},
-        Row{"outside but forced", {50, 50}, true, true, true}, Row{"hidden and forced", {5, 5}, false, true, false}}) {
+       {Row{"first inside", {1, 1}, true, false, true}, Row{"left edge", {0, 5}, true, false, false},
+        Row{"top edge", {5, 0}, true, false, false}, Row{"last inside", {9, 7}, true, false, true},
+        Row{"right edge", {10, 5}, true, false, false}, Row{"bottom edge", {5, 8}, true, false, false},
+        Row{"hidden", {5, 5}, false, false, false}, Row{"outside but forced", {50, 50}, true, true, true},
+        Row{"hidden and forced", {5, 5}, false, true, false}}) {
     SCOPED_TRACE(row.reason);
     MSkinnedSection region;
     region.bounds = Rect::Of(100, 100, 10, 8);
@@ -295,7 +257,6 @@ TEST(Drawing, ParentsComeFirstAndOnlyTheDirtyPartIsDrawn) {
        {20, 20, 50, 60},
        [](Family&) {},
        {"fill 0,0,30,40 9", "fill 0,0,30,40 7", "copy 0,0,30,30 [105,10,15,30]", "blend 10,10,30,40 [0,0,1,30] 128"}},
-      {"nothing but the background", {200, 200, 210, 210}, [](Family&) {}, {"fill 0,0,10,10 9"}},
       {"mode 3 draws nothing, its children still draw",
        {20, 20, 21, 21},
        [](Family& all) { all.parent.drawFlags = kDrawNothing; },
@@ -331,7 +292,6 @@ TEST(Drawing, ThePartOfAnImageNeverLeavesItsSource) {
   };
   for (const Row& row : {
            Row{"the same size", {10, 20, 30, 40}, {0, 0, 30, 40}, {5, 6, 15, 26}, "[15,26,10,20]"},
-           Row{"one column stretched, first part", {16, 77, 1, 33}, {3, 0, 103, 33}, {3, 0, 50, 33}, "[16,77,1,33]"},
            Row{"its last column stays within", {16, 77, 1, 33}, {3, 0, 103, 33}, {102, 0, 103, 33}, "[16,77,1,33]"},
            Row{"less than a pixel is one", {0, 0, 2, 2}, {0, 0, 100, 100}, {0, 0, 1, 1}, "[0,0,1,1]"},
            Row{"halves go to the even neighbour: 2.5 is 2", {0, 0, 5, 5}, {0, 0, 10, 10}, {5, 5, 10, 10}, "[2,2,2,2]"},
