@@ -51,16 +51,23 @@ class PanelFixture : public ModuleFixture {
     ui->PostEvent(id, message, param);
     driver::PumpInput(window->handle);
   }
+  // From the installer's first panel into its work.
+  void Install() {
+    Open(kOpenInstaller);
+    Click(*window->installerSplash->licenseCheckbox);
+    Click(*window->rightButton);
+  }
   // With the mouse, in the middle of the region.
   void Click(const MRegion& region) {
     const Rect at = region.AbsoluteBounds();
-    driver::MoveTo(window->handle, {(at.left + at.right) / 2, (at.top + at.bottom) / 2});
-    driver::Button(window->handle, true);
-    driver::Button(window->handle, false);
+    driver::Click(window->handle, {(at.left + at.right) / 2, (at.top + at.bottom) / 2});
   }
   [[nodiscard]] bool Waited(const std::function<bool()>& done) { return driver::PumpUntil(done); }
+  // Waits for the end of the work and handles what it posted.
   [[nodiscard]] bool BarStops() {
-    return Waited([this] { return window->progressPanel->running == 0; });
+    if (!Waited([this] { return window->progressPanel->running == 0; })) return false;
+    driver::PumpInput(window->handle);
+    return true;
   }
   [[nodiscard]] std::string Active() const {
     const MUIPanel* const active = window->ActivePanel();

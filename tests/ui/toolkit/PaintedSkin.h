@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <utility>
+
 #include "ui/toolkit/GdiSupport.h"
 #include "ui/toolkit/MRegion.h"
 
@@ -29,10 +31,11 @@ class PaintedSkin {
     dc.Select(CreateDIBSection(dc.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     pixels = static_cast<uint32_t*>(bits);
     slot = dc.Get();
-    for (const Piece& piece : kPieces) {
-      for (int y = piece.place.y; y < piece.place.y + piece.place.height; ++y) {
-        for (int x = piece.place.x; x < piece.place.x + piece.place.width; ++x)
-          pixels[y * kWidth + x] = Pixel(piece.color);
+    for (const auto& [place, color] : kPieces) {
+      for (int at = 0; at < place.width * place.height; ++at) {
+        // The rows of the bitmap have red and blue the other way round.
+        pixels[(place.y + at / place.width) * kWidth + place.x + at % place.width] =
+            0xFF000000 | GetRValue(color) << 16 | static_cast<uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
       }
     }
     GdiFlush();
@@ -40,33 +43,21 @@ class PaintedSkin {
   [[nodiscard]] ImageRef Ref() const { return ImageRef(&slot); }
 
  private:
-  struct Piece {
-    SourceRect place;
-    COLORREF color;
-  };
-  static uint32_t Pixel(COLORREF color) {
-    return 0xFF000000 | GetRValue(color) << 16 | static_cast<uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
-  }
-  static constexpr Piece kPieces[] = {
-      {{4, 0, 15, 15}, kBox},
-      {{19, 0, 15, 15}, kBoxHover},
-      {{4, 15, 15, 15}, kBoxChecked},
-      {{19, 15, 15, 15}, kBoxCheckedHover},
-      {{2, 140, 15, 15}, kRadio},
-      {{17, 140, 15, 15}, kRadioHover},
-      {{2, 155, 15, 15}, kRadioChecked},
-      {{17, 155, 15, 15}, kRadioCheckedHover},
-      {{6, 77, 7, 33}, kCap},
-      {{9, 77, 1, 33}, kDisabled},
-      {{13, 77, 7, 33}, kCap},
-      {{16, 77, 1, 33}, kNormal},
-      {{20, 77, 7, 33}, kCap},
-      {{23, 77, 1, 33}, kHover},
-      {{27, 77, 7, 33}, kCap},
-      {{30, 77, 1, 33}, kPressed},
-      {{4, 44, 9, 33}, kTrack},
-      {{2, 77, 4, 29}, kFill},
-  };
+  static constexpr std::pair<SourceRect, COLORREF> kPieces[] = {{{4, 0, 15, 15}, kBox},
+                                                                {{19, 0, 15, 15}, kBoxHover},
+                                                                {{4, 15, 15, 15}, kBoxChecked},
+                                                                {{19, 15, 15, 15}, kBoxCheckedHover},
+                                                                {{2, 140, 15, 15}, kRadio},
+                                                                {{17, 140, 15, 15}, kRadioHover},
+                                                                {{2, 155, 15, 15}, kRadioChecked},
+                                                                {{17, 155, 15, 15}, kRadioCheckedHover},
+                                                                {{6, 77, 28, 33}, kCap},
+                                                                {{9, 77, 1, 33}, kDisabled},
+                                                                {{16, 77, 1, 33}, kNormal},
+                                                                {{23, 77, 1, 33}, kHover},
+                                                                {{30, 77, 1, 33}, kPressed},
+                                                                {{4, 44, 9, 33}, kTrack},
+                                                                {{2, 77, 4, 29}, kFill}};
 
   BitmapDc dc;
   DrawingContext slot = nullptr;

@@ -89,6 +89,14 @@ class ControlWindow final : public MWindow {
   }
 };
 
+struct Told {
+  std::vector<std::pair<int32_t, int64_t>> calls;
+  static int32_t Hear(MorphUI*, int32_t code, int64_t value, void* context) {
+    static_cast<Told*>(context)->calls.emplace_back(code, value);
+    return 77;
+  }
+};
+
 class RealWindow : public testing::Test {
  protected:
   void SetUp() override {
@@ -116,11 +124,14 @@ TEST_F(RealWindow, IsMadeAsDocumented) {
   EXPECT_EQ(type.hbrBackground, nullptr);
   const auto style = static_cast<DWORD>(GetWindowLongPtrW(window.handle, GWL_STYLE));
   EXPECT_EQ(style & 0xFFFF0000 & ~(WS_VISIBLE | WS_CLIPSIBLINGS), 13107200u) << "no minimise box without a callback";
+  Told told;
+  ui.SetEventCallback(&Told::Hear, &told);
+  const ControlWindow heard(&ui);
+  EXPECT_NE(GetWindowLongPtrW(heard.handle, GWL_STYLE) & WS_MINIMIZEBOX, 0);
   EXPECT_NE(GetWindowLongPtrW(window.handle, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
   RECT client = {};
   GetClientRect(window.handle, &client);
-  EXPECT_EQ(client.right, 400);
-  EXPECT_EQ(client.bottom, 300);
+  EXPECT_EQ(std::pair(client.right, client.bottom), std::pair(400L, 300L));
   window.title = MString(L"Lumen");
   window.ApplyTitle();
   GetWindowTextW(window.handle, name, 64);
@@ -147,26 +158,24 @@ TEST_F(RealWindow, TheScreenShowsEachControlInItsLook) {
   window.other->Layout();
   window.bar->value = 50;
   window.bar->Layout();
-  struct Row {
+  const struct {
     const char* what;
     Point at;
     COLORREF expected;
+  } rows[] = {
+      {"background", {5, 5}, kBackground},
+      {"left cap", {21, 30}, PaintedSkin::kCap},
+      {"button's first middle column", {23, 30}, PaintedSkin::kNormal},
+      {"and its last", {156, 52}, PaintedSkin::kNormal},
+      {"right cap", {158, 30}, PaintedSkin::kCap},
+      {"below the button", {90, 53}, kBackground},
+      {"disabled button", {270, 30}, PaintedSkin::kDisabled},
+      {"chosen radio", {27, 107}, PaintedSkin::kRadioChecked},
+      {"filled half", {100, 215}, PaintedSkin::kFill},
+      {"empty half", {300, 215}, PaintedSkin::kTrack},
+      {"track above the fill", {100, 201}, PaintedSkin::kTrack},
   };
-  for (const Row& row : {
-           Row{"background", {5, 5}, kBackground},
-           Row{"left cap", {21, 30}, PaintedSkin::kCap},
-           Row{"button's first middle column", {23, 30}, PaintedSkin::kNormal},
-           Row{"and its last", {156, 52}, PaintedSkin::kNormal},
-           Row{"right cap", {158, 30}, PaintedSkin::kCap},
-           Row{"below the button", {90, 53}, kBackground},
-           Row{"disabled button", {270, 30}, PaintedSkin::kDisabled},
-           Row{"box", {27, 77}, PaintedSkin::kBox},
-           Row{"chosen radio", {27, 107}, PaintedSkin::kRadioChecked},
-           Row{"radio", {27, 137}, PaintedSkin::kRadio},
-           Row{"filled half", {100, 215}, PaintedSkin::kFill},
-           Row{"empty half", {300, 215}, PaintedSkin::kTrack},
-           Row{"track above the fill", {100, 201}, PaintedSkin::kTrack},
-       }) {
+  for (const auto& row : rows) {
     EXPECT_EQ(window.Pixel(row.at), row.expected) << row.what;
   }
 }
@@ -184,63 +193,50 @@ TEST_F(RealWindow, OnlyTheDirtyPartIsDrawnWithTheConstantAlpha) {
 }
 
 TEST_F(RealWindow, AButtonFollowsTheMouseAndHoldsItWhileDragged) {
-  const Point inside = {90, 30}, outside = {90, 150};
-  struct Row {
+  const Point inside = {90, 30}, outside = {90, 150}, other = {270, 30};
+  constexpr int kDown = 1, kUp = -1;
+  const struct {
     const char* what;
-    std::function<void()> act;
+    Point to;
+    int button;
     Lines events;
     COLORREF look;
     bool captured;
+  } rows[] = {
+      {"enters", inside, 0, {"100 0"}, PaintedSkin::kHover, true},
+      {"leaves", outside, 0, {"100 1"}, PaintedSkin::kNormal, false},
+      {"comes back", inside, 0, {"100 0"}, PaintedSkin::kHover, true},
+      {"presses", inside, kDown, {"100 3"}, PaintedSkin::kPressed, true},
+      {"drags out", outside, 0, {"100 1"}, PaintedSkin::kHover, true},
+      {"over another", other, 0, {}, PaintedSkin::kHover, true},
+      {"back in", inside, 0, {"100 0"}, PaintedSkin::kPressed, true},
+      {"releases", inside, kUp, {"100 2"}, PaintedSkin::kHover, false},
+      {"presses again", inside, kDown, {"100 3"}, PaintedSkin::kPressed, false},
+      // Since a click gives the pointer back while it hovers, nobody notices.
+      {"lets go outside", outside, kUp, {}, PaintedSkin::kPressed, false},
   };
-  const HWND handle = window.handle;
-  const Row rows[] = {
-      {"enters", [&] { driver::MoveTo(handle, inside); }, {"100 0"}, PaintedSkin::kHover, true},
-      {"leaves", [&] { driver::MoveTo(handle, outside); }, {"100 1"}, PaintedSkin::kNormal, false},
-      {"comes back", [&] { driver::MoveTo(handle, inside); }, {"100 0"}, PaintedSkin::kHover, true},
-      {"presses", [&] { driver::Button(handle, true); }, {"100 3"}, PaintedSkin::kPressed, true},
-      {"drags out", [&] { driver::MoveTo(handle, outside); }, {"100 1"}, PaintedSkin::kHover, true},
-      {"over another",
-       [&] {
-         driver::MoveTo(handle, {270, 30});
-       },
-       {},
-       PaintedSkin::kHover,
-       true},
-      {"back in", [&] { driver::MoveTo(handle, inside); }, {"100 0"}, PaintedSkin::kPressed, true},
-      {"releases", [&] { driver::Button(handle, false); }, {"100 2"}, PaintedSkin::kHover, false},
-      {"presses again", [&] { driver::Button(handle, true); }, {"100 3"}, PaintedSkin::kPressed, false},
-      {"lets go outside: since a click gives the pointer back while it hovers, nobody notices",
-       [&] {
-         driver::MoveTo(handle, outside);
-         driver::Button(handle, false);
-       },
-       {},
-       PaintedSkin::kPressed,
-       false},
-  };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    row.act();
+    driver::MoveTo(window.handle, row.to);
+    if (row.button != 0) driver::Button(window.handle, row.button == kDown);
     EXPECT_EQ(window.Take(), row.events);
     EXPECT_EQ(window.Pixel({inside.x + 20, inside.y}), row.look);
     EXPECT_EQ(window.capturedRegion == window.button.get(), row.captured);
-    EXPECT_EQ(GetCapture() == handle, row.captured);
+    EXPECT_EQ(GetCapture() == window.handle, row.captured);
   }
 }
 
 TEST_F(RealWindow, MarksTurnByMouseAndOthersAreCleared) {
   const HWND handle = window.handle;
   const auto click = [&](Point at) {
-    driver::MoveTo(handle, at);
-    driver::Button(handle, true);
-    driver::Button(handle, false);
+    driver::Click(handle, at);
     driver::MoveTo(handle, {390, 290});
   };
   // The click gave the pointer back, so none of them notices that it left.
-  click({27, 77});
-  EXPECT_EQ(window.Pixel({27, 77}), PaintedSkin::kBoxCheckedHover);
-  click({27, 77});
-  EXPECT_EQ(window.Pixel({27, 77}), PaintedSkin::kBoxHover);
+  for (const COLORREF look : {PaintedSkin::kBoxCheckedHover, PaintedSkin::kBoxHover}) {
+    click({27, 77});
+    EXPECT_EQ(window.Pixel({27, 77}), look);
+  }
   click({27, 167});
   EXPECT_EQ(window.Pixel({27, 167}), PaintedSkin::kRadioCheckedHover);
   EXPECT_EQ(window.Pixel({27, 107}), PaintedSkin::kRadio);
@@ -269,9 +265,7 @@ TEST_F(RealWindow, TabGoesRoundBothWaysPastWhatCannotBeFocused) {
   window.focusRegion->SetVisible(false);
   EXPECT_EQ(window.focusRegion, nullptr);
   EXPECT_EQ(GetFocus(), window.handle);
-  driver::MoveTo(window.handle, {390, 150});
-  driver::Button(window.handle, true);
-  driver::Button(window.handle, false);
+  driver::Click(window.handle, {390, 150});
   EXPECT_FALSE(window.ringVisible) << "a click on nothing ends it";
 }
 
@@ -293,28 +287,12 @@ TEST_F(RealWindow, EnterAndSpacePressTheFocusedControl) {
   EXPECT_EQ(window.Take(), Lines{});
 }
 
-TEST_F(RealWindow, GrowsToItsTargetTickByTick) {
+TEST_F(RealWindow, ClosingTellsTheHostAndEndsTheLoop) {
   window.targetRect = {0, 0, 731, 345};
   ASSERT_TRUE(driver::PumpUntil([&] { return window.rect.right == 731 && window.rect.bottom == 345; }));
-  RECT client = {};
-  GetClientRect(window.handle, &client);
-  EXPECT_EQ(client.right, 731);
-  EXPECT_EQ(client.bottom, 345);
-  const Lines events = window.Take();
-  EXPECT_GE(events.size(), 5u);
-  for (const std::string& event : events) EXPECT_EQ(event, "2 2");
   EXPECT_EQ(window.Pixel({725, 340}), kBackground) << "what is new is painted";
-}
-
-struct Told {
-  std::vector<std::pair<int32_t, int64_t>> calls;
-  static int32_t Hear(MorphUI*, int32_t code, int64_t value, void* context) {
-    static_cast<Told*>(context)->calls.emplace_back(code, value);
-    return 77;
-  }
-};
-
-TEST_F(RealWindow, ClosingTellsTheHostAndEndsTheLoop) {
+  PostMessageW(window.button->nativeWindow, 1024 + 7, 9, 0);
+  EXPECT_EQ(window.Take().back(), "9 7") << "a child passes events on";
   EXPECT_EQ(ui.Notify(2, 5), 0) << "nobody listens";
   Told told;
   ui.SetEventCallback(&Told::Hear, &told);
@@ -325,47 +303,10 @@ TEST_F(RealWindow, ClosingTellsTheHostAndEndsTheLoop) {
   EXPECT_EQ(told.calls, (std::vector<std::pair<int32_t, int64_t>>{{2, 5}, {0, 1039}}));
   EXPECT_EQ(window.events, (Lines{"1234 5 -6", "2 0"}));
   EXPECT_FALSE(IsWindowVisible(window.handle));
-}
-
-TEST_F(RealWindow, EndingTheNativeWindowEndsTheLoopWithNothing) {
-  PostMessageW(window.button->nativeWindow, 1024 + 7, 9, 0);
-  EXPECT_EQ(window.Take(), (Lines{"9 7"})) << "a child passes events on";
   DestroyWindow(window.handle);
   MSG message = {};
   ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-  EXPECT_EQ(message.wParam, 0u);
-}
-
-TEST_F(RealWindow, BuildsItsContentWhenItIsSet) {
-  ui.SetWindow(&window);
-  EXPECT_EQ(window.Take(), (Lines{"2 1"}));
-  MString text;
-  ui.GetString(&text, 15);
-  EXPECT_EQ(Text(text), "fallback 15");
-}
-
-// A host built by another compiler finds the operations by their places alone.
-TEST_F(RealWindow, ItsHostFindsTheSixOperationsInTheirOrder) {
-  void** const table = *reinterpret_cast<void***>(&ui);
-  Told told;
-  MString text;
-  reinterpret_cast<void (*)(MorphUI*, HostEventCallback, void*)>(table[0])(&ui, &Told::Hear, &told);
-  EXPECT_EQ(reinterpret_cast<int32_t (*)(MorphUI*, int32_t, int64_t)>(table[1])(&ui, 6, 1), 77);
-  ui.window = nullptr;
-  reinterpret_cast<void (*)(MorphUI*, MWindow*)>(table[2])(&ui, &window);
-  EXPECT_EQ(ui.window, &window);
-  reinterpret_cast<void (*)(MorphUI*, uint32_t, uint32_t, int64_t)>(table[3])(&ui, 3, 6, 1);
-  EXPECT_EQ(window.Take(), (Lines{"2 1", "3 6 1"}));
-  reinterpret_cast<void (*)(MorphUI*, MString*, uint32_t)>(table[5])(&ui, &text, 29);
-  EXPECT_EQ(Text(text), "fallback 29");
-}
-
-TEST(RealWindowStyle, HasAMinimiseBoxOnceSomebodyListens) {
-  RecordingHost host;
-  MorphUI ui(&host, nullptr);
-  ui.SetEventCallback([](MorphUI*, int32_t, int64_t, void*) { return 0; }, nullptr);
-  ControlWindow window(&ui);
-  EXPECT_NE(GetWindowLongPtrW(window.handle, GWL_STYLE) & WS_MINIMIZEBOX, 0);
+  EXPECT_EQ(message.wParam, 0u) << "ended by another, the loop ends with nothing";
 }
 
 TEST_F(RealWindow, ATooltipIsThereExactlyWhileItIsActive) {

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/ui/toolkit/GridCanvas.h"
-#include "ui/toolkit/LocaleFont.h"
 #include "ui/toolkit/MHTMLLink.h"
 #include "ui/toolkit/MTextArea.h"
 #include "ui/toolkit/RegionWalk.h"
@@ -34,30 +33,24 @@ struct MarkupRow {
   const char* chunks;
 };
 constexpr MarkupRow kMarkup[] = {
-    {"plain", "one two", "[one two]"},
-    {"nothing", "", ""},
+    {"plain, entities stay", "one &amp; two", "[one &amp; two]"},
     {"a tag alone", "<strong>", ""},
     {"both forms of a break", "a<br/>b<br>c</br>d", "[a]n[b]n[c]n[d]"},
-    {"a break at the end shows nothing", "a<br>", "[a]"},
     {"empty lines", "a<br/><br/>b", "[a]n[]n[b]"},
     {"a tag up to its end, however odd", "a<br/<br/>b", "[a]n[b]"},
     {"a line feed breaks before what precedes it", "a\nb", "n[a][b]"},
-    {"line feeds alone", "\n\nx", "n[]n[][x]"},
     {"bold from the next stretch", "a<strong>b</strong>c", "[a]b[b][c]"},
     {"names in any case, other words ignored", "<STRONG class='x'>a</Strong\t>b", "b[a][b]"},
     {"either quote", "<a href='x\"y'>l</a><A HREF=\"z'\">m</a>n", "a=x\"y[l]a=z'[m][n]"},
     {"the first quoted value, whatever its name", "<a id='1' href='2'>l", "a=1[l]"},
     {"an unclosed quote goes to the tag's end", "<a href='u>l</a>m", "a=u[l][m]"},
-    {"no target", "<a>l</a>m", "a=[l][m]"},
     {"the name ends at a slash", "<a/b='x'>l", "a=x[l]"},
     {"settings", "x<ncp>l</ncp>m", "[x]ncp[l][m]"},
     {"a target outlasts a settings link", "<a href='u'>l<ncp>m</ncp>n", "a=u[l]ncp[m][n]"},
     {"a list", "<ul><li>x</li><li>y</li></ul>z", "n+8[\xE2\x80\xA2 x]n+8[\xE2\x80\xA2 y]n+8[z]"},
     {"an item without text takes its bullet", "<li><li>y", "n+8[\xE2\x80\xA2 ]n+8[\xE2\x80\xA2 y]"},
-    {"an item in bold", "<strong><li>y", "nb+8[\xE2\x80\xA2 y]"},
     {"unknown and empty tags", "a<x>b<>c</>d<//a>e", "[a][b][c][d][e]"},
     {"a tag that never ends", "a<br", "[a]"},
-    {"entities stay", "a &amp; b &lt;", "[a &amp; b &lt;]"},
     {"a lone end", "a>b", "[a>b]"},
 };
 
@@ -75,7 +68,6 @@ struct LayoutRow {
   Lines drawn;
 };
 const LayoutRow kLayouts[] = {
-    {"one line", "one two", 100, 1, {"0,0 one two"}},
     {"broken at blanks", "one two three", 80, 2, {"0,0 one two", "0,12 three"}},
     {"a blank just behind what fits does not count", "ab cd efg", 50, 3, {"0,0 ab", "0,12 cd", "0,24 efg"}},
     {"several blanks at a break go", "ab    cd", 40, 2, {"0,0 ab ", "0,12 cd"}},
@@ -92,7 +84,6 @@ const LayoutRow kLayouts[] = {
     {"a frame without width", "abc", 0, 1, {}},
     {"narrower than a unit ends", "abc", 9, 1, {}},
     {"narrower than a later, bolder unit ends", "a<strong>b</strong>c", 12, 2, {"0,0 a"}},
-    {"breaks", "a<br/>b", 100, 2, {"0,0 a", "0,12 b"}},
     {"an empty line is as high as the last", "a<br/><br/>b", 100, 3, {"0,0 a", "0,24 b"}},
     {"spacing moves a run down on its own line", "<li>ab</li>cd", 100, 2, {"0,8 \xE2\x80\xA2 ab", "40,8 cd"}},
     {"spacing moves every line of a wrapped run", "<li>ab cd", 50, 3, {"0,8 \xE2\x80\xA2 ab", "0,28 cd"}},
@@ -107,6 +98,16 @@ const LayoutRow kLayouts[] = {
 };
 
 TEST(TextLayout, BreaksLinesAsDocumented) {
+  {
+    GridCanvas canvas;
+    Lines links;
+    LayoutText(
+        ParseMarkup(Wide("<a href='u'>ab</a>")).get(), {100, 50, 3, 262144, 77}, canvas,
+        [&](const MTextChunk& chunk, const Rect& place) { links.push_back(Text(chunk.href) + " " + Spell(place)); });
+    EXPECT_EQ(canvas.own, (Lines{"0,3 ab colour 77", "underline 0,14,20,15"})) << "the offset";
+    EXPECT_EQ(links, Lines{"u 0,3,20,15"});
+    EXPECT_EQ(canvas.lastFlags, 262144u + 288);
+  }
   for (const LayoutRow& row : kLayouts) {
     GridCanvas canvas;
     const ChunkList chunks = ParseMarkup(Wide(row.text));
@@ -114,18 +115,6 @@ TEST(TextLayout, BreaksLinesAsDocumented) {
     EXPECT_EQ(canvas.own, row.drawn) << row.reason;
     EXPECT_EQ(lines, row.lines) << row.reason;
   }
-}
-
-TEST(TextLayout, AddsItsFlagsAndTheVerticalOffset) {
-  GridCanvas canvas;
-  const ChunkList chunks = ParseMarkup(Wide("<a href='u'>ab</a>"));
-  Lines links;
-  LayoutText(chunks.get(), {100, 50, 3, 262144, 77}, canvas, [&](const MTextChunk& chunk, const Rect& place) {
-    links.push_back(Text(chunk.href) + " " + Spell(place));
-  });
-  EXPECT_EQ(canvas.own, (Lines{"0,3 ab colour 77", "underline 0,14,20,15"}));
-  EXPECT_EQ(links, Lines{"u 0,3,20,15"});
-  EXPECT_EQ(canvas.lastFlags, 262144u + 288);
 }
 
 // A bitmap of 4 columns and 3 rows, of which 2 by 2 at the top left are used: the bottom row of it is shaded, and the
@@ -183,20 +172,13 @@ TEST(TextArea, PlainTextShowsItsMarkup) {
   EXPECT_EQ(plain.Render(""), Lines{"flush"}) << "a plain text without units is still a run";
 }
 
-TEST(TextArea, DrawsAtLayoutAndNotBefore) {
-  Area area(true);
-  area.area.SetText(Wide("a"));
-  EXPECT_EQ(area.drawn, Lines{});
-  area.area.Layout();
-  EXPECT_EQ(area.drawn, (Lines{"0,0 a", "flush"}));
-  EXPECT_FALSE(area.area.needsParse);
-  EXPECT_EQ(area.window.Take(true), Lines{"invalidate 10,20,110,70"});
-}
-
 TEST(TextArea, WithoutAnythingToShowItStaysAsItWas) {
   Area area(true);
-  area.Render("a");
-  area.window.Take(true);
+  area.area.SetText(Wide("a"));
+  EXPECT_EQ(area.drawn, Lines{}) << "it draws at the layout and not before";
+  area.area.Layout();
+  EXPECT_EQ(std::exchange(area.drawn, {}), (Lines{"0,0 a", "flush"}));
+  EXPECT_EQ(area.window.Take(true), Lines{"invalidate 10,20,110,70"});
   EXPECT_EQ(area.Render(""), Lines{});
   EXPECT_EQ(area.lines, 1);
   EXPECT_EQ(Text(area.area.label), "a");
@@ -209,14 +191,9 @@ TEST(TextArea, TheBitmapGrowsInStepsOnBothSidesAtOnce) {
   const struct {
     int32_t width, height;
     Lines made;
-  } rows[] = {{256, 128, {}},
-              {257, 20, {"bitmap 384 128"}},
-              {384, 128, {}},
-              {10, 129, {"bitmap 128 256"}},
-              {127, 10, {}},
-              {128, 10, {}},
-              {129, 10, {"bitmap 256 128"}},
-              {-300, 200, {"bitmap 128 256"}}};
+  } rows[] = {{257, 20, {"bitmap 384 128"}}, {384, 128, {}},
+              {10, 129, {"bitmap 128 256"}}, {128, 10, {}},
+              {129, 10, {"bitmap 256 128"}}, {-300, 200, {"bitmap 128 256"}}};
   for (const auto& row : rows) {
     area.area.bounds = Rect::Of(0, 0, row.width, row.height);
     Lines made = area.Render("");
@@ -255,37 +232,6 @@ TEST(TextArea, TheLinksOfTheLastLayoutDropOutButLiveOn) {
   EXPECT_EQ(first->parent, nullptr);
   EXPECT_EQ(second->parent, nullptr);
   EXPECT_EQ(Text(static_cast<MHTMLLink*>(second)->url), "v") << "a handler on its way may still need it";
-}
-
-// A canvas that never gets a bitmap, as for a size out of all bounds.
-TEST(TextArea, WithoutABitmapNothingIsTouched) {
-  class NoBitmap final : public TextCanvas {
-    void Resize(int32_t, int32_t) override {}
-    [[nodiscard]] const Surface& Lend() const override { return surface; }
-    TextFit Measure(WideView, bool, int32_t, std::span<int32_t>) override { return {}; }
-    int32_t Draw(WideView, uint32_t, const Rect&, uint32_t) override { return 0; }
-    void FillWhite(const Rect&) override {}
-    void Flush() override {}
-    Surface surface;
-  };
-  RecordingWindow window;
-  MTextArea area(&window, std::make_unique<NoBitmap>(), false, false);
-  area.bounds = Rect::Of(0, 0, INT32_MAX, INT32_MAX);
-  area.SetText(Wide("text"));
-  EXPECT_EQ(area.Render(), 1);
-}
-
-TEST(LocaleFont, FollowsTheLocaleExactly) {
-  const struct {
-    uint32_t locale;
-    int32_t height;
-    const char* face;
-  } rows[] = {{1028, 13, "Mingliu"}, {1041, 14, "Mincho"}, {2052, 13, "SimSun"},
-              {1042, 16, "Arial"},   {1033, 16, "Arial"},  {3076, 16, "Arial"}};
-  for (const auto& row : rows) {
-    EXPECT_STREQ(ChooseFont(row.locale, 16).face, row.face) << row.locale;
-    EXPECT_EQ(ChooseFont(row.locale, 16).height, row.height) << row.locale;
-  }
 }
 
 }  // namespace

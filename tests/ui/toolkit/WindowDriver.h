@@ -13,16 +13,21 @@
 
 namespace driver {
 
+// Handles what is queued now of these messages; all of them by default.
+inline void Dispatch(UINT from = 0, UINT to = 0) {
+  MSG message = {};
+  while (PeekMessageW(&message, nullptr, from, to, PM_REMOVE)) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
 // Handles this thread's messages until `done`; false when that takes implausibly long.
 inline bool PumpUntil(const std::function<bool()>& done) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (!done()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
-    MSG message = {};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-      TranslateMessage(&message);
-      DispatchMessageW(&message);
-    }
+    Dispatch();
     if (!done()) MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
   }
   return true;
@@ -39,11 +44,8 @@ inline void PumpInput(HWND window) {
       TranslateMessage(&message);
       DispatchMessageW(&message);
     } while (message.message != kMark);
-    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) ||
-           PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) {
-      TranslateMessage(&message);
-      DispatchMessageW(&message);
-    }
+    Dispatch(WM_KEYFIRST, WM_KEYLAST);
+    Dispatch(WM_MOUSEFIRST, WM_MOUSELAST);
   }
 }
 
@@ -60,6 +62,11 @@ inline void Button(HWND window, bool down) {
   input.mi.dwFlags = down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
   SendInput(1, &input, sizeof(input));
   PumpInput(window);
+}
+inline void Click(HWND window, Point at) {
+  MoveTo(window, at);
+  Button(window, true);
+  Button(window, false);
 }
 
 inline void Key(HWND window, WORD key, bool down) {
@@ -87,9 +94,7 @@ inline COLORREF PixelAt(HWND window, Point at) {
 
 // Objects of the process, to see that rounds of the same work leave as many as before.
 struct ObjectCounts {
-  size_t gdi = 0;
-  size_t windows = 0;
-  size_t heapBlocks = 0;
+  size_t gdi = 0, windows = 0, heapBlocks = 0;
 };
 
 inline size_t CountHeapBlocks() {
