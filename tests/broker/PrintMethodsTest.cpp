@@ -233,6 +233,9 @@ TEST_F(PrintMethods, TenThousandFillsDeleteWhatTheyMake) {
     }
   }));
   EXPECT_EQ(SaveDC(canvas.Get()), 1) << "no state is left saved";
+  // The measure itself: a brush kept is seen.
+  std::vector<GdiObject> kept;
+  EXPECT_FALSE(LeavesNothing(40, [&](int) { kept.emplace_back(CreateSolidBrush(0)); }));
 }
 
 }  // namespace
