@@ -9,19 +9,18 @@ TEST(FilePattern, PrefixAndSuffix) {
     const wchar_t *pattern, *name;
     bool matches;
   };
-  const Row rows[] = {
-      {L"Lumen:.ocx", L"Lumen28.ocx", true},
-      {L"Lumen:.ocx", L"lumen28.ocx", false},
-      {L"Lumen:.ocx", L"Lumen28.dll", false},
-      {L"Lumen:.ocx", L"xLumen28.ocx", false},
-      {L"Lumen", L"Lumen28.anything", true},  // without a colon the whole pattern is the prefix
-      {L"a:b:c", L"axc", true},               // only the first and the last colon count
-      {L"a:b:c", L"axb", false},
-      {L":.exe", L"any.exe", true},
-      {L"a:", L"abc", true},
-      {L"ab:bc", L"abc", true},  // the two may overlap
-      {L"ab:bc", L"ac", false},
-  };
+  // Without a colon the whole pattern is the prefix; only the first and the last colon count; the two may overlap.
+  const Row rows[] = {{L"Lumen:.ocx", L"Lumen28.ocx", true},
+                      {L"Lumen:.ocx", L"lumen28.ocx", false},
+                      {L"Lumen:.ocx", L"Lumen28.dll", false},
+                      {L"Lumen:.ocx", L"xLumen28.ocx", false},
+                      {L"Lumen", L"Lumen28.anything", true},
+                      {L"a:b:c", L"axc", true},
+                      {L"a:b:c", L"axb", false},
+                      {L":.exe", L"any.exe", true},
+                      {L"a:", L"abc", true},
+                      {L"ab:bc", L"abc", true},
+                      {L"ab:bc", L"ac", false}};
   for (const Row& row : rows) {
     EXPECT_EQ(MatchesPattern(MString(row.name), MString(row.pattern)), row.matches)
         << Text(row.pattern) << " " << Text(row.name);

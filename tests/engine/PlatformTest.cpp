@@ -110,25 +110,18 @@ TEST(DllHelpers, ABareNameIsLookedForInTheSystemFolderOnly) {
 
 TEST(Registry, ValuesAreReadAsWhatTheyAre) {
   EXPECT_EQ(DeleteKeyTree(HKEY_CURRENT_USER, FromUtf8(kTestKey).c_str()), ERROR_FILE_NOT_FOUND);
-  {
-    const RegistryKey key = CreateKey(HKEY_CURRENT_USER, kTestKey, KEY_ALL_ACCESS);
-    ASSERT_TRUE(key.IsValid());
-    EXPECT_EQ(WriteText(key.Get(), "text", "value"), 0);
-    EXPECT_EQ(WriteNumber(key.Get(), "number", 0xFFFFFFFE), 0);
-    EXPECT_EQ(WriteText(key.Get(), nullptr, "default"), 0);
-    RegSetValueExA(key.Get(), "unterminated", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcd"), 3);
-    RegSetValueExA(key.Get(), "short", 0, REG_DWORD, reinterpret_cast<const BYTE*>("ab"), 2);
-    RegSetValueExA(key.Get(), "empty", 0, REG_SZ, nullptr, 0);
-    EXPECT_EQ(ReadText(key.Get(), "text"), "value");
-    EXPECT_EQ(ReadText(key.Get(), nullptr), "default");
-    EXPECT_EQ(ReadText(key.Get(), "unterminated"), "abc");
-    EXPECT_EQ(ReadText(key.Get(), "empty"), "");
-    EXPECT_EQ(ReadText(key.Get(), "number"), std::nullopt) << "of another type";
-    EXPECT_EQ(ReadNumber(key.Get(), "number"), 0xFFFFFFFE);
-    EXPECT_EQ(ReadNumber(key.Get(), "text"), std::nullopt);
-    EXPECT_EQ(ReadNumber(key.Get(), "none"), std::nullopt);
-  }
-  EXPECT_EQ(ToUtf8(ReadWideText(HKEY_CURRENT_USER, FromUtf8(kTestKey).c_str(), L"text").value_or(L"")), "value");
+  RegistryKey key = CreateKey(HKEY_CURRENT_USER, kTestKey, KEY_ALL_ACCESS);
+  EXPECT_EQ(WriteText(key.Get(), "text", "value"), 0);
+  EXPECT_EQ(WriteNumber(key.Get(), "number", 0xFFFFFFFE), 0);
+  EXPECT_EQ(WriteText(key.Get(), nullptr, "default"), 0);
+  RegSetValueExA(key.Get(), "unterminated", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcd"), 3);
+  RegSetValueExA(key.Get(), "empty", 0, REG_SZ, nullptr, 0);
+  const std::pair<const char*, std::optional<std::string>> rows[] = {
+      {"text", "value"}, {nullptr, "default"}, {"unterminated", "abc"}, {"empty", ""}, {"number", std::nullopt}};
+  for (const auto& [name, text] : rows) EXPECT_EQ(ReadText(key.Get(), name), text);
+  EXPECT_EQ(ReadNumber(key.Get(), "number"), 0xFFFFFFFE);
+  EXPECT_EQ(ReadNumber(key.Get(), "text"), std::nullopt);
+  key.Reset();
   EXPECT_EQ(DeleteValue(HKEY_CURRENT_USER, kTestKey, "text"), 0);
   EXPECT_EQ(DeleteValue(HKEY_CURRENT_USER, kTestKey, "text"), ERROR_FILE_NOT_FOUND);
   CreateKey(HKEY_CURRENT_USER, (std::string(kTestKey) + "\\below\\deeper").c_str(), KEY_READ).Reset();

@@ -22,11 +22,10 @@ class FileManager : public testing::Test {
   void Write(const char* below, size_t bytes, uint32_t ageInSeconds = 0) const {
     const WideString path = FromUtf8(At(below));
     testing_files::WriteWhole(path, std::string(bytes, 'x'));
-    FILETIME time = {};
-    GetSystemTimeAsFileTime(&time);
-    const uint64_t written =
-        (static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) - ageInSeconds * kUnitsPerSecond;
-    time = {static_cast<DWORD>(written), static_cast<DWORD>(written >> 32)};
+    ULARGE_INTEGER written = {};
+    GetSystemTimeAsFileTime(reinterpret_cast<FILETIME*>(&written));
+    written.QuadPart -= ageInSeconds * kUnitsPerSecond;
+    const FILETIME time = {written.LowPart, written.HighPart};
     const FileHandle file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     ASSERT_TRUE(SetFileTime(file.Get(), nullptr, nullptr, &time));
   }

@@ -41,8 +41,7 @@ TEST_F(Host, WithoutSettingsItIsAPlainReleaseHost) {
 }
 
 TEST_F(Host, AnswersFromTheSettings) {
-  Use("\xEF\xBB\xBFHost { ActiveX a.ocx help.exe; Plugin p.dll; Payload C:\\p.exe; InstallSource 2; OsClass 3; "
-      "Debugger yes;"
+  Use("\xEF\xBB\xBFHost { ActiveX a.ocx help.exe; Plugin p.dll; Payload C:\\p.exe; InstallSource 2; Debugger yes;"
       " AnalyticsAllowed yes; ConflictsDoNotBlock yes; UpdateMode 0;"
       " UpdateDialog { message \"two words\"; size 300 200; autoUpdateMode 1; }; };");
   MString control;
@@ -53,7 +52,6 @@ TEST_F(Host, AnswersFromTheSettings) {
   EXPECT_EQ(Text(control) + "|" + Text(helper), "p.dll|");
   EXPECT_EQ(Text(*host.GetPayloadPath(&control)), "C:\\p.exe");
   EXPECT_EQ(host.GetInstallSource(), 2u);
-  EXPECT_EQ(host.GetOsClass(), 3u);
   EXPECT_EQ(host.GetFlags(), host_flag::Plugin);
   EXPECT_TRUE(host.AnalyticsAllowed());
   EXPECT_FALSE(host.ConflictsBlockInstall());
@@ -63,7 +61,6 @@ TEST_F(Host, AnswersFromTheSettings) {
   ASSERT_TRUE(host.GetUpdateDialogData(&data));
   EXPECT_EQ(Text(FindSetting(&data, L"message")->values->name), "two words");
   EXPECT_EQ(Text(FindSetting(&data, L"size")->values->next->name), "200");
-  EXPECT_EQ(Text(FindSetting(&data, L"autoUpdateMode")->values->name), "1");
 }
 
 TEST_F(Host, RemembersWhichVersionWasThereBefore) {

@@ -18,8 +18,7 @@ TEST(Image, IsReadFromTheModuleBottomRowFirst) {
   EXPECT_EQ(image.Ref().Context(), nullptr);
   image.Load(GetModuleHandleW(nullptr), image_id::Skin);
   ASSERT_NE(image.Ref().Context(), nullptr);
-  EXPECT_EQ(image.Width(), 2);
-  EXPECT_EQ(image.Height(), 2);
+  EXPECT_EQ(std::pair(image.Width(), image.Height()), std::pair(2, 2));
   EXPECT_EQ(Pixel(image, 0, 1), RGB(0x30, 0x20, 0x10));
   EXPECT_EQ(Pixel(image, 1, 0), RGB(3, 2, 1));
 }
@@ -38,15 +37,13 @@ TEST(Image, ThatIsPackedGoesThroughTheHost) {
 
 TEST(Image, ThatIsMissingStaysEmpty) {
   RecordingHost host;
-  struct Row {
-    int32_t id;
-    ImageForm form;
-  };
-  for (const Row& row : {Row{9999, ImageForm::Plain}, Row{8, ImageForm::Plain}, Row{161, ImageForm::Compressed},
-                         Row{161, static_cast<ImageForm>(2)}}) {
+  for (const auto& [id, form] : {std::pair{9999, ImageForm::Plain},
+                                 {8, ImageForm::Plain},
+                                 {161, ImageForm::Compressed},
+                                 {161, static_cast<ImageForm>(2)}}) {
     MImage image;
-    image.Load(GetModuleHandleW(nullptr), row.id, row.form, &host);
-    EXPECT_EQ(image.Ref().Context(), nullptr) << row.id;
+    image.Load(GetModuleHandleW(nullptr), id, form, &host);
+    EXPECT_EQ(image.Ref().Context(), nullptr) << id;
     EXPECT_FALSE(image.Ref().IsNull()) << "regions refer to it all the same";
   }
 }

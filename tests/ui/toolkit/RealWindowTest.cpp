@@ -344,9 +344,9 @@ TEST_F(RealWindow, ATooltipIsThereExactlyWhileItIsActive) {
 
 TEST_F(RealWindow, AThousandLayoutsAndPaintsLeaveNothing) {
   window.rect = {0, 0, 730, 345};
+  MRegion* const regions[] = {window.button.get(), window.box.get(), window.bar.get()};
   const auto round = [&](int number) {
-    for (MRegion* const region : {static_cast<MRegion*>(window.button.get()), static_cast<MRegion*>(window.box.get()),
-                                  static_cast<MRegion*>(window.bar.get())}) {
+    for (MRegion* const region : regions) {
       if (number % 10 == 0) {
         region->Detach();
         window.Attach(region);

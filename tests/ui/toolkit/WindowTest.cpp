@@ -42,12 +42,12 @@ TEST(ApplyRect, StopsTheAnimationAndTellsWhenAsked) {
 
 TEST(Pointer, ACapturedRegionIsAskedFirstAndTheOthersIfItDeclines) {
   struct Seen {
-    std::string* log;
+    std::string& log;
     const char* name;
     bool answer;
   };
   std::string log;
-  Seen seen[] = {{&log, "first ", true}, {&log, "captured ", false}};
+  Seen seen[] = {{log, "first ", true}, {log, "captured ", false}};
   RecordingWindow window;
   MSkinnedSection parent, first, captured;
   MSkinnedSection* const regions[] = {&first, &captured};
@@ -58,8 +58,7 @@ TEST(Pointer, ACapturedRegionIsAskedFirstAndTheOthersIfItDeclines) {
     regions[i]->handlerContext = &seen[i];
     regions[i]->handler = [](MRegion*, MWindow*, const Point* point, bool inside, uint32_t, void* context) {
       const auto* const mine = static_cast<Seen*>(context);
-      *mine->log +=
-          mine->name + std::to_string(point->x) + "," + std::to_string(point->y) + (inside ? " in;" : " out;");
+      mine->log += mine->name + std::to_string(point->x) + "," + std::to_string(point->y) + (inside ? " in;" : " out;");
       return mine->answer;
     };
     parent.Attach(regions[i]);
