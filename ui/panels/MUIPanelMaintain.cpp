@@ -12,9 +12,13 @@ MUIPanelMaintain::MUIPanelMaintain(MInstallerWindow* window) : MUIPanel(window) 
   uninstallButton = MakeButton(window, window->Skin(), Text(21));
   uninstallButton->controlId = control_id::SecondPanelButton;
   Place(*uninstallButton, Rect::Of(19, 69, 140, 33));
+  uninstallButton->labelText->Layout();
+  uninstallButton->Layout();
   reinstallButton = MakeButton(window, window->Skin(), Text(20));
   reinstallButton->controlId = control_id::FirstPanelButton;
   Place(*reinstallButton, Rect::Of(19, 19, 140, 33));
+  reinstallButton->labelText->Layout();
+  reinstallButton->Layout();
 }
 
 bool MUIPanelMaintain::HandleEvent(uint32_t id, uint32_t message, int64_t /*param*/) {
