@@ -112,7 +112,7 @@ class Player {
     if (command == "title") return Await([&] { return Title() == rest; });
     if (command == "still") return Rest();
     if (command == "picture") return Rest() && Keep(rest);
-    if (command == "glance") return Keep(rest);
+    if (command == "glance") return Moves() && Keep(rest);
     if (command == "program") return StartProgram(rest);
     if (command == "close-program") return EndProgram();
     if (command == "close") return PostMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0) != FALSE;
@@ -205,6 +205,17 @@ class Player {
         since = Clock::now();
       }
       return Clock::now() - since > std::chrono::milliseconds(kStillFor);
+    });
+  }
+  // A bar on its way changes the picture again and again; a panel that has just come does so once or twice.
+  bool Moves() const {
+    ScreenPicture last = ScreenPicture::Of(window);
+    int changes = 0;
+    return Await([&] {
+      ScreenPicture now = ScreenPicture::Of(window);
+      if (now != last) ++changes;
+      last = std::move(now);
+      return changes >= 4;
     });
   }
   bool Keep(const std::string& name) {
