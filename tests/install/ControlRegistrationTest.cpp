@@ -33,17 +33,6 @@ bool IsReadOnly(const MString& path) {
 
 }  // namespace
 
-TEST_F(InstallFixture, ControlRegistersItselfAndItsFileIsProtected) {
-  const MString control = Player("LumenPlayer.ocx");
-  EXPECT_TRUE(shim->RegisterActiveXControl(control));
-  EXPECT_EQ(ReadText(HKEY_LOCAL_MACHINE, (kControlKey + "\\InprocServer32").c_str(), ""), Text(control));
-  EXPECT_TRUE(IsReadOnly(control));
-  EXPECT_TRUE(UnregisterControl(control));
-  EXPECT_FALSE(KeyExists(kControlKey));
-  EXPECT_TRUE(UnregisterControl(PathOf("missing.ocx"))) << "whatever happens";
-  EXPECT_EQ(host.Reports(), Lines{});
-}
-
 TEST_F(InstallFixture, LibraryThatIsNoControlIsNotRegisteredNorProtected) {
   const MString plugin = Player("nplumen.dll");
   const MString text = File("text.ocx");

@@ -16,21 +16,6 @@ std::string KeyOf(uint32_t kind) {
 
 }  // namespace
 
-TEST_F(InstallFixture, PathsAreReadOnlyAsAPair) {
-  const std::string key = KeyOf(product_kind::Plugin);
-  MString player(L"old"), uninstaller(L"old");
-  EXPECT_FALSE(ReadPlayerPaths(&host, product_kind::Plugin, &player, &uninstaller));
-  SetText(key, "PlayerPath", "C:\\player");
-  EXPECT_FALSE(ReadPlayerPaths(&host, product_kind::Plugin, &player, &uninstaller));
-  EXPECT_EQ(Text(player) + "|" + Text(uninstaller), "C:\\player|old");
-  EXPECT_EQ(host.Reports(), (Lines{"1 1036 " + key + "/PlayerPath 2", "1 1036 " + key + "/UninstallerPath 2"}));
-  SetText(key, "UninstallerPath", "C:\\uninstaller");
-  host.Forget();
-  EXPECT_TRUE(ReadPlayerPaths(&host, product_kind::Plugin, &player, &uninstaller));
-  EXPECT_EQ(Text(player) + "|" + Text(uninstaller), "C:\\player|C:\\uninstaller");
-  EXPECT_EQ(host.Reports(), Lines{});
-}
-
 TEST_F(InstallFixture, InstalledVersionHasAStateForEachKind) {
   const std::pair<const char*, uint32_t> rows[] = {{"28.0.0.125", 1}, {"28.0.0.126", 2}, {"28.0.0.127", 3}};
   for (const uint32_t kind : kAllKinds) {
@@ -99,21 +84,6 @@ TEST_F(InstallFixture, InstallIsRefusedByReleaseTypeAndByVersion) {
     EXPECT_EQ(shim->CheckInstallAllowed(row.kinds, &code, row.mode), row.allowed) << row.why;
     EXPECT_EQ(code, row.code) << row.why;
   }
-}
-
-TEST_F(InstallFixture, ProductKeyAndSafeVersionsGoWithTheirSubkeys) {
-  SetText(KeyOf(product_kind::Plugin) + "\\Deep", "x", "");
-  SetNumber(kSafeVersions, "28.0", 1);
-  EXPECT_TRUE(DeleteProductKey(&host, product_kind::Plugin));
-  EXPECT_TRUE(DeleteSafeVersions(&host));
-  EXPECT_FALSE(KeyExists(KeyOf(product_kind::Plugin)));
-  EXPECT_FALSE(KeyExists(kSafeVersions));
-  EXPECT_TRUE(KeyExists(kMachinePlayer));
-  EXPECT_EQ(host.Reports(), Lines{});
-  EXPECT_FALSE(DeleteProductKey(&host, product_kind::Plugin));
-  EXPECT_FALSE(DeleteSafeVersions(&host));
-  EXPECT_EQ(host.Reports(),
-            (Lines{"1 1037 " + KeyOf(product_kind::Plugin) + "/ 2", "1 1037 " + kSafeVersions + "/ 2"}));
 }
 
 TEST_F(InstallFixture, CleanUpRunsOnAndJoinsItsResults) {

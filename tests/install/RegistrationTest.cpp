@@ -168,15 +168,6 @@ TEST_F(InstallFixture, SizeIsThePayloadsOrAGuess) {
   }
 }
 
-TEST_F(InstallFixture, ControlThatCannotRegisterStopsTheRest) {
-  const MString missing = PathOf("missing.ocx");
-  EXPECT_FALSE(shim->RegisterProduct(product_kind::ActiveX, missing, PathOf("u.exe"), L"", 1));
-  EXPECT_EQ(shim->WasRegistrationReached(), 0);
-  EXPECT_EQ(host.Reports(), Lines{"2 1033 " + Text(missing) + " 7E"});
-  EXPECT_FALSE(KeyExists(kMachinePlayer + "ActiveX"));
-  EXPECT_FALSE(KeyExists(kUninstall + "ActiveX"));
-}
-
 TEST_F(InstallFixture, PluginPathIsReadBesideTheEntryAndNotInIt) {
   EXPECT_TRUE(shim->RegisterPluginEntry(L"C:\\np.dll"));
   EXPECT_FALSE(ReadPluginPath(&host)) << "no value that registration writes";

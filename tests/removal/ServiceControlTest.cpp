@@ -66,9 +66,13 @@ class ServiceControl : public testing::Test {
   // A service that stops as `mode` says, running unless told otherwise.
   void Make(const wchar_t* mode, bool start = true) {
     const WideString command = L"\"" + testing_files::Beside(L"StoppableService.exe") + L"\" " + mode;
-    service.Reset(CreateServiceW(manager.Get(), kStoppableService, kStoppableService, SERVICE_ALL_ACCESS,
-                                 SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, command.c_str(),
-                                 nullptr, nullptr, nullptr, nullptr, nullptr));
+    // The manager may still be at the deletion of the one before.
+    const ULONGLONG begun = GetTickCount64();
+    do {
+      service.Reset(CreateServiceW(manager.Get(), kStoppableService, kStoppableService, SERVICE_ALL_ACCESS,
+                                   SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
+                                   command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
+    } while (!service && GetLastError() == ERROR_SERVICE_MARKED_FOR_DELETE && GetTickCount64() - begun < 20000);
     ASSERT_TRUE(service) << GetLastError();
     if (!start) return;
     ASSERT_TRUE(StartServiceW(service.Get(), 0, nullptr)) << GetLastError();

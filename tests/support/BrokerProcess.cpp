@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"
 
 namespace broker_process {
@@ -12,20 +13,6 @@ namespace broker_process {
 namespace {
 
 constexpr wchar_t kServerName[] = L"LumenHost.exe";
-
-KernelHandle Start(WideString commandLine, HANDLE output = nullptr) {
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  startup.dwFlags = output == nullptr ? 0 : STARTF_USESTDHANDLES;
-  startup.hStdOutput = startup.hStdError = output;
-  PROCESS_INFORMATION started = {};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, output != nullptr, 0, nullptr, nullptr, &startup,
-                      &started)) {
-    return {};
-  }
-  const KernelHandle thread(started.hThread);
-  return KernelHandle(started.hProcess);
-}
 
 WideString Quoted(const WideString& text) {
   return L"\"" + text + L"\"";
@@ -59,7 +46,7 @@ DWORD RunToEnd(const WideString& commandLine, std::string* said) {
     SECURITY_ATTRIBUTES inherit = {sizeof(inherit), nullptr, TRUE};
     output.Reset(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, 0, nullptr));
   }
-  const KernelHandle process = Start(commandLine, output.Get());
+  const KernelHandle process = StartProcess(commandLine, output.Get());
   DWORD exitCode = STILL_ACTIVE;
   if (process && WaitForSingleObject(process.Get(), kPatience) == WAIT_OBJECT_0) {
     GetExitCodeProcess(process.Get(), &exitCode);
@@ -114,7 +101,8 @@ Client::Client(const WideString& file) {
   const std::string name = "LumenClient" + std::to_string(GetCurrentProcessId()) + "n" + std::to_string(++count);
   const KernelHandle ready(CreateEventA(nullptr, TRUE, FALSE, (name + "ready").c_str()));
   go.Reset(CreateEventA(nullptr, TRUE, FALSE, (name + "go").c_str()));
-  process = Start(Quoted(BuildFolder() + L"\\tests\\BrokerClient.exe") + L" " + WidenAscii(name) + L" " + Quoted(file));
+  process = StartProcess(Quoted(BuildFolder() + L"\\tests\\BrokerClient.exe") + L" " + WidenAscii(name) + L" " +
+                         Quoted(file));
   const HANDLE either[] = {ready.Get(), process.Get()};
   holding = process && WaitForMultipleObjects(2, either, FALSE, kPatience) == WAIT_OBJECT_0;
 }

@@ -143,19 +143,17 @@ HMODULE WINAPI LoadStep(LPCWSTR path) {
 }
 
 // Found at run time, by the code under test, through GetProcAddress.
+template <class Unit>
+LSTATUS DeleteTree(HKEY root, const Unit* path, const std::string& shown, const char* function) {
+  if (Step("delete key " + NameOf(root, shown))) return Failure();
+  return reinterpret_cast<LSTATUS WINAPI (*)(HKEY, const Unit*)>(
+      reinterpret_cast<void*>(g_real.GetProcAddress(GetModuleHandleW(L"shlwapi.dll"), function)))(root, path);
+}
 LSTATUS WINAPI DeleteTreeStep(HKEY root, LPCWSTR path) {
-  if (Step("delete key " + NameOf(root, Utf8(path)))) return Failure();
-  using Function = LSTATUS WINAPI(HKEY, LPCWSTR);
-  static auto* const deleteKey = reinterpret_cast<Function*>(
-      reinterpret_cast<void*>(g_real.GetProcAddress(GetModuleHandleW(L"shlwapi.dll"), "SHDeleteKeyW")));
-  return deleteKey(root, path);
+  return DeleteTree(root, path, Utf8(path), "SHDeleteKeyW");
 }
 LSTATUS WINAPI DeleteTreeStepA(HKEY root, LPCSTR path) {
-  if (Step("delete key " + NameOf(root, path))) return Failure();
-  using Function = LSTATUS WINAPI(HKEY, LPCSTR);
-  static auto* const deleteKey = reinterpret_cast<Function*>(
-      reinterpret_cast<void*>(g_real.GetProcAddress(GetModuleHandleW(L"shlwapi.dll"), "SHDeleteKeyA")));
-  return deleteKey(root, path);
+  return DeleteTree(root, path, path, "SHDeleteKeyA");
 }
 DWORD WINAPI SecurityStep(LPWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what, PSID owner, PSID group,
                           PACL list, PACL audit) {

@@ -7,6 +7,7 @@
 
 #include "engine/Handles.h"
 #include "tests/support/BrokerProcess.h"
+#include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"
 
 class OwnerProcess {
@@ -20,16 +21,8 @@ class OwnerProcess {
     CopyFileW((broker_process::BuildFolder() + L"\\tests\\WindowOwner.exe").c_str(), image_.c_str(), FALSE);
     const KernelHandle ready(CreateEventW(nullptr, TRUE, FALSE, (name + L"ready").c_str()));
     go_.Reset(CreateEventW(nullptr, TRUE, FALSE, (name + L"go").c_str()));
-    WideString commandLine = L"\"" + image_ + L"\" " + name;
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION started = {};
-    if (!CreateProcessW(image_.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &started)) {
-      return;
-    }
-    const KernelHandle thread(started.hThread);
-    process_.Reset(started.hProcess);
+    process_ = StartProcess(L"\"" + image_ + L"\" " + name);
+    if (!process_) return;
     const HANDLE either[] = {ready.Get(), process_.Get()};
     if (WaitForMultipleObjects(2, either, FALSE, broker_process::kPatience) == WAIT_OBJECT_0) {
       window_ = FindWindowW(L"Static", name.c_str());

@@ -5,18 +5,13 @@
 
 #include "engine/Handles.h"
 #include "engine/WideText.h"
+#include "tests/support/StartProcess.h"
 
 namespace testing_files {
 
 // Runs a program of the machine under Wine, which is how the prefix gets real links.
 inline void RunOutside(const WideString& arguments) {
-  WideString command = L"start.exe /wait /unix " + arguments;
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION child = {};
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child)) return;
-  const KernelHandle process(child.hProcess);
-  const KernelHandle thread(child.hThread);
+  const KernelHandle process = StartProcess(L"start.exe /wait /unix " + arguments);
   WaitForSingleObject(process.Get(), 20000);
 }
 

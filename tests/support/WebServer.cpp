@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "engine/Registry.h"
+#include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
@@ -42,18 +43,6 @@ SOCKET AcceptInTime(SOCKET listener) {
   return select(0, &ready, nullptr, nullptr, &patience) == 1 ? accept(listener, nullptr, nullptr) : INVALID_SOCKET;
 }
 
-bool StartOutside(WideString commandLine) {
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION started = {};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started)) {
-    return false;
-  }
-  const KernelHandle process(started.hProcess);  // none, for a program that is not of this system
-  const KernelHandle thread(started.hThread);
-  return true;
-}
-
 HCERTSTORE OpenRoots() {
   return CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root");
 }
@@ -67,8 +56,9 @@ WebServer::WebServer(const WideString& folder) : folder_(folder) {
   u_short port = 0;
   const SOCKET listener = Listen(port);
   const WideString script = OutsidePath(FromUtf8(LUMEN_SOURCE_DIR "/tests/support/web_server.py"));
-  EXPECT_TRUE(StartOutside(L"Z:\\usr\\bin\\python3 " + script + L" " + OutsidePath(folder_) + L" --lifeline " +
-                           WidenAscii(std::to_string(port))));
+  // It has no handle, as no program of the machine has; the lifeline tells whether it runs.
+  (void)StartProcess(L"Z:\\usr\\bin\\python3 " + script + L" " + OutsidePath(folder_) + L" --lifeline " +
+                     WidenAscii(std::to_string(port)));
   lifeline_ = AcceptInTime(listener);
   closesocket(listener);
   std::string told;
