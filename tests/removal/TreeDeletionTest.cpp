@@ -52,7 +52,7 @@ BOOL WINAPI Remove(LPCWSTR path) {
   if ((GetFileAttributesW(path) & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return g_remove(path);
   const WideString whole = path;
   const size_t slash = whole.rfind(L'\\');
-  testing_files::RemoveLink(whole.substr(0, slash), L"/" + whole.substr(slash + 1));
+  testing_files::RemoveLink(whole.substr(0, slash), whole.substr(slash + 1));
   return Await(whole, false);
 }
 
@@ -158,7 +158,7 @@ TEST_F(TreeDeletion, LinksAreRemovedAndNotFollowed) {
   const auto prepare = [this] {
     MakeDirectories(At(L"\\sub"));
     MakeFile(outside.Path() + L"\\precious", 2 * kHour);
-    testing_files::MakeLink(outside.Path(), At(L"\\sub"), L"/link");
+    testing_files::MakeLink(outside.Path(), At(L"\\sub"), L"link");
     ASSERT_TRUE(Await(At(L"\\sub\\link"), true));
     ASSERT_NE(GetFileAttributesW(At(L"\\sub\\link").c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0u);
     ASSERT_TRUE(Exists(At(L"\\sub\\link\\precious")));
