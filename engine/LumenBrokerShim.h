@@ -27,7 +27,7 @@ class LumenBrokerShim {
   virtual void Destroy(uint32_t flag) noexcept;
   // The text `id` of resourceModule. If missing: the host's fallback when `useHost`, else "MISSING LOCALIZATION".
   virtual MString* LoadString(MString* out, uint32_t id, uint8_t useHost) noexcept;
-  // The installer window, not yet shown; null in this build. Ended by DestroyUI, before Destroy.
+  // The installer window, not yet shown; null when there is no memory for it. Ended by DestroyUI, before Destroy.
   virtual MorphUI* CreateUI() noexcept;
   virtual void DestroyUI(void* ignored, MorphUI* ui) noexcept;
   // Whether the installed release type is `expected`; true when nothing is installed or no kind is named. Of several
@@ -49,10 +49,11 @@ class LumenBrokerShim {
   // Removes the update service of a player that is no release player from `directory`. A failure is reported as 1100.
   virtual bool RemoveUpdateService(void* ignored, MString directory) noexcept;
   // Takes an installed kind away: its registration, files, inventory, services and task. `directory` is the system
-  // directory with the applet and the settings manager. Every step runs and failures are reported; true when none was.
+  // directory with the applet and the settings manager. With `setNotify` the update service is set to notify before it
+  // goes. Every step runs and failures are reported; true when none was.
   // Files in use are left to the next restart and do not count.
   virtual bool RemoveProductKind(uint32_t kind, MString directory, uint8_t removeSafeVersions,
-                                 uint8_t removeService) noexcept;
+                                 uint8_t setNotify) noexcept;
   // These delete the files that the settings name or give patterns of: in `directory`, and for the plug-in in the
   // browsers' plug-in directories. With all three kinds RemovePatternFiles also deletes add-on products. True.
   virtual bool RemoveNamedFiles(uint32_t kinds, MString directory) noexcept;

@@ -22,6 +22,7 @@ constexpr uint32_t kRestartToComplete = 73;
 
 constexpr char kMajorVersion[] = "28.0";
 constexpr uint32_t kReleaseMode = 1;
+constexpr uint32_t kNewer = 3;  // than this build, in the words of GetInstalledVersionState
 
 WideString FileNameOf(const WideString& path) {
   return path.substr(path.rfind(L'\\') + 1);
@@ -127,7 +128,7 @@ void StartServices(const Session& session) {
     const WideString path = PlayerDirectory() + file.name;
     if (!Exists(path)) continue;
     const MString text{WideView(path)};
-    const bool isUpdate = SettingValues(host.GetSettings(), L"Host.UpdateService").front() == file.name;
+    const bool isUpdate = file.name == UpdateServiceName(host.GetSettings());
     const bool started = isUpdate ? SetUpdateMode(*UpdateServiceRunner(&host, text), UpdateModeOf(session))
                                   : RunServiceCommand(*FeedbackServiceRunner(&host, text), L"-install");
     Tell(session, (started ? "Service set up: " : "Service not set up: ") + ToUtf8(file.name) + ".");
@@ -149,7 +150,14 @@ HostExit Finish(const Session& session) {
 
 std::optional<HostExit> RefuseInstallation(const Session& session) {
   uint32_t code = 0;
-  if (session.module->CheckInstallAllowed(session.line.kinds, &code, kReleaseMode)) return std::nullopt;
+  bool allowed = session.module->CheckInstallAllowed(session.line.kinds, &code, kReleaseMode);
+  // The module lets a control be installed over a newer one; an update never goes back.
+  if (allowed && session.line.command == HostCommand::Update &&
+      session.module->GetInstalledVersionState(session.line.kinds) == kNewer) {
+    allowed = false;
+    code = static_cast<uint32_t>(ReportCode::InstallRefusedByVersionInMode1);
+  }
+  if (allowed) return std::nullopt;
   return Fail(session, HostExit::Refused, static_cast<ReportCode>(code));
 }
 
@@ -189,9 +197,9 @@ HostExit PerformInstallation(const Session& session) {
 }
 
 void ApplyUpdateChoice(const Session& session) {
-  const auto names = SettingValues(session.host.GetSettings(), L"Host.UpdateService");
-  const WideString path = names.empty() ? WideString() : PlayerDirectory() + names.front();
-  if (path.empty() || !Exists(path)) return;
+  const WideString name = UpdateServiceName(session.host.GetSettings());
+  const WideString path = PlayerDirectory() + name;
+  if (name.empty() || !Exists(path)) return;
   const auto runner = UpdateServiceRunner(&session.host, MString(WideView(path)));
   (void)SetUpdateMode(*runner, UpdateModeOf(session));
 }

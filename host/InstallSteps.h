@@ -10,7 +10,7 @@
 #include "host/PayloadCopy.h"
 #include "host/Session.h"
 
-// Nothing when the kinds of the line may be installed here.
+// Nothing when the kinds of the line may be installed here, or updated if that is the command.
 [[nodiscard]] std::optional<HostExit> RefuseInstallation(const Session& session);
 // The running programs that use the kinds; null when they cannot be listed.
 [[nodiscard]] std::unique_ptr<MStringList> ProgramsInTheWay(const Session& session);

@@ -57,7 +57,17 @@ class Copier {
   }
 
   DWORD PutInPlace(const WideString& fresh, const WideString& destination) {
-    SetFileAttributesW(destination.c_str(), FILE_ATTRIBUTE_NORMAL);  // an installed file is kept read-only
+    // An installed file is kept read-only, and stays so when it cannot be replaced.
+    const DWORD attributes = GetFileAttributesW(destination.c_str());
+    SetFileAttributesW(destination.c_str(), FILE_ATTRIBUTE_NORMAL);
+    const DWORD error = Replace(fresh, destination);
+    if (error != ERROR_SUCCESS && attributes != INVALID_FILE_ATTRIBUTES) {
+      SetFileAttributesW(destination.c_str(), attributes);
+    }
+    return error;
+  }
+
+  DWORD Replace(const WideString& fresh, const WideString& destination) {
     if (MoveFileExW(fresh.c_str(), destination.c_str(), MOVEFILE_REPLACE_EXISTING)) return ERROR_SUCCESS;
     const DWORD error = GetLastError();
     // A file that is open as a program or library can still be renamed.

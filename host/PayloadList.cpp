@@ -36,6 +36,10 @@ WideString UninstallerName(const SettingsTree* settings, uint32_t kind) {
   return FirstValue(settings, WideString(L"Host.Uninstaller.") + SettingOf(kind));
 }
 
+WideString UpdateServiceName(const SettingsTree* settings) {
+  return FirstValue(settings, L"Host.UpdateService");
+}
+
 std::vector<PayloadFile> FilesOfKind(const SettingsTree* settings, uint32_t kind) {
   std::vector<PayloadFile> files;
   const WideString player = PlayerName(settings, kind);
@@ -55,7 +59,7 @@ std::vector<PayloadFile> FilesOfKind(const SettingsTree* settings, uint32_t kind
 
 std::vector<PayloadFile> ServiceFiles(const SettingsTree* settings, bool analytics) {
   std::vector<PayloadFile> files;
-  const WideString update = FirstValue(settings, L"Host.UpdateService");
+  const WideString update = UpdateServiceName(settings);
   const WideString feedback = FirstValue(settings, L"Host.FeedbackService");
   if (!update.empty()) files.push_back({update, FileSource::Payload, 0, true});
   if (!feedback.empty() && analytics) files.push_back({feedback, FileSource::Payload, 0, true});

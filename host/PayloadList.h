@@ -29,5 +29,7 @@ struct PayloadFile {
 // The file name of a kind's player and of its uninstaller; empty when the settings name none.
 [[nodiscard]] WideString PlayerName(const SettingsTree* settings, uint32_t kind);
 [[nodiscard]] WideString UninstallerName(const SettingsTree* settings, uint32_t kind);
+// The update service's file name, likewise.
+[[nodiscard]] WideString UpdateServiceName(const SettingsTree* settings);
 // The values of a setting in order.
 [[nodiscard]] std::vector<WideString> SettingValues(const SettingsTree* settings, const WideString& name);

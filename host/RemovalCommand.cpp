@@ -82,9 +82,13 @@ HostExit PerformRemoval(const Session& session) {
 HostExit MaintainPlayer(const Session& session) {
   if (session.line.silent) return RemovePlayers(session);
   const std::string name(NameOfKind(session.line.kinds));
-  switch (Ask(ModuleText(session, kWillRemove) + "\n" + name + ": [u]ninstall, [r]einstall or [q]uit?")) {
-    case 'r': return InstallPlayers(session);
-    case 'q': return HostExit::Done;
-    default: return RemovePlayers(session);
+  for (;;) {
+    switch (Ask(ModuleText(session, kWillRemove) + "\n" + name + ": [u]ninstall, [r]einstall or [q]uit?")) {
+      case 'r': return InstallPlayers(session);
+      case 'q': return HostExit::Done;
+      case 'u':
+      case 0: return RemovePlayers(session);
+      default: break;  // a slip of the hand removes nothing
+    }
   }
 }

@@ -47,7 +47,9 @@ void TellKind(const Session& session, uint32_t kind) {
   MString payload;
   WIN32_FILE_ATTRIBUTE_DATA data = {};
   const bool sized = GetFileAttributesExW(session.host.GetPayloadPath(&payload)->Data(), GetFileExInfoStandard, &data);
-  WouldWrite(UninstallEntryRows(kind, version, uninstallerText, sized ? data.nFileSizeLow >> 10 : kUnknownPayloadSize));
+  const uint64_t bytes = (uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+  const auto kilobytes = sized ? static_cast<uint32_t>(bytes >> 10) : kUnknownPayloadSize;
+  WouldWrite(UninstallEntryRows(kind, version, uninstallerText, kilobytes));
   InventoryFacts facts;
   facts.version = version;
   facts.playerPath = MString(WideView(player));

@@ -3,6 +3,6 @@
 
 #include "engine/MString.h"
 
-// With `on`: sets the read-only attribute, then grants the file's access entries; false at the first that fails.
-// Without: takes the entries back, then clears the attribute; both run, and false when either failed.
+// With `on`: sets the read-only attribute, then adds the write guard of AccessRepair.h; false at the first that
+// fails. Without: takes the guard back, then clears the attribute; both run, and false when either failed.
 bool ProtectFile(const MString& path, bool on);

@@ -37,13 +37,15 @@ bool IsFreshPart(const MStringList& files, const MString& path) {
   return false;
 }
 
+// Every kind is asked for, so that the log tells which ones are not installed.
 bool IsAnyKindInstalled(HostCallbacks* host) {
+  bool found = false;
   for (const uint32_t kind : {product_kind::ActiveX, product_kind::Plugin, product_kind::Pepper}) {
     MString playerPath;
     MString uninstallerPath;
-    if (ReadPlayerPaths(host, kind, &playerPath, &uninstallerPath)) return true;
+    if (ReadPlayerPaths(host, kind, &playerPath, &uninstallerPath)) found = true;
   }
-  return false;
+  return found;
 }
 
 bool ForgetAppletCategory(HostCallbacks* host) {

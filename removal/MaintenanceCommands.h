@@ -8,7 +8,7 @@
 #include "engine/MString.h"
 #include "removal/ServiceRunner.h"
 
-// What SetUpdateMode makes of the update service. The first three modes replace whatever was set before.
+// What SetUpdateMode makes of the update service.
 enum class UpdateMode : uint32_t {
   SilentAutoUpdate = 0,
   ReplaceByNotify = 1,   // uninstalls the service first
@@ -23,7 +23,8 @@ enum class UpdateMode : uint32_t {
 [[nodiscard]] bool RunUninstallCommand(const ServiceRunner& runner);
 [[nodiscard]] bool RunAnalyticsCommand(const ServiceRunner& runner);
 
-// Runs the switches of `mode`, then refreshes the notifier task when the PPAPI kind is selected. A number that is no
+// Runs the switches of `mode`, then, except for ReplaceByDisable, refreshes the notifier task when the PPAPI kind is
+// selected. A number that is no
 // UpdateMode is reported as 1118 and false.
 [[nodiscard]] bool SetUpdateMode(const ServiceRunner& runner, uint32_t mode);
 
@@ -33,6 +34,6 @@ enum class UpdateMode : uint32_t {
 [[nodiscard]] bool RemoveFeedbackService(HostCallbacks* host, const MString& feedbackPath, const MString& updatePath);
 
 // The update service removal: asks the service to uninstall itself and deletes its file, unless a release player
-// remains. With `setNotify` it is set to notify first, and a failure of that leaves it installed. The caller reports
-// 1100.
+// remains. With `setNotify` it is set to notify first, and when that fails it is not asked a second time; the file goes
+// all the same. The caller reports 1100.
 [[nodiscard]] bool RemoveUpdateServiceFile(HostCallbacks* host, const MString& updatePath, bool setNotify);

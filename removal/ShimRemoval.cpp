@@ -156,7 +156,7 @@ bool LumenBrokerShim::UninstallProduct(uint32_t kind, MString file, uint8_t remo
 }
 
 bool LumenBrokerShim::RemoveProductKind(uint32_t kind, MString directory, uint8_t removeSafeVersions,
-                                        uint8_t removeService) noexcept {
+                                        uint8_t setNotify) noexcept {
   Removal removal(host);
   const InstalledPaths paths = FindInstalledPaths(host, kind, removal);
   // What stays of the registration does no harm once the files have gone, so this result does not count.
@@ -165,7 +165,7 @@ bool LumenBrokerShim::RemoveProductKind(uint32_t kind, MString directory, uint8_
   if (paths.known) removal.Check(DeleteProductKey(host, kind), ReportCode::ProductKeyNotDeleted);
   removal.Check(CleanRegistry(host, kind), ReportCode::RegistryNotCleaned);
   if (host->GetOsClass() < kOsClassWithOwnFiles) RemoveSystemFiles(host, directory, removal);
-  RemoveServices(host, paths.player, removeService != 0, removal);
+  RemoveServices(host, paths.player, setNotify != 0, removal);
   if (kind == product_kind::Pepper) RemoveNotifierTask(host);
   return removal.Succeeded();
 }

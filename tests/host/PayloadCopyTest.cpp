@@ -73,12 +73,14 @@ TEST_F(PayloadCopy, RenamesALibraryInUseAndLeavesItToTheNextRestart) {
 TEST_F(PayloadCopy, StopsAtTheFileThatCannotBePutInPlaceAndLeavesTheOld) {
   WriteWhole(source, "fresh");
   WriteWhole(destination, "old");
+  SetFileAttributesW(destination.c_str(), FILE_ATTRIBUTE_READONLY);
   const FileHandle held(CreateFileW(destination.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
   const CopyOutcome outcome = Copy({{source, destination}, {source, destination + L"2"}});
   EXPECT_NE(outcome.error, 0u);
   EXPECT_EQ(ToUtf8(outcome.failed), ToUtf8(destination));
   EXPECT_FALSE(Exists(destination + L"2"));
   EXPECT_TRUE(Clean());
+  EXPECT_EQ(GetFileAttributesW(destination.c_str()) & FILE_ATTRIBUTE_READONLY, 1u) << "the old one stays protected";
   EXPECT_EQ(Copy({{source + L"missing", destination + L"3"}}).error, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 }
 

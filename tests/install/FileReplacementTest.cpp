@@ -236,6 +236,8 @@ TEST_F(FileReplacement, SystemFileStaysWhileAnyKindIsInstalled) {
     ClearMachine();
     EXPECT_TRUE(shim->RegisterProduct(kind, Player("LumenPlayer.ocx"), PathOf("u.exe"), L"", 0));
     EXPECT_TRUE(RemoveSystemFile(&host, path));
+    EXPECT_EQ(host.Reports().size(), 2u) << "each kind that is not installed is told of";
+    host.Forget();
     EXPECT_TRUE(testing_files::Exists(path.Data()));
     SetFileAttributesW(PathOf("LumenPlayer.ocx").Data(), 0);
   }
