@@ -174,12 +174,14 @@ std::string Names(const std::vector<PayloadFile>& files) {
 
 TEST(PayloadList, AKindIsItsPlayerItsUninstallerAndItsExtras) {
   SettingsTree settings;
+  EXPECT_EQ(UpdateServiceName(&settings), WideString()) << "a host may have none";
   ParseSettings(&settings, MString(L"Host { ActiveX a.ocx help.exe; Plugin p.dll; UpdateService u.exe;"
                                    L" FeedbackService f.exe; Uninstaller { ActiveX un.exe; };"
                                    L" ExtraFiles { ActiveX help.exe read.txt; }; };"));
   EXPECT_EQ(Names(FilesOfKind(&settings, ActiveX)), "a.ocx/0 un.exe/1 un.dll/2 un.settings/3 help.exe/0? read.txt/0? ");
   EXPECT_EQ(Names(FilesOfKind(&settings, Plugin)), "p.dll/0 ");
   EXPECT_EQ(Names(FilesOfKind(&settings, Pepper)), "");
+  EXPECT_EQ(UpdateServiceName(&settings), L"u.exe");
   EXPECT_EQ(Names(ServiceFiles(&settings, false)), "u.exe/0? ");
   EXPECT_EQ(Names(ServiceFiles(&settings, true)), "u.exe/0? f.exe/0? ");
 }
