@@ -17,10 +17,7 @@ void MLink::LinkAfter(MLink* other) {
 }
 
 MRegion::~MRegion() {
-  if (owner != nullptr) {
-    if (nativeWindow != nullptr) owner->platform->DestroyChild(nativeWindow);
-    owner->Forget(this);
-  }
+  LeaveWindow();
   LeaveSiblings();
   for (MRegion* child = firstChild; child != nullptr; child = child->Next()) {
     if (child->parent == this) child->parent = nullptr;
@@ -41,19 +38,16 @@ void MRegion::Attach(MRegion* child) {
 }
 
 void MRegion::Detach() {
-  if (owner != nullptr) {
-    if (owner->focusRegion == this) owner->SetFocusRegion(nullptr, false);
-    if (nativeWindow != nullptr) owner->platform->DestroyChild(nativeWindow);
-    nativeWindow = nullptr;
-    owner->Forget(this);
-  }
+  if (owner != nullptr && owner->focusRegion == this) owner->SetFocusRegion(nullptr, false);
+  LeaveWindow();
   LeaveSiblings();
   parent = nullptr;
-  owner = nullptr;
 }
 
 void MRegion::SetVisible(bool on) {
-  if (!on && visible && HoldsFocus()) owner->SetFocusRegion(nullptr, false);
+  // Also while another program has the keyboard: the ring must not stay around nothing.
+  const bool focused = HoldsFocus() || (owner != nullptr && owner->focusRegion == this);
+  if (!on && visible && focused) owner->SetFocusRegion(nullptr, false);
   visible = on;
   if (owner != nullptr && nativeWindow != nullptr) owner->platform->ShowChild(nativeWindow, on);
 }
@@ -99,13 +93,20 @@ void MRegion::Append(MRegion*& first, MRegion* child) {
 // Children that were attached while their parent belonged to no window join with it. A label that is only linked behind
 // its button's pieces has no parent and stays out.
 void MRegion::JoinWindow(MWindow* window) {
-  owner = window;
-  if ((drawFlags & kNativeChild) != 0 && nativeWindow == nullptr) {
-    window->platform->CreateChild(*this, AbsoluteBounds());
-  }
+  LeaveWindow();
+  window->Own(this);
+  if ((drawFlags & kNativeChild) != 0) window->platform->CreateChild(*this, AbsoluteBounds());
   for (MRegion* child = firstChild; child != nullptr; child = child->Next()) {
     if (child->parent == this && child->owner != window) child->JoinWindow(window);
   }
+}
+
+void MRegion::LeaveWindow() {
+  if (owner == nullptr) return;
+  if (nativeWindow != nullptr) owner->platform->DestroyChild(nativeWindow);
+  nativeWindow = nullptr;
+  owner->Forget(this);
+  owner = nullptr;
 }
 
 void MRegion::LeaveSiblings() {

@@ -124,8 +124,13 @@ class MRegion : public MLink {
   friend class MWindow;
   static void Append(MRegion*& first, MRegion* child);
   void JoinWindow(MWindow* window);
+  void LeaveWindow();
   void LeaveSiblings();
   [[nodiscard]] bool HoldsFocus() const;
+
+  // The list of all that belong to `owner`, wherever they are linked: one that dropped out of the tree is still its.
+  MRegion** ownedBy = nullptr;
+  MRegion* nextOwned = nullptr;
 };
 
 // The region that can be made: what panels place images and groups with.

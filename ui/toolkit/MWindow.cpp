@@ -9,21 +9,17 @@ namespace {
 // How far the ring stands off the control that it surrounds.
 constexpr int32_t kRingMargin = 5;
 
-// The window takes its native children with it when it ends.
-void LetGo(MRegion* first) {
-  for (MRegion* region = first; region != nullptr; region = region->Next()) {
-    region->owner = nullptr;
-    region->nativeWindow = nullptr;
-    LetGo(region->firstChild);
-  }
-}
-
 }  // namespace
 
 MWindow::MWindow(MorphUI* ui, std::unique_ptr<WindowPlatform> on) : morph(ui), platform(std::move(on)) {}
 
 MWindow::~MWindow() {
-  LetGo(firstRegion);
+  for (MRegion* region = firstOwned; region != nullptr;) {
+    region->owner = nullptr;
+    region->nativeWindow = nullptr;  // it goes with the window
+    region->ownedBy = nullptr;
+    region = std::exchange(region->nextOwned, nullptr);
+  }
 }
 
 void MWindow::Attach(MRegion* region) {
@@ -78,7 +74,19 @@ void MWindow::PlaceFocus(MRegion* region, bool showRing, MRegion* ring) {
   ring->Invalidate();
 }
 
+void MWindow::Own(MRegion* region) {
+  region->owner = this;
+  region->ownedBy = &firstOwned;
+  region->nextOwned = firstOwned;
+  if (firstOwned != nullptr) firstOwned->ownedBy = &region->nextOwned;
+  firstOwned = region;
+}
+
 void MWindow::Forget(MRegion* region) {
+  if (region->ownedBy != nullptr) *region->ownedBy = region->nextOwned;
+  if (region->nextOwned != nullptr) region->nextOwned->ownedBy = region->ownedBy;
+  region->ownedBy = nullptr;
+  region->nextOwned = nullptr;
   if (firstRegion == region) firstRegion = region->Next();
   if (focusRegion == region) focusRegion = nullptr;
   if (capturedRegion == region) ReleaseCapture();

@@ -59,6 +59,8 @@ class MWindow : public MLink {
   // What every SetFocusRegion does: moves the keyboard and puts `ring`, which may be null, around the region.
   void PlaceFocus(MRegion* region, bool showRing, MRegion* ring);
 
+  // Makes a region, which belongs to no other window, one of this window's until it is forgotten.
+  void Own(MRegion* region);
   // Drops every reference to a region that leaves the window.
   void Forget(MRegion* region);
 
@@ -72,8 +74,11 @@ class MWindow : public MLink {
   [[nodiscard]] MRegion* NextFocus(WindowHandle from, bool forward) const;
 
  protected:
-  // Lets go of the regions that are still attached; one that was detached or dropped out must be gone already.
+  // Lets go of every region that is still its own, those that dropped out of the tree included.
   ~MWindow();
+
+ private:
+  MRegion* firstOwned = nullptr;
 };
 
 // How far one tick moves a side that is `difference` away from its target: half of it, but all of it for 1.
