@@ -72,6 +72,8 @@ void MTextArea::ResizeBuffer(int32_t width, int32_t height) {
   pixels = surface.pixels;
   normalFont = surface.normalFont;
   boldFont = surface.boldFont;
+  // Without a bitmap every render asks for one again: memory may be there by then.
+  if (pixels == nullptr) bufferWidth = bufferHeight = 0;
 }
 
 ChunkList MTextArea::Parse() const {

@@ -173,10 +173,13 @@ TEST_F(TextOnScreen, FontsFollowTheThreadsLocale) {
   SetThreadLocale(before);
 }
 
-TEST_F(TextOnScreen, ASizeBeyondMemoryLeavesTheAreaEmpty) {
+TEST_F(TextOnScreen, ASizeBeyondMemoryLeavesTheAreaEmptyUntilItFits) {
   MTextArea& area = Make(false, false, L"Text", Rect::Of(0, 0, INT32_MAX, INT32_MAX));
   EXPECT_EQ(area.pixels, nullptr);
   EXPECT_EQ(area.Render(), 1);
+  area.bounds = Rect::Of(0, 0, 100, 30);
+  area.Layout();
+  EXPECT_GT(Ink(area).right, 0);
 }
 
 // Links that dropped out are kept while their area lives and end with it.
