@@ -1,7 +1,8 @@
 #include "ui/toolkit/MorphUI.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
-#include <string>
 
 #include "engine/DllHelpers.h"
 #include "engine/HostCallbacks.h"
@@ -56,10 +57,12 @@ void MorphUI::PostEvent(uint32_t id, uint32_t message, int64_t param) noexcept {
 }
 
 int32_t MorphUI::RunMessageLoop() noexcept {
-  char folder[MAX_PATH] = {};
-  const UINT length = GetSystemDirectoryA(folder, MAX_PATH);
+  constexpr char kLibrary[] = "\\atl.dll";
+  char path[MAX_PATH + sizeof(kLibrary)] = {};
+  const UINT length = GetSystemDirectoryA(path, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return 0;
-  const LibraryHandle atl(LoadLibraryA((std::string(folder, length) + "\\atl.dll").c_str()));
+  std::copy(std::begin(kLibrary), std::end(kLibrary), path + length);
+  const LibraryHandle atl(LoadLibraryA(path));
   using AtlAxWinInit = BOOL WINAPI();
   auto* const initialise = Entry<AtlAxWinInit>(atl, "AtlAxWinInit");
   if (initialise == nullptr || !initialise()) return static_cast<int32_t>(GetLastError());
