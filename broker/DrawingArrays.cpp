@@ -111,7 +111,7 @@ FillBitmap::FillBitmap(std::span<const uint8_t> header, std::span<const uint8_t>
   }
   const uint64_t wanted = std::max<uint64_t>(plain, fields.imageSize);
   if (pixels.size() < wanted) {
-    if (wanted > kMostFilledUp) return;
+    if (wanted - pixels.size() > kMostFilledUp) return;
     filledUp_ = Filled<uint8_t>(pixels, static_cast<size_t>(wanted));
     pixels = filledUp_;
   }

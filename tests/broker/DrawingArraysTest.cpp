@@ -116,6 +116,8 @@ TEST(FillBitmap, MissingPixelsAreBlack) {
   Bytes expected = pixels;
   expected.resize(24);
   EXPECT_EQ(Bytes(bitmap.Pixels(), bitmap.Pixels() + 24), expected);
+  // 24 bits in rows of 3000 bytes, 24 MB in all, of which the last row's padding did not come.
+  EXPECT_TRUE(FillBitmap(HeaderBytes(Header(999, 8000, 24)), Bytes(23999997)).IsDrawable()) << "little is missing";
 }
 
 TEST(FillBitmap, HeadersThatWouldBeReadBeyondTheirEnd) {
