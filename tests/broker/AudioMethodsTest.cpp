@@ -21,51 +21,31 @@ struct Devices {
 };
 Devices g_devices;
 
-class Device final : public shell_fakes::Counted<IMMDevice, IMMEndpoint> {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (iid == __uuidof(IMMEndpoint))
-      *out = static_cast<IMMEndpoint*>(this);
-    else
-      *out = static_cast<IMMDevice*>(this);
-    AddRef();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE Activate(REFIID, DWORD, PROPVARIANT*, void**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD, IPropertyStore**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetId(LPWSTR*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetState(DWORD*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetDataFlow(EDataFlow* flow) override {
-    *flow = g_devices.flow;
-    return S_OK;
+struct Device final : SlotFake<IMMDevice, IMMEndpoint> {
+  Device() {
+    On(&IMMEndpoint::GetDataFlow, [](void*, EDataFlow* flow) -> HRESULT { return *flow = g_devices.flow, S_OK; });
   }
 };
 
-class Enumerator final : public shell_fakes::Counted<IMMDeviceEnumerator> {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
-    *out = static_cast<IMMDeviceEnumerator*>(this);
-    AddRef();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow, DWORD, IMMDeviceCollection**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow, ERole, IMMDevice**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetDevice(LPCWSTR, IMMDevice** device) override {
-    if (FAILED(g_devices.device)) return g_devices.device;
-    *device = new Device;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE RegisterEndpointNotificationCallback(IMMNotificationClient* client) override {
-    if (FAILED(g_devices.registering)) return g_devices.registering;
-    g_devices.client = client;
-    if (g_devices.counts) client->AddRef();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE UnregisterEndpointNotificationCallback(IMMNotificationClient* client) override {
-    if (g_devices.client != client) return E_INVALIDARG;
-    g_devices.client = nullptr;
-    if (g_devices.counts) client->Release();
-    return S_OK;
+struct Enumerator final : SlotFake<IMMDeviceEnumerator> {
+  Enumerator() {
+    On(&IMMDeviceEnumerator::GetDevice, [](void*, LPCWSTR, IMMDevice** device) {
+      if (SUCCEEDED(g_devices.device)) *device = (new Device)->Get();
+      return g_devices.device;
+    });
+    On(&IMMDeviceEnumerator::RegisterEndpointNotificationCallback, [](void*, IMMNotificationClient* client) -> HRESULT {
+      if (FAILED(g_devices.registering)) return g_devices.registering;
+      g_devices.client = client;
+      if (g_devices.counts) client->AddRef();
+      return S_OK;
+    });
+    On(&IMMDeviceEnumerator::UnregisterEndpointNotificationCallback,
+       [](void*, IMMNotificationClient* client) -> HRESULT {
+         if (g_devices.client != client) return E_INVALIDARG;
+         g_devices.client = nullptr;
+         if (g_devices.counts) client->Release();
+         return S_OK;
+       });
   }
 };
 

@@ -116,7 +116,7 @@ TEST_F(DialogSteps, ArraysThatOnlyAClientInThisProcessCanSend) {
 
 TEST_F(DialogSteps, SaveOffersTheCallersOwnerAndProtectsForTheChosenOne) {
   const ImportHook list(GetModuleHandleW(nullptr), "PSGetPropertyDescriptionListFromString",
-                        &dialog_fakes::PropertyList::FromText);
+                        &dialog_fakes::PropertyListFromText);
   srp.mode = SrpControls::Normal;
   srp.serverIds[0] = L"server.example";
   srp.clientIds[0] = L"client.example";
@@ -150,7 +150,7 @@ TEST_F(DialogSteps, SaveOffersTheCallersOwnerAndProtectsForTheChosenOne) {
 
 TEST_F(DialogSteps, NoOwnerIsNoHindrance) {
   const ImportHook list(GetModuleHandleW(nullptr), "PSGetPropertyDescriptionListFromString",
-                        &dialog_fakes::PropertyList::FromText);
+                        &dialog_fakes::PropertyListFromText);
   srp.mode = SrpControls::Normal;
   srp.serverIds[0] = L"server.example";
   const struct {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/ComSupport.h"
+#include "tests/fakes/SlotFake.h"
 
 namespace shell_fakes {
 
@@ -29,88 +30,28 @@ struct Record {
 };
 inline Record g_record;
 
-template <class... Interfaces>
-class Counted : public Interfaces... {
- public:
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++count_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG count = --count_;
-    if (count == 0) delete this;
-    return count;
+struct Zone final : SlotFake<IZoneIdentifier, IPersistFile> {
+  Zone() {
+    On(&IZoneIdentifier::GetId, [](void*, DWORD* zone) -> HRESULT { return *zone = g_record.zone, S_OK; });
+    On(&IZoneIdentifier::SetId, [](void*, DWORD zone) { return g_record.Note("SetId", std::to_string(zone)); });
+    On(&IPersistFile::Load, [](void*, LPCOLESTR, DWORD) { return g_record.loads; });
+    On(&IPersistFile::Save, [](void*, LPCOLESTR path, BOOL remember) {
+      return g_record.Note("ZoneSave", ToUtf8(path) + (remember ? " remember" : ""));
+    });
   }
-
- protected:
-  virtual ~Counted() = default;
-
- private:
-  ULONG count_ = 1;
 };
 
-class Zone final : public Counted<IZoneIdentifier, IPersistFile> {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (iid == __uuidof(IPersistFile))
-      *out = static_cast<IPersistFile*>(this);
-    else
-      *out = static_cast<IZoneIdentifier*>(this);
-    AddRef();
-    return S_OK;
+struct Attachment final : SlotFake<IAttachmentExecute> {
+  Attachment() {
+    On(&IAttachmentExecute::SetLocalPath,
+       [](void*, LPCWSTR path) { return g_record.Note("SetLocalPath", ToUtf8(path)); });
+    On(&IAttachmentExecute::SetSource, [](void*, LPCWSTR url) { return g_record.Note("SetSource", ToUtf8(url)); });
+    On(&IAttachmentExecute::SetReferrer, [](void*, LPCWSTR url) { return g_record.Note("SetReferrer", ToUtf8(url)); });
+    On(&IAttachmentExecute::Save, [](void*) {
+      if (g_record.meanwhile) g_record.meanwhile();
+      return g_record.Note("Save", "");
+    });
   }
-  HRESULT STDMETHODCALLTYPE GetId(DWORD* zone) override {
-    *zone = g_record.zone;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE SetId(DWORD zone) override { return g_record.Note("SetId", std::to_string(zone)); }
-  HRESULT STDMETHODCALLTYPE Remove() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetClassID(CLSID*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE IsDirty() override { return S_FALSE; }
-  HRESULT STDMETHODCALLTYPE Load(LPCOLESTR, DWORD) override { return g_record.loads; }
-  HRESULT STDMETHODCALLTYPE Save(LPCOLESTR path, BOOL remember) override {
-    return g_record.Note("ZoneSave", ToUtf8(path) + (remember ? " remember" : ""));
-  }
-  HRESULT STDMETHODCALLTYPE SaveCompleted(LPCOLESTR) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetCurFile(LPOLESTR*) override { return E_NOTIMPL; }
-};
-
-class Attachment final : public Counted<IAttachmentExecute> {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
-    *out = static_cast<IAttachmentExecute*>(this);
-    AddRef();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE SetClientTitle(LPCWSTR) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SetClientGuid(REFGUID) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SetLocalPath(LPCWSTR path) override { return g_record.Note("SetLocalPath", ToUtf8(path)); }
-  HRESULT STDMETHODCALLTYPE SetFileName(LPCWSTR) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SetSource(LPCWSTR url) override { return g_record.Note("SetSource", ToUtf8(url)); }
-  HRESULT STDMETHODCALLTYPE SetReferrer(LPCWSTR url) override { return g_record.Note("SetReferrer", ToUtf8(url)); }
-  HRESULT STDMETHODCALLTYPE CheckPolicy() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE Prompt(HWND, ATTACHMENT_PROMPT, ATTACHMENT_ACTION*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE Save() override {
-    if (g_record.meanwhile) g_record.meanwhile();
-    return g_record.Note("Save", "");
-  }
-  HRESULT STDMETHODCALLTYPE Execute(HWND, LPCWSTR, HANDLE*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SaveWithUI(HWND) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE ClearClientState() override { return E_NOTIMPL; }
-};
-
-template <class Product>
-class Factory final : public Counted<IClassFactory> {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
-    *out = static_cast<IClassFactory*>(this);
-    AddRef();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** out) override {
-    auto* const product = new Product;
-    const HRESULT found = product->QueryInterface(iid, out);
-    product->Release();
-    return found;
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 };
 
 // Puts a class in the platform's place for a scope.
@@ -118,8 +59,8 @@ template <class Product>
 class Registered {
  public:
   explicit Registered(REFCLSID clsid) {
-    auto* const factory = new Factory<Product>;
-    CoRegisterClassObject(clsid, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &number_);
+    auto* const factory = new Factory;
+    CoRegisterClassObject(clsid, factory->Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &number_);
     factory->Release();
   }
   ~Registered() { CoRevokeClassObject(number_); }
@@ -127,6 +68,16 @@ class Registered {
   Registered& operator=(const Registered&) = delete;
 
  private:
+  struct Factory final : SlotFake<IClassFactory> {
+    Factory() {
+      this->On(&IClassFactory::CreateInstance, [](void*, IUnknown*, REFIID iid, void** out) {
+        auto* const product = new Product;
+        const HRESULT found = product->QueryInterface(iid, out);
+        product->Release();
+        return found;
+      });
+    }
+  };
   DWORD number_ = 0;
 };
 
