@@ -1,142 +1,81 @@
-// The file methods in this process, where arguments arrive that a marshaller would not let through, and where what is
-// left open can be counted. What they do for a client is tested through the real server.
+// The file methods through the real server, on real files, beyond what the account of files plays: codes, quirks, and
+// what is refused beside what is allowed.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <functional>
-#include <memory>
 #include <string>
 
-#include "broker/CoLumenBrokerServer.h"
+#include "tests/support/BrokerProcess.h"
 #include "tests/support/ByteArray.h"
-#include "tests/support/CountFixture.h"
-#include "tests/support/FailingAllocation.h"
-#include "tests/support/ImportHook.h"
 #include "tests/support/TestFiles.h"
-#include "tests/support/UnavailableClass.h"
 
 namespace {
 
 using namespace testing_files;  // NOLINT(google-build-using-namespace): a test's own vocabulary
 
 constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
-constexpr HRESULT kPathNotFound = static_cast<HRESULT>(0x80070003);
-constexpr HRESULT kBadHandle = static_cast<HRESULT>(0x80070006);
+constexpr HRESULT kNoMoreFiles = static_cast<HRESULT>(0x80070012);
+constexpr HRESULT kThere = static_cast<HRESULT>(0x800700B7);
 constexpr HRESULT kSharing = static_cast<HRESULT>(0x80070020);
-constexpr ULONG kUnknown = 4711;
 
-class Files : public CountFixture {
+class FileMethods : public BrokerSuiteTest {
  protected:
-  // One apartment for the whole suite: the shell's file operations and COM's own end do not go together under Wine.
-  struct Shared {
-    ComInitializer apartment;
-    UnavailableClass zoneIdentifier{{0x0968E258, 0x16C7, 0x4DBA, {0xAA, 0x86, 0x46, 0x2D, 0xD6, 0x1E, 0x31, 0xA3}}};
-  };
-
-  static void SetUpTestSuite() {
-    shared = std::make_unique<Shared>();
-    // Loads what the process then keeps.
-    const CleanDirectory directory(PlayerDirectory());
-    const ComPtr<ILumenBroker6> broker = NewBroker();
-    ULONG cookie = 0;
-    ASSERT_EQ(broker->BrokerCreateFile(Name(directory.Path() + L"\\a.sol").Get(), 0, 1, &cookie), S_OK);
-    ASSERT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
-    ASSERT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK);
-  }
-  static void TearDownTestSuite() { shared.reset(); }
-
-  static BString Name(const WideString& text) { return BString(WideView(text)); }
-  static ComPtr<ILumenBroker6> NewBroker() { return Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr)); }
+  static BString Name(const WideString& path) { return BString(WideView(path)); }
   [[nodiscard]] WideString In(const wchar_t* name) const { return directory.Path() + L"\\" + name; }
-  [[nodiscard]] ULONG Open(const wchar_t* name, bool read = false, bool truncate = false) {
+  HRESULT Create(const WideString& path, bool read, ULONG& cookie, bool truncate = false) {
+    return broker->BrokerCreateFile(Name(path).Get(), read ? 1 : 0, truncate ? 1 : 0, &cookie);
+  }
+  [[nodiscard]] ULONG Open(const wchar_t* name, const std::string& content) {
+    WriteWhole(In(name), content);
     ULONG cookie = 0;
-    EXPECT_EQ(broker->BrokerCreateFile(Name(In(name)).Get(), read ? 1 : 0, truncate ? 1 : 0, &cookie), S_OK);
+    EXPECT_EQ(Create(In(name), false, cookie), S_OK);
     return cookie;
   }
   HRESULT Write(ULONG cookie, const std::string& bytes) {
-    ULONG written = 0;
-    const ByteArray data(bytes);
-    const HRESULT result = broker->BrokerWriteFile(cookie, data.Get(), &written);
-    EXPECT_EQ(data.Get()->cLocks, 0u) << "the array is unlocked however the write went";
-    return result;
+    ULONG count = 0;
+    return broker->BrokerWriteFile(cookie, ByteArray(bytes).Get(), &count);
   }
-  HRESULT Seek(ULONG cookie, LONG distance) {
+  HRESULT Seek(ULONG cookie, LONG distance, ULONG from = FILE_BEGIN) {
     ULONG position = 0;
-    return broker->BrokerSetFilePointer(cookie, distance, FILE_BEGIN, &position);
+    return broker->BrokerSetFilePointer(cookie, distance, from, &position);
+  }
+  std::string Read(ULONG cookie, ULONG size) {
+    ULONG read = 0;
+    ByteArray data(nullptr);
+    const HRESULT result = broker->BrokerReadFile(cookie, size, &read, data.Receive());
+    return FAILED(result) ? "(failed)" : data.Text().substr(0, read);
   }
   void Close(ULONG cookie) { EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK); }
 
-  inline static std::unique_ptr<Shared> shared;
   CleanDirectory directory{PlayerDirectory()};
-  ComPtr<ILumenBroker6> broker = NewBroker();
 };
 
-TEST_F(Files, NullOutArgumentsAreRefusedBeforeAnythingIsDone) {
-  WriteWhole(In(L"a.sol"), "12345");
-  EXPECT_EQ(broker->BrokerCreateFile(Name(In(L"new.sol")).Get(), 0, 1, nullptr), E_INVALIDARG);
-  EXPECT_FALSE(Exists(In(L"new.sol")));
-
-  const ULONG cookie = Open(L"a.sol", true);
-  ULONG values[9] = {}, attributes = 0, search = 0;
-  ByteArray data(nullptr);
-  BString name;
-  const BString pattern = Name(In(L"*"));
-  ASSERT_EQ(broker->BrokerFindFirstFile(pattern.Get(), name.Receive(), &attributes, &search), S_OK);
-  for (const HRESULT refused :
-       {broker->BrokerReadFile(cookie, 1, nullptr, data.Receive()), broker->BrokerReadFile(cookie, 1, values, nullptr),
-        broker->BrokerSetFilePointer(cookie, 3, FILE_BEGIN, nullptr),
-        broker->BrokerWriteFile(cookie, ByteArray("x").Get(), nullptr),
-        broker->BrokerFindFirstFile(nullptr, name.Receive(), &attributes, values),
-        broker->BrokerFindFirstFile(pattern.Get(), nullptr, &attributes, values),
-        broker->BrokerFindFirstFile(pattern.Get(), name.Receive(), nullptr, values),
-        broker->BrokerFindFirstFile(pattern.Get(), name.Receive(), &attributes, nullptr),
-        broker->BrokerFindNextFile(search, nullptr, &attributes),
-        broker->BrokerFindNextFile(search, name.Receive(), nullptr),
-        // So is a cookie that nobody gave out.
-        broker->BrokerCloseHandle(kUnknown), broker->BrokerCloseHandle(0), broker->BrokerFindClose(kUnknown),
-        broker->BrokerSetFilePointer(kUnknown, 0, FILE_BEGIN, values), Write(kUnknown, "x"),
-        broker->BrokerReadFile(kUnknown, 1, values, data.Receive()),
-        broker->BrokerFindNextFile(kUnknown, name.Receive(), &attributes)}) {
-    EXPECT_EQ(refused, E_INVALIDARG);
-  }
-  EXPECT_EQ(broker->BrokerFindNextFile(search, name.Receive(), &attributes), S_OK);
-  EXPECT_EQ(broker->BrokerFindClose(search), S_OK);
-  EXPECT_EQ(broker->BrokerReadFile(cookie, 9, values, data.Receive()), S_OK);
-  EXPECT_EQ(data.Text().substr(0, values[0]), "12345") << "none of them moved the position";
-  EXPECT_EQ(data.Text().size(), 9u) << "the array keeps the length asked for";
+TEST_F(FileMethods, WriteSeekReadAndClose) {
+  WriteWhole(In(L"a.sol"), "old content, longer than what follows");
+  ULONG cookie = 0;
+  ASSERT_EQ(Create(In(L"a.sol"), false, cookie, true), S_OK);
+  EXPECT_EQ(cookie, 1u) << "each object counts from one";
+  EXPECT_EQ(Write(cookie, "hello world"), S_OK);
+  EXPECT_EQ(Read(cookie, 5), "(failed)") << "a file opened for writing cannot be read through its cookie";
+  EXPECT_EQ(Seek(cookie, 6), S_OK);
+  EXPECT_EQ(Write(cookie, "there"), S_OK);
   Close(cookie);
-  for (size_t missing = 0; missing <= 9; ++missing) {
-    std::array<ULONG*, 9> out{};
-    for (size_t i = 0; i < 9; ++i) out[i] = i == missing ? nullptr : &values[i];
-    EXPECT_EQ(broker->BrokerGetFileAttributesEx(Name(In(L"a.sol")).Get(), out[0], out[1], out[2], out[3], out[4],
-                                                out[5], out[6], out[7], out[8]),
-              missing < 9 ? E_INVALIDARG : S_OK);
-  }
-}
+  EXPECT_EQ(broker->BrokerCloseHandle(cookie), E_INVALIDARG);
 
-TEST_F(Files, NoNameIsRefusedAsThePlatformOrThePolicyDoes) {
-  ULONG value = 99;
-  for (const BSTR none : {static_cast<BSTR>(nullptr), Name(L"").Release()}) {
-    EXPECT_EQ(broker->BrokerCreateFile(none, 0, 1, &value), E_ACCESSDENIED);
-    EXPECT_EQ(value, 0u);
-    EXPECT_EQ(broker->BrokerCreateFile(none, 1, 0, &value), kPathNotFound);
-    EXPECT_EQ(
-        broker->BrokerGetFileAttributesEx(none, &value, &value, &value, &value, &value, &value, &value, &value, &value),
-        kPathNotFound);
-    EXPECT_EQ(broker->BrokerDeleteFile(none), E_FAIL);
-    EXPECT_EQ(broker->BrokerRemoveDirectory(none), E_FAIL);
-    EXPECT_EQ(broker->BrokerCreateDirectory(none), E_FAIL);
-    EXPECT_EQ(broker->BrokerMoveFileEx(none, none, 0), E_FAIL);
-    EXPECT_EQ(broker->BrokerIsWritablePath(none, 0), E_FAIL);
-    EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(none), E_FAIL);
-    SysFreeString(none);
-  }
+  ASSERT_EQ(Create(In(L"a.sol"), true, cookie), S_OK);
+  EXPECT_EQ(Read(cookie, 100), "hello there");
+  EXPECT_EQ(Read(cookie, 10), "") << "at the end nothing is read, and that is no failure";
+  EXPECT_EQ(Seek(cookie, -5, FILE_END), S_OK);
+  EXPECT_EQ(Read(cookie, 3), "the");
+  EXPECT_EQ(Seek(cookie, -100), static_cast<HRESULT>(0x80070083));
+  EXPECT_EQ(Seek(cookie, 0, 9), E_INVALIDARG);
+  EXPECT_EQ(Write(cookie, "x"), E_ACCESSDENIED) << "the platform's own refusal";
+  EXPECT_NE(broker->BrokerFindClose(cookie), E_INVALIDARG) << "a file's cookie reaches FindClose";
+  EXPECT_EQ(broker->BrokerCloseHandle(cookie), E_INVALIDARG) << "and is gone afterwards";
 }
 
 // The read-back rewinds the cookie's handle and leaves it there; clients that seek first and write once see it.
-TEST_F(Files, TheFirstWriteBehindASeekLandsAtTheStartOfTheFile) {
-  WriteWhole(In(L"a.sol"), "0123456789");
-  const ULONG cookie = Open(L"a.sol");
+TEST_F(FileMethods, TheFirstWriteBehindASeekLandsAtTheStartOfTheFile) {
+  const ULONG cookie = Open(L"a.sol", "0123456789");
   EXPECT_EQ(Seek(cookie, 5), S_OK);
   EXPECT_EQ(Write(cookie, "AB"), S_OK);
   EXPECT_EQ(Write(cookie, "C"), S_OK);
@@ -146,190 +85,160 @@ TEST_F(Files, TheFirstWriteBehindASeekLandsAtTheStartOfTheFile) {
   EXPECT_EQ(ReadWhole(In(L"a.sol")), "ABC34567Z9");
 }
 
-TEST_F(Files, AReadBackThatFailsIsTheResultAndTheSliceIsWrittenAllTheSame) {
+TEST_F(FileMethods, AReadBackThatFailsIsTheResultAndTheSliceIsWrittenAllTheSame) {
   const std::string image = ProgramImage();
   WriteWhole(In(L"a.dll"), image);
   const FileHandle noReaders(
       CreateFileW(In(L"a.dll").c_str(), GENERIC_READ, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
-  ASSERT_TRUE(noReaders);
-  const ULONG cookie = Open(L"a.dll");
+  ULONG cookie = 0;
+  ASSERT_EQ(Create(In(L"a.dll"), false, cookie), S_OK);
   EXPECT_EQ(Seek(cookie, 10), S_OK);
   EXPECT_EQ(Write(cookie, image.substr(10)), kSharing);
   EXPECT_EQ(Write(cookie, "end"), S_OK);
   Close(cookie);
   EXPECT_TRUE(Exists(In(L"a.dll"))) << "what could not be read is no image";
-  EXPECT_EQ(GetFileSize(noReaders.Get(), nullptr), image.size());
 }
 
-TEST_F(Files, AHugeSeekNeitherFailsNorReadsThatMuch) {
-  for (const bool image : {true, false}) {
-    WriteWhole(In(L"a.dll"), image ? ProgramImage() : "plain");
-    const ULONG cookie = Open(L"a.dll");
-    EXPECT_EQ(Seek(cookie, 0x7FFFFFFF), S_OK);
-    EXPECT_EQ(Write(cookie, "data"), image ? E_FAIL : S_OK) << "the file ahead of the slice counts";
-    EXPECT_NE(Exists(In(L"a.dll")), image);
+TEST_F(FileMethods, TheCookieOfARefusedProgramStaysWithoutAFile) {
+  // A seek far behind the end neither fails nor reads that much: the file ahead of the slice counts.
+  for (const LONG seek : {0, 0x7FFFFFFF}) {
+    const ULONG cookie = Open(L"a.dll", seek == 0 ? "" : ProgramImage());
+    EXPECT_EQ(Seek(cookie, seek), S_OK);
+    EXPECT_EQ(Write(cookie, seek == 0 ? ProgramImage() : "data"), E_FAIL);
+    EXPECT_FALSE(Exists(In(L"a.dll")));
+    EXPECT_EQ(Read(cookie, 1), "(failed)");
+    EXPECT_EQ(Seek(cookie, 0), static_cast<HRESULT>(0x80070006));
     Close(cookie);
   }
-}
-
-TEST_F(Files, TheCookieOfARefusedProgramStaysWithoutAFile) {
-  const ULONG cookie = Open(L"a.dll", false, true);
-  EXPECT_EQ(Write(cookie, ProgramImage()), E_FAIL);
-  ULONG value = 0;
-  ByteArray data(nullptr);
-  EXPECT_EQ(broker->BrokerReadFile(cookie, 1, &value, data.Receive()), E_INVALIDARG);
-  EXPECT_EQ(Seek(cookie, 0), kBadHandle);
-  Close(cookie);
-  EXPECT_EQ(broker->BrokerCloseHandle(cookie), E_INVALIDARG);
-
   // An empty first write was the one that is looked at.
-  const ULONG other = Open(L"b.dll", false, true);
+  const ULONG other = Open(L"b.dll", "");
   EXPECT_EQ(Write(other, ""), S_OK);
   EXPECT_EQ(Write(other, ProgramImage()), S_OK);
   Close(other);
   EXPECT_EQ(ReadWhole(In(L"b.dll")), ProgramImage());
 }
 
-TEST_F(Files, MovingTakesTheFlagsOfTheMaskAndNoOther) {
-  // The delay until reboot is in the mask as well; it would be left in the registry.
-  const struct {
-    LONG flags;
-    HRESULT expected;
-  } rows[] = {{0, kNotFound}, {1, kNotFound}, {0x20, kNotFound}, {0x2B, kNotFound},
-              {0x10, E_FAIL}, {0x40, E_FAIL}, {0x11, E_FAIL},    {INT32_MIN, E_FAIL}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(broker->BrokerMoveFileEx(Name(In(L"none.sol")).Get(), Name(In(L"b.sol")).Get(), row.flags), row.expected)
-        << row.flags;
-  }
-}
-
-HRESULT WINAPI RefuseToLock(SAFEARRAY*, void**) {
-  return E_UNEXPECTED;
-}
-SAFEARRAY* WINAPI RefuseToCreate(VARTYPE, LONG, ULONG) {
-  return nullptr;
-}
-
-TEST_F(Files, ArraysThatCannotBeMadeOrLocked) {
-  WriteWhole(In(L"a.sol"), "12345");
-  const ULONG cookie = Open(L"a.sol", true);
-  const ByteArray slice("x");
-  ULONG count = 77;
-  ByteArray data(nullptr);
-  {
-    const ImportHook hook(GetModuleHandleW(nullptr), "SafeArrayCreateVector", &RefuseToCreate);
-    EXPECT_EQ(broker->BrokerReadFile(cookie, 5, &count, data.Receive()), E_FAIL);
-  }
-  {
-    const ImportHook hook(GetModuleHandleW(nullptr), "SafeArrayAccessData", &RefuseToLock);
-    EXPECT_EQ(broker->BrokerReadFile(cookie, 5, &count, data.Receive()), S_OK) << "success without data";
-    EXPECT_EQ(count, 77u);
-    EXPECT_EQ(broker->BrokerWriteFile(cookie, slice.Get(), &count), E_UNEXPECTED);
-    EXPECT_EQ(count, 0u);
-  }
-  EXPECT_EQ(data.Text(), std::string(5, '\0'));
-  EXPECT_EQ(broker->BrokerReadFile(cookie, 5, &count, data.Receive()), S_OK);
-  EXPECT_EQ(data.Text(), "12345") << "the position is where it was";
-  Close(cookie);
-
-  const ULONG writer = Open(L"a.sol");
-  EXPECT_NE(broker->BrokerReadFile(writer, 5, &count, data.Receive()), S_OK);
-  EXPECT_EQ(data.Get(), nullptr) << "a read that fails gives no array";
-  const ByteArray otherBytes(SafeArrayCreateVector(VT_I1, 0, 4));
-  EXPECT_EQ(broker->BrokerWriteFile(writer, otherBytes.Get(), &count), S_OK) << "bytes of another type are bytes";
-  Close(writer);
-}
-
-TEST_F(Files, ManyRoundsOfEverythingLeaveNothing) {
-  const auto round = [this](int) {
-    ULONG cookie = Open(L"a.sol", false, true);
-    EXPECT_EQ(Write(cookie, "data"), S_OK);
-    Close(cookie);
-    cookie = Open(L"a.dll", false, true);
-    EXPECT_EQ(Write(cookie, ProgramImage()), E_FAIL);
-    Close(cookie);
-    cookie = Open(L"a.sol", true);
-    EXPECT_EQ(Write(cookie, "data"), E_ACCESSDENIED);
-    Close(cookie);
-    EXPECT_EQ(broker->BrokerCreateFile(Name(In(L"a.exe")).Get(), 0, 1, &cookie), E_ACCESSDENIED);
-    EXPECT_EQ(broker->BrokerMoveFileEx(Name(In(L"a.sol")).Get(), Name(In(L"b.sol")).Get(), 1), S_OK);
-    BString name;
-    ULONG attributes = 0;
-    EXPECT_EQ(broker->BrokerFindFirstFile(Name(In(L"*")).Get(), name.Receive(), &attributes, &cookie), S_OK);
-    EXPECT_EQ(broker->BrokerFindClose(cookie), S_OK);
-    EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"b.sol")).Get()), S_OK);
-    EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"b.sol")).Get()), kNotFound);
-  };
-  EXPECT_TRUE(LeavesNothing(40, round));
-
-  // The measure itself: one event kept in every fifth round is seen.
-  std::vector<KernelHandle> events;
-  EXPECT_FALSE(LeavesNothing(40, [&events](int i) {
-    if (i % 5 == 0) events.emplace_back(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-  }));
-}
-
-// Memory runs out: each allocation of a call fails in turn. Whatever fails, the call has a documented result, nothing
-// is left behind, and the same call works right after. Listing is not among these: a search that gets no cookie stays
-// open, as is documented.
-class FileFaults : public Files {
- protected:
-  // Fails allocation 1, 2, 3, ... of `call`, on an object whose roots are not yet known, until a call has none left to
-  // fail. `reset` takes back what a call that went through did.
-  void FailEach(const char* what, const std::function<HRESULT(ILumenBroker6*)>& call,
-                const std::function<void(ILumenBroker6*)>& reset) {
-    int faults = 0;
-    for (bool failed = true; failed && faults < kMostAllocations; faults += failed ? 1 : 0) {
-      const ComPtr<ILumenBroker6> fresh = NewBroker();
-      const PlatformCounts untouched;
-      FailingAllocation fault(faults);
-      const HRESULT result = call(fresh.Get());
-      failed = fault.Disarm();
-      EXPECT_TRUE(result == S_OK || (failed && (result == E_OUTOFMEMORY || result == E_FAIL)))
-          << what << " at allocation " << faults << ": " << result;
-      if (FAILED(result)) {
-        EXPECT_EQ(PlatformCounts().Sum(), untouched.Sum()) << what << " at allocation " << faults;
-        EXPECT_EQ(call(fresh.Get()), S_OK) << what << " after allocation " << faults << " failed";
-      }
-      reset(fresh.Get());
-    }
-    EXPECT_GT(faults, 0) << what;
-    EXPECT_LT(faults, kMostAllocations) << what;
-  }
-
-  static constexpr int kMostAllocations = 500;
-};
-
-TEST_F(FileFaults, EachAllocationOfEachCall) {
-  const BString file = Name(In(L"a.sol")), moved = Name(In(L"b.sol")), made = Name(In(L"d"));
-  const BString root = Name(directory.Path());
-  ULONG cookie = 0, v[9] = {};
-  using Broker = ILumenBroker6*;
-  const auto close = [&](Broker b) { EXPECT_EQ(b->BrokerCloseHandle(cookie), S_OK); };
-  const auto nothing = [](Broker) {};
-  const struct {
-    const char* what;
-    std::function<HRESULT(Broker)> call;
-    std::function<void(Broker)> reset;
-  } rows[] = {
-      {"writing", [&](Broker b) { return b->BrokerCreateFile(file.Get(), 0, 1, &cookie); }, close},
-      {"reading", [&](Broker b) { return b->BrokerCreateFile(file.Get(), 1, 0, &cookie); }, close},
-      {"deleting", [&](Broker b) { return b->BrokerDeleteFile(file.Get()); },
-       [this](Broker) { WriteWhole(In(L"a.sol"), "x"); }},
-      {"making", [&](Broker b) { return b->BrokerCreateDirectory(made.Get()); },
-       [&](Broker b) { EXPECT_EQ(b->BrokerRemoveDirectory(made.Get()), S_OK); }},
-      {"moving", [&](Broker b) { return b->BrokerMoveFileEx(file.Get(), moved.Get(), 0); },
-       [&](Broker b) { EXPECT_EQ(b->BrokerMoveFileEx(moved.Get(), file.Get(), 0), S_OK); }},
-      {"asking", [&](Broker b) { return b->BrokerIsWritablePath(file.Get(), 1); }, nothing},
-      {"history", [&](Broker b) { return b->BrokerDeleteBrowsingHistory(root.Get()); }, nothing},
-      {"attributes",
-       [&](Broker b) {
-         return b->BrokerGetFileAttributesEx(file.Get(), &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7], &v[8]);
-       },
-       nothing},
-  };
+TEST_F(FileMethods, AFileInUseIsReadWithTheWiderSharing) {
   WriteWhole(In(L"a.sol"), "x");
-  for (const auto& row : rows) FailEach(row.what, row.call, row.reset);
+  FileHandle writer(
+      CreateFileW(In(L"a.sol").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  ASSERT_TRUE(writer);
+  ULONG cookie = 0;
+  EXPECT_EQ(Create(In(L"a.sol"), true, cookie), S_OK);
+  Close(cookie);
+  EXPECT_EQ(Create(In(L"a.sol"), false, cookie), kSharing);
+  writer.Reset(CreateFileW(In(L"b.sol").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  EXPECT_EQ(Create(In(L"b.sol"), true, cookie), kSharing);
+}
+
+// Reading is open to any path, so a program "written" through such a cookie must not take the file away.
+TEST_F(FileMethods, AReadCookieCannotBeUsedToDeleteAFileElsewhere) {
+  const CleanDirectory outside(L"C:\\lumen-test-outside");
+  const WideString victim = outside.Path() + L"\\precious.txt";
+  WriteWhole(victim, "precious");
+  ULONG cookie = 0;
+  ASSERT_EQ(Create(victim, true, cookie), S_OK);
+  EXPECT_EQ(Write(cookie, ProgramImage()), E_FAIL);
+  EXPECT_EQ(ReadWhole(victim), "precious");
+  Close(cookie);
+}
+
+TEST_F(FileMethods, MalformedArraysAreRefused) {
+  const ULONG cookie = Open(L"a.sol", "");
+  ULONG written = 0;
+  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}};
+  SAFEARRAYBOUND fromOne = {4, 1}, fromBelow = {4, -1};
+  const ByteArray malformed[] = {
+      ByteArray(SafeArrayCreate(VT_UI1, 2, two)), ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)),
+      ByteArray(SafeArrayCreate(VT_UI1, 1, &fromBelow)), ByteArray(SafeArrayCreateVector(VT_I2, 0, 4))};
+  for (const ByteArray& array : malformed) {
+    written = 77;
+    EXPECT_EQ(broker->BrokerWriteFile(cookie, array.Get(), &written), E_FAIL);
+    EXPECT_EQ(written, 0u);
+  }
+  EXPECT_EQ(broker->BrokerWriteFile(cookie, nullptr, &written), E_INVALIDARG);
+  EXPECT_EQ(Write(cookie, "fine"), S_OK);
+  Close(cookie);
+  EXPECT_EQ(ReadWhole(In(L"a.sol")), "fine");
+}
+
+TEST_F(FileMethods, DeletingMovingAndDirectories) {
+  WriteWhole(In(L"a.sol"), "a");
+  WriteWhole(In(L"b.sol"), "b");
+  const auto move = [&](const WideString& from, const wchar_t* to, LONG flags) {
+    return broker->BrokerMoveFileEx(Name(from).Get(), Name(In(to)).Get(), flags);
+  };
+  EXPECT_EQ(move(In(L"a.sol"), L"b.sol", 0), kThere);
+  EXPECT_EQ(move(L"C:\\windows\\win.ini", L"c.sol", 0), E_FAIL);
+  // The delay until reboot is in the mask as well; it would be left in the registry.
+  const std::pair<LONG, HRESULT> flags[] = {{0x2B, kNotFound}, {0x10, E_FAIL}, {0x41, E_FAIL}, {INT32_MIN, E_FAIL}};
+  for (const auto& [flag, expected] : flags) EXPECT_EQ(move(In(L"none.sol"), L"c.sol", flag), expected) << flag;
+  EXPECT_EQ(move(In(L"a.sol"), L"b.sol", 1), S_OK);
+  EXPECT_EQ(ReadWhole(In(L"b.sol")), "a");
+
+  EXPECT_EQ(broker->BrokerCreateDirectory(Name(In(L"d.sol")).Get()), S_OK);
+  EXPECT_EQ(broker->BrokerCreateDirectory(Name(In(L"d.sol")).Get()), kThere);
+  EXPECT_EQ(broker->BrokerCreateDirectory(Name(L"C:\\d").Get()), E_FAIL);
+  EXPECT_EQ(move(In(L"d.sol"), L"e.sol", 0), E_FAIL) << "a directory";
+  EXPECT_EQ(broker->BrokerRemoveDirectory(Name(In(L"d.sol")).Get()), S_OK);
+  EXPECT_EQ(broker->BrokerRemoveDirectory(Name(In(L"d.sol")).Get()), kNotFound);
+  EXPECT_EQ(broker->BrokerRemoveDirectory(Name(L"C:\\windows").Get()), E_FAIL);
+
+  WriteWhole(In(L"a.exe"), "x");
+  EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"a.exe")).Get()), S_OK) << "no ending counts for deleting";
+}
+
+TEST_F(FileMethods, AttributesAndWritability) {
+  WriteWhole(In(L"a.sol"), "12345");
+  ULONG values[9] = {};
+  const auto ask = [&](const WideString& path) {
+    return broker->BrokerGetFileAttributesEx(Name(path).Get(), &values[0], &values[1], &values[2], &values[3],
+                                             &values[4], &values[5], &values[6], &values[7], &values[8]);
+  };
+  EXPECT_EQ(ask(In(L"a.sol")), S_OK);
+  EXPECT_EQ(values[7], 5u);
+  EXPECT_EQ(ask(L"C:\\windows"), S_OK);
+  EXPECT_NE(values[0] & FILE_ATTRIBUTE_DIRECTORY, 0u);
+  EXPECT_EQ(ask(In(L"none")), kNotFound);
+
+  const auto writable = [&](const WideString& path, LONG extension) {
+    return broker->BrokerIsWritablePath(Name(path).Get(), extension);
+  };
+  EXPECT_EQ(writable(In(L"a.exe"), 1), E_FAIL);
+  EXPECT_EQ(writable(In(L"a.exe"), 2), S_OK) << "only 1 asks for the ending";
+  EXPECT_EQ(writable(In(L"a.exe"), 0), S_OK);
+  EXPECT_EQ(writable(L"C:\\a.sol", 0), E_FAIL);
+}
+
+TEST_F(FileMethods, ListingGivesEachNameOnceAndThenTheEnd) {
+  WriteWhole(In(L"one.sol"), "");
+  WriteWhole(In(L"two.sol"), "");
+  ULONG cookie = 0, attributes = 0;
+  BString name;
+  const auto first = [&](const WideString& path) {
+    return broker->BrokerFindFirstFile(Name(path).Get(), name.Receive(), &attributes, &cookie);
+  };
+  ASSERT_EQ(first(In(L"*.sol")), S_OK);
+  std::string names = ToUtf8(name.View());
+  HRESULT result = S_OK;
+  while (SUCCEEDED(result = broker->BrokerFindNextFile(cookie, name.Receive(), &attributes)))
+    names += " " + ToUtf8(name.View());
+  EXPECT_EQ(result, kNoMoreFiles);
+  EXPECT_EQ(names, "one.sol two.sol");
+  EXPECT_EQ(broker->BrokerFindClose(cookie), S_OK);
+  EXPECT_EQ(broker->BrokerFindClose(cookie), E_INVALIDARG);
+  EXPECT_EQ(first(L"C:\\*"), E_ACCESSDENIED);
+  EXPECT_EQ(first(In(L"*.none")), kNotFound);
+}
+
+TEST_F(FileMethods, HistoryIsDeletedAndItsDirectoryThereAgain) {
+  MakeDirectories(In(L"#SharedObjects\\site"));
+  WriteWhole(In(L"#SharedObjects\\site\\a.sol"), "x");
+  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK);
+  EXPECT_TRUE(Exists(In(L"#SharedObjects")));
+  EXPECT_FALSE(Exists(In(L"#SharedObjects\\site")));
+  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK) << "also when empty";
+  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(BString(L"C:\\windows").Get()), E_FAIL);
 }
 
 }  // namespace
