@@ -21,40 +21,38 @@ TEST_F(ConnectionMethods, TwoPlayersPassAMessage) {
   ComPtr<ILumenBroker6> other;
   ASSERT_EQ(broker_process::Activate(other), S_OK);
   BString target;
+  ByteArray data(nullptr);
   EXPECT_EQ(Dispatch(message), E_INVALIDARG) << "nobody listens";
   EXPECT_EQ(other->BrokerLcdTryAddConnection(name.Get(), 0, 0, '3'), S_OK);
   EXPECT_EQ(broker->BrokerLcdTryAddConnection(name.Get(), 2, 2, '3'), S_FALSE) << "the name is taken";
-  LONG format = 0;
-  EXPECT_EQ(broker->BrokerLcdFindConnectionFormat(name.Get(), 0, &format), S_OK);
-  EXPECT_EQ(format, 3);
-  EXPECT_EQ(broker->BrokerLcdFindConnectionFormat(name.Get(), 1, &format), S_FALSE);
-  EXPECT_EQ(format, 0);
-
+  for (const auto& [realm, found] : {std::pair{0u, 3}, {1u, 0}}) {
+    LONG format = 7;
+    EXPECT_EQ(broker->BrokerLcdFindConnectionFormat(name.Get(), realm, &format), found == 0 ? S_FALSE : S_OK);
+    EXPECT_EQ(format, found);
+  }
   EXPECT_EQ(other->BrokerLcdGetMessageTarget(target.Receive()), S_FALSE);
+  EXPECT_EQ(other->BrokerLcdGetMessageData(data.Receive()), S_FALSE);
   EXPECT_EQ(Dispatch(message, 11, 3), S_OK);
-  EXPECT_EQ(Dispatch(message, 11, 3), S_FALSE) << "the slot is taken";
   EXPECT_EQ(other->BrokerLcdGetMessageTarget(target.Receive()), S_OK);
   EXPECT_EQ(target.View(), name.View());
-  ByteArray data(nullptr);
   EXPECT_EQ(other->BrokerLcdGetMessageData(data.Receive()), S_OK);
   EXPECT_EQ(data.Text(), message);
+  EXPECT_EQ(Dispatch(message, 11, 3), S_FALSE) << "the slot is taken";
   EXPECT_EQ(other->BrokerLcdPruneDeadMessage(), S_FALSE);
   EXPECT_EQ(other->BrokerLcdClearMessage(), S_OK);
-  ByteArray none(nullptr);
-  EXPECT_EQ(other->BrokerLcdGetMessageData(none.Receive()), S_FALSE);
   EXPECT_EQ(Dispatch(message, 11, 9), E_INVALIDARG) << "another format";
   EXPECT_EQ(other->BrokerLcdRemoveConnection(name.Get(), 0), S_OK);
   EXPECT_EQ(other->BrokerLcdRemoveConnection(name.Get(), 0), S_FALSE);
 }
 
 TEST_F(ConnectionMethods, TheLockNestsAndKeepsItsTime) {
-  LONG count = 0, time = 0, again = 0, timeout = 0;
+  LONG count = 0, time[2] = {}, timeout = 0;
   for (const LONG hold : {1, 2}) {
     EXPECT_EQ(broker->BrokerLcdLock(&count), S_OK);
     EXPECT_EQ(count, hold);
-    EXPECT_EQ(broker->BrokerLcdLockTime(hold == 1 ? &time : &again), S_OK);
+    EXPECT_EQ(broker->BrokerLcdLockTime(&time[hold - 1]), S_OK);
   }
-  EXPECT_EQ(again, time);
+  EXPECT_EQ(time[1], time[0]);
   for (const LONG hold : {1, 0, 0}) {
     EXPECT_EQ(broker->BrokerLcdUnlock(&count), S_OK);
     EXPECT_EQ(count, hold) << "one too many is ignored";
@@ -64,12 +62,12 @@ TEST_F(ConnectionMethods, TheLockNestsAndKeepsItsTime) {
 }
 
 TEST_F(ConnectionMethods, MessagesThatAreNone) {
-  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}};
-  SAFEARRAYBOUND fromOne = {4, 1};
-  EXPECT_EQ(broker->BrokerLcdDispatchMessage(nullptr, 8, 1, 0), E_FAIL);
-  EXPECT_EQ(broker->BrokerLcdDispatchMessage(ByteArray(SafeArrayCreate(VT_UI1, 2, two)).Get(), 8, 1, 0), E_FAIL);
-  EXPECT_EQ(broker->BrokerLcdDispatchMessage(ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)).Get(), 8, 1, 0), E_FAIL);
-  EXPECT_EQ(Dispatch(std::string(40961, 'x')), E_FAIL);
+  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}}, fromOne = {4, 1};
+  const ByteArray malformed[] = {ByteArray(nullptr), ByteArray(SafeArrayCreate(VT_UI1, 2, two)),
+                                 ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)), ByteArray(std::string(40961, 'x'))};
+  for (const ByteArray& array : malformed) {
+    EXPECT_EQ(broker->BrokerLcdDispatchMessage(array.Get(), 8, 1, 0), E_FAIL);
+  }
   EXPECT_EQ(Dispatch(std::string(40960, 'x')), S_OK);
   EXPECT_EQ(broker->BrokerLcdClearMessage(), S_OK);
 }

@@ -1,14 +1,12 @@
 // A client that means harm: every method of the interface, called through the marshaller as any client calls it, with
 // what no honest client sends. Whatever the answers are, they come from a server that lives, and that serves on.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <climits>
 #include <iterator>
 #include <string>
 #include <vector>
 
-#include "tests/support/BrokerProcess.h"
+#include "tests/broker/EveryMethod.h"
 #include "tests/support/ByteArray.h"
 #include "tests/support/DispatchCall.h"
 #include "tests/support/TestFiles.h"
@@ -77,7 +75,7 @@ bool TellsOfAFall(HRESULT result) {
 // The arguments of one call, made from the type library's word for them.
 class Call {
  public:
-  Call(const FUNCDESC& function, const WideString& name, const Stock& stock) : offset(function.oVft) {
+  Call(const FUNCDESC& function, const std::string& name, const Stock& stock) : offset(function.oVft) {
     for (SHORT i = 0; i < function.cParams; ++i) {
       const TYPEDESC& type = function.lprgelemdescParam[i].tdesc;
       VARIANT value = {};
@@ -87,8 +85,9 @@ class Call {
         out.type = type.lptdesc->vt;
         // Read only where the argument also goes in; of print flags none may bring up a dialog.
         if (out.type == VT_UI4) out.value.ulVal = stock.number;
-        if (name == L"BrokerPrintDialog" && i == 3) out.value.ulVal |= kQuietPrinting;
-        value.llVal = reinterpret_cast<LONG_PTR>(out.type == VT_VARIANT ? &out.value : out.Data());
+        if (name == "BrokerPrintDialog" && i == 3) out.value.ulVal |= kQuietPrinting;
+        value.llVal =
+            reinterpret_cast<LONG_PTR>(out.type == VT_VARIANT ? static_cast<void*>(&out.value) : &out.value.llVal);
       } else if (type.vt == VT_BSTR || type.vt == VT_LPWSTR) {
         value.llVal = reinterpret_cast<LONG_PTR>(stock.text);
       } else if (type.vt == VT_SAFEARRAY) {
@@ -123,23 +122,16 @@ class Call {
   struct Out {
     VARTYPE type = VT_EMPTY;
     VARIANT value = {};
-    void* Data() { return &value.llVal; }
   };
   SHORT offset;
   std::array<Out, 16> outs;
   std::vector<VARIANT> values;
 };
 
-class HostileClient : public BrokerProcessTest {
+class HostileClient : public BrokerSuiteTest {
  protected:
-  // One apartment for the whole suite, as for the file methods.
-  static void SetUpTestSuite() {
-    BrokerProcessTest::SetUpTestSuite();
-    suiteApartment = new ComInitializer;
-  }
-  static void TearDownTestSuite() { delete suiteApartment; }
   void TearDown() override {
-    BrokerProcessTest::TearDown();
+    BrokerSuiteTest::TearDown();
     // One of the methods enters the server to run at the next logon.
     RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce",
                        L"LumenPlayerUpdate");
@@ -154,8 +146,7 @@ class HostileClient : public BrokerProcessTest {
     return cookie;
   }
   ULONG OpenSearch() {
-    ULONG cookie = 0;
-    ULONG attributes = 0;
+    ULONG cookie = 0, attributes = 0;
     BString leaf;
     const BString all(WideView(directory.Path() + L"\\*"));
     EXPECT_EQ(broker->BrokerFindFirstFile(all.Get(), leaf.Receive(), &attributes, &cookie), S_OK);
@@ -171,50 +162,21 @@ class HostileClient : public BrokerProcessTest {
   // Calls every method with what `next` stocks for it. Stops at the first that brings the server down.
   template <class Next>
   void CallAll(Next next) {
-    for (const wchar_t* id : {L"{2E4BB6BE-A75F-4DC0-9500-68203655A2C4}", L"{DDF4CE26-4BDA-42BC-B0F0-0E75243AD285}",
-                              L"{1D4C8A81-B7AC-460A-8C23-98713C41D6B3}", L"{E3F2C3CB-5EB8-4A04-B22C-7E3B4B6AF30F}",
-                              L"{6AE38AE0-750C-11E1-B0C4-0800200C9A66}", L"{299817DA-1FAC-4CE2-8F48-A108237013BD}"}) {
-      const ComPtr<ITypeInfo> info = VtableSide(id);
-      TYPEATTR* attributes = nullptr;
-      ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
-      const UINT count = attributes->cFuncs;
-      info->ReleaseTypeAttr(attributes);
-      for (UINT i = 0; i < count; ++i) {
-        FUNCDESC* function = nullptr;
-        ASSERT_EQ(info->GetFuncDesc(i, &function), S_OK);
-        BString name;
-        info->GetDocumentation(function->memid, name.Receive(), nullptr, nullptr, nullptr);
-        const Stock stock = next();
-        const HRESULT result = Call(*function, WideString(name.View()), stock).Perform(broker.Get());
-        info->ReleaseFuncDesc(function);
-        ++called;
-        ASSERT_TRUE(IsRunning() && !TellsOfAFall(result))
-            << ToUtf8(name.View()) << " with " << stock.number << " answered " << std::hex << result;
-      }
-    }
+    const ComPtr<ITypeLib> library = every_method::Load(L"\\bin\\LumenUtil.dll");
+    every_method::ForEach(library.Get(), [&](ITypeInfo* info, const FUNCDESC& function, int, int) {
+      const std::string name = every_method::NameOf(info, function.memid);
+      const Stock stock = next();
+      const HRESULT result = Call(function, name, stock).Perform(broker.Get());
+      ++called;
+      ASSERT_TRUE(IsRunning() && !TellsOfAFall(result))
+          << name << " with " << stock.number << " answered " << std::hex << result;
+    });
   }
 
-  static ComInitializer* suiteApartment;
   CleanDirectory directory{PlayerDirectory()};
   size_t called = 0;
   size_t files = 0;
-
- private:
-  ComPtr<ITypeInfo> VtableSide(const wchar_t* interfaceId) {
-    ComPtr<ITypeLib> library;
-    EXPECT_EQ(LoadTypeLib((broker_process::BuildFolder() + L"\\bin\\LumenUtil.dll").c_str(), &library), S_OK);
-    GUID id = {};
-    CLSIDFromString(interfaceId, &id);
-    ComPtr<ITypeInfo> dispatch;
-    EXPECT_EQ(library->GetTypeInfoOfGuid(id, &dispatch), S_OK);
-    HREFTYPE reference = 0;
-    ComPtr<ITypeInfo> info;
-    EXPECT_EQ(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
-    EXPECT_EQ(dispatch->GetRefTypeInfo(reference, &info), S_OK);
-    return info;
-  }
 };
-ComInitializer* HostileClient::suiteApartment = nullptr;
 
 TEST_F(HostileClient, NothingThatAMethodIsGivenBringsTheServerDown) {
   constexpr ULONG kNumbers[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 8193, 0x20000001, 0xFFFF0000};
@@ -239,17 +201,18 @@ TEST_F(HostileClient, NothingThatAMethodIsGivenBringsTheServerDown) {
 TEST_F(HostileClient, CookiesOfEverySortServeAsEveryOther) {
   const BString text(L"x");
   ByteArray bytes(std::string(128, 'M'));
-  CallAll([&] { return Stock{OpenFile(), text.Get(), bytes.Get()}; });
-  if (HasFatalFailure()) return;
-  CallAll([&] { return Stock{OpenSearch(), text.Get(), bytes.Get()}; });
-  if (HasFatalFailure()) return;
+  for (const bool file : {true, false}) {
+    CallAll([&] { return Stock{file ? OpenFile() : OpenSearch(), text.Get(), bytes.Get()}; });
+    if (HasFatalFailure()) return;
+  }
   ExpectService();
 }
 
 TEST_F(HostileClient, ReplyThatNoCallCanCarryIsRefused) {
-  WriteWhole(directory.Path() + L"\\big.sol", "content");
+  const BString big(WideView(directory.Path() + L"\\big.sol"));
+  WriteWhole(WideString(big.View()), "content");
   ULONG cookie = 0;
-  ASSERT_EQ(broker->BrokerCreateFile(BString(WideView(directory.Path() + L"\\big.sol")).Get(), 1, 0, &cookie), S_OK);
+  ASSERT_EQ(broker->BrokerCreateFile(big.Get(), 1, 0, &cookie), S_OK);
   for (const ULONG size : {0xFFFFFFFFu, 0xFFFFFFF0u, 0x80000000u}) {
     ULONG read = 0;
     ByteArray data(nullptr);
