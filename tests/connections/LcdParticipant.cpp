@@ -1,12 +1,10 @@
 // A process of its own that takes part through the product's accessor.
 //
-//     LcdParticipant receive NAME COUNT        listens, takes COUNT messages, checks that each sender's come once and
-//     in order LcdParticipant send NUMBER COUNT NAME...  sends COUNT messages, to the names in turn LcdParticipant hold
-//     EVENT                takes the lock, sets the event and never lets go
+//     LcdParticipant send NUMBER COUNT NAME...  sends COUNT messages, to the names in turn
+//     LcdParticipant hold EVENT                 takes the lock, sets the event and never lets go
 #include <windows.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -15,44 +13,6 @@
 namespace {
 
 constexpr DWORD kPatience = 60000;
-
-void Signal(const char* name) {
-  const KernelHandle event(CreateEventA(nullptr, TRUE, FALSE, name));
-  SetEvent(event.Get());
-}
-
-// 1 taken in order, -1 out of order, 0 nothing for us.
-int Take(Win32LcdAccessor& directory, const std::string& name, uint32_t* next) {
-  if (directory.Lock() < 1) return -1;
-  int taken = 0;
-  char target[1024];
-  const uint8_t* data = nullptr;
-  int32_t size = 0;
-  if (directory.GetMessageTarget(target, sizeof(target)) && name == target && directory.GetMessageData(&data, &size)) {
-    const uint8_t sender = data[3 + name.size()];
-    uint32_t count = 0;
-    std::memcpy(&count, data + 4 + name.size(), 4);
-    taken = sender < 4 && count == next[sender]++ ? 1 : -1;
-    directory.ClearMessage();
-  }
-  directory.Unlock();
-  return taken;
-}
-
-int Receive(const std::string& name, int wanted) {
-  Win32LcdAccessor directory;
-  if (!directory.TryAddConnection(name.c_str(), 0, 0, '1')) return 4;
-  Signal(name.c_str());
-  uint32_t next[4] = {};
-  for (const DWORD begin = GetTickCount(); wanted > 0;) {
-    if (GetTickCount() - begin > kPatience) return 6;
-    const int taken = Take(directory, name, next);
-    if (taken < 0) return 5;
-    wanted -= taken;
-    if (taken == 0) SwitchToThread();
-  }
-  return directory.RemoveConnection(name.c_str(), 0) ? 0 : 3;
-}
 
 int Send(uint8_t number, int count, const std::vector<std::string>& names) {
   Win32LcdAccessor directory;
@@ -81,7 +41,8 @@ int Send(uint8_t number, int count, const std::vector<std::string>& names) {
 int Hold(const char* event) {
   Win32LcdAccessor directory;
   if (directory.Lock() != 1) return 2;
-  Signal(event);
+  const KernelHandle held(CreateEventA(nullptr, TRUE, FALSE, event));
+  SetEvent(held.Get());
   Sleep(kPatience);  // until it is killed
   return 0;
 }
@@ -90,7 +51,6 @@ int Hold(const char* event) {
 
 int main(int argc, char** argv) {
   const std::string role = argc > 2 ? argv[1] : "";
-  if (role == "receive" && argc == 4) return Receive(argv[2], std::atoi(argv[3]));
   if (role == "hold") return Hold(argv[2]);
   if (role == "send" && argc > 4)
     return Send(static_cast<uint8_t>(std::atoi(argv[2])), std::atoi(argv[3]), {argv + 4, argv + argc});

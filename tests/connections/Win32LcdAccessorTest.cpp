@@ -3,30 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "engine/WideText.h"
+#include "tests/support/StartProcess.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
-constexpr DWORD kPatience = 60000;
-
-KernelHandle Start(const std::string& arguments) {
-  char own[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, own, MAX_PATH);
-  const std::string folder(own, static_cast<size_t>(strrchr(own, '\\') - own + 1));
-  std::string command =
-      "\"" + folder + arguments.substr(0, arguments.find(' ')) + ".exe\"" + arguments.substr(arguments.find(' '));
-  STARTUPINFOA startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION child = {};
-  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child))
-    return {};
-  KernelHandle(child.hThread).Reset();
-  return KernelHandle(child.hProcess);
+KernelHandle Start(const WideString& arguments) {
+  const size_t name = arguments.find(L' ');
+  return StartProcess(testing_files::Beside(arguments.substr(0, name).c_str()) + arguments.substr(name));
 }
+
+constexpr DWORD kPatience = 60000;
 
 DWORD ExitCode(const KernelHandle& process) {
   DWORD code = STILL_ACTIVE;
@@ -40,34 +27,31 @@ bool WaitForSignal(const char* name) {
   return WaitForSingleObject(event.Get(), kPatience) == WAIT_OBJECT_0;
 }
 
-// The segment as a test sees it from outside.
-class View {
- public:
-  View()
-      : mapping(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(LcdSegment),
-                                   "HalcyonicsFMOmega")),
-        view(MapViewOfFile(mapping.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0)) {}
-  LcdSegment* operator->() const { return static_cast<LcdSegment*>(view.Get()); }
-
- private:
-  KernelHandle mapping;
-  MappedView view;
-};
-
-TEST(Win32LcdAccessor, ASegmentOfAnotherLayoutIsRefusedForGood) {
-  const View other;
+TEST(Win32LcdAccessor, ASegmentOfAnotherLayoutIsRefusedForGoodAndADeadReceiverGoes) {
+  const KernelHandle mapping(
+      CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(LcdSegment), "HalcyonicsFMOmega"));
+  const MappedView view(MapViewOfFile(mapping.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
+  auto* const other = static_cast<LcdSegment*>(view.Get());
   other->layoutVersion = 2;
   Win32LcdAccessor directory;
   EXPECT_EQ(directory.Lock(), 0);
   EXPECT_FALSE(directory.TryAddConnection("a", 0, 0, '1'));
   other->layoutVersion = 1;
   EXPECT_EQ(directory.Lock(), 0) << "it is not tried again";
-  EXPECT_EQ(Win32LcdAccessor().Lock(), 1);
+
+  Win32LcdAccessor next;
+  ASSERT_TRUE(next.TryAddConnection("gone", 0, 0, '1'));
+  const uint8_t message[] = {2, 0, 4, 'g', 'o', 'n', 'e'};
+  ASSERT_EQ(next.DispatchMessage(message, sizeof(message), 8, 1, 0), LcdDispatch::Posted);
+  EXPECT_FALSE(next.PruneDeadMessage());
+  other->messageTime -= 5100;
+  EXPECT_TRUE(next.PruneDeadMessage());
+  EXPECT_EQ(next.FindConnectionFormat("gone", 0), 0);
 }
 
 TEST(Win32LcdAccessor, AnAbandonedLockCountsAsNotObtained) {
   Win32LcdAccessor directory;
-  const KernelHandle holder = Start("LcdParticipant hold LumenHolderReady");
+  const KernelHandle holder = Start(L"LcdParticipant hold LumenHolderReady");
   ASSERT_TRUE(WaitForSignal("LumenHolderReady"));
   TerminateProcess(holder.Get(), 1);
   WaitForSingleObject(holder.Get(), kPatience);
@@ -76,33 +60,19 @@ TEST(Win32LcdAccessor, AnAbandonedLockCountsAsNotObtained) {
   EXPECT_EQ(directory.Unlock(), 0);
 }
 
-TEST(Win32LcdAccessor, ADeadReceiverGoesWithItsMessage) {
-  Win32LcdAccessor directory;
-  const View view;
-  ASSERT_TRUE(directory.TryAddConnection("gone", 0, 0, '1'));
-  const uint8_t message[] = {2, 0, 4, 'g', 'o', 'n', 'e'};
-  ASSERT_EQ(directory.DispatchMessage(message, sizeof(message), 8, 1, 0), LcdDispatch::Posted);
-  EXPECT_FALSE(directory.PruneDeadMessage());
-  view->messageTime -= 5100;
-  EXPECT_TRUE(directory.PruneDeadMessage());
-  EXPECT_EQ(directory.FindConnectionFormat("gone", 0), 0);
-  EXPECT_EQ(directory.DispatchMessage(message, sizeof(message), 8, 1, 0), LcdDispatch::Refused);
-}
-
-// One receiver is the product's, one another's; so are the two senders processes of their own.
+// The receivers are another's; the product's is the one that lumenctl plays.
 TEST(Win32LcdAccessor, FourProcessesPassTwoThousandMessagesOnceAndInOrder) {
   Win32LcdAccessor keeper;  // so that the segment outlives each of them
-  const KernelHandle ours = Start("LcdParticipant receive lumen-r1 1000");
-  const KernelHandle theirs = Start("PlainParticipant lumen-r2 1000");
+  const KernelHandle one = Start(L"PlainParticipant lumen-r1 1000");
+  const KernelHandle other = Start(L"PlainParticipant lumen-r2 1000");
   ASSERT_TRUE(WaitForSignal("lumen-r1"));
   ASSERT_TRUE(WaitForSignal("lumen-r2"));
-  const KernelHandle first = Start("LcdParticipant send 1 1000 lumen-r1 lumen-r2");
-  const KernelHandle second = Start("LcdParticipant send 2 1000 lumen-r2 lumen-r1");
+  const KernelHandle first = Start(L"LcdParticipant send 1 1000 lumen-r1 lumen-r2");
+  const KernelHandle second = Start(L"LcdParticipant send 2 1000 lumen-r2 lumen-r1");
   EXPECT_EQ(ExitCode(first), 0u);
   EXPECT_EQ(ExitCode(second), 0u);
-  EXPECT_EQ(ExitCode(ours), 0u);
-  EXPECT_EQ(ExitCode(theirs), 0u);
-  EXPECT_EQ(keeper.FindConnectionFormat("lumen-r1", 0), 0);
+  EXPECT_EQ(ExitCode(one), 0u);
+  EXPECT_EQ(ExitCode(other), 0u);
 }
 
 }  // namespace
