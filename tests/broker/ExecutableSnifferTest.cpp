@@ -74,20 +74,6 @@ TEST(ExecutableSniffer, EverySplitOfAnImageIsRefusedExactlyWhenItsFirstSliceHold
   }
 }
 
-TEST(ExecutableSniffer, OneWrongByteOfTheTenLetsAFilePass) {
-  for (const size_t position : {0u, 1u, 80u, 81u, 82u, 83u}) {
-    Bytes image = Image();
-    image[position] ^= 1;
-    BrokerCookieRecord record = Fresh();
-    FakeFile file;
-    EXPECT_FALSE(Write(record, image, file)) << position;
-    EXPECT_EQ(record.sniffActive, 0);
-  }
-  BrokerCookieRecord record = Fresh();
-  FakeFile file;
-  EXPECT_TRUE(Write(record, Image(), file));
-}
-
 // Every place that a slice can start and end at, over every kind of file there may be ahead of it. The slice goes on
 // with the image where the seek left off, or begins the image there.
 TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
