@@ -17,9 +17,17 @@ bool IsDirectory(const WIN32_FIND_DATAW& entry) {
 bool IsLink(const WIN32_FIND_DATAW& entry) {
   return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
+bool IsLink(const wchar_t* path) {
+  const DWORD attributes = GetFileAttributesW(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
 bool IsDots(WideView name) {
   return name == L"." || name == L"..";
 }
+
+// Nesting is an attacker's to choose where paths may be long, and each level of a walk takes stack: as deep as a path
+// of the platform's classic length can reach.
+constexpr int kDeepestLevel = MAX_PATH / 2;
 
 // An empty path would mean the root of whatever drive is the current one.
 bool IsPath(const wchar_t* directory) {
@@ -68,9 +76,16 @@ class AgedDeletion {
 
  private:
   [[nodiscard]] bool RemoveSubdirectory(const WIN32_FIND_DATAW& entry) {
-    bool emptied = true;
-    if (!IsLink(entry) && !(Run(&emptied) && emptied)) return false;
-    return RemoveDirectoryW(path_.c_str());
+    return (IsLink(entry) || RunBelow()) && RemoveDirectoryW(path_.c_str());
+  }
+  // True when nothing is left in the subdirectory.
+  [[nodiscard]] bool RunBelow() {
+    if (level_ == kDeepestLevel) return false;
+    ++level_;
+    bool emptied = false;
+    const bool searched = Run(&emptied);
+    --level_;
+    return searched && emptied;
   }
   [[nodiscard]] bool RemoveFile(const WIN32_FIND_DATAW& entry, uint64_t now) const {
     return IsAgeWithin(now, Joined(entry.ftLastWriteTime), minimum_, maximum_) && DeleteFileW(path_.c_str());
@@ -79,6 +94,7 @@ class AgedDeletion {
   WideString path_;
   uint32_t minimum_;
   uint32_t maximum_;
+  int level_ = 0;
 };
 
 // The whole of a tree, in one buffer of the platform's classic length: what lies deeper is not reached and keeps its
@@ -152,6 +168,10 @@ bool DeleteFilesByAgeUtf8(const char* directory, uint32_t minimumAge, uint32_t m
 }
 
 bool DeleteTree(const wchar_t* directory) {
+  if (!IsPath(directory)) return false;
+  // The trees are found by pattern in folders that any program of the user writes to, and deleted with more rights than
+  // such a program has: a link put in a tree's place must not lead the deletion elsewhere.
+  if (IsLink(directory)) return RemoveDirectoryW(directory);
   WholeDeletion deletion;
-  return IsPath(directory) && deletion.Enter(directory) && deletion.Run();
+  return deletion.Enter(directory) && deletion.Run();
 }

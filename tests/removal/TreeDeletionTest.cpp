@@ -170,6 +170,9 @@ TEST_F(TreeDeletion, LinksAreRemovedAndNotFollowed) {
   EXPECT_FALSE(Exists(At(L"\\sub")));
   EXPECT_TRUE(Exists(outside.Path() + L"\\precious"));
   prepare();
+  EXPECT_TRUE(DeleteTree(At(L"\\sub\\link").c_str())) << "nor where one stands for the tree";
+  EXPECT_TRUE(Exists(outside.Path() + L"\\precious"));
+  prepare();
   EXPECT_TRUE(DeleteTree(kRoot));
   EXPECT_FALSE(Exists(kRoot));
   EXPECT_TRUE(Exists(outside.Path() + L"\\precious"));
@@ -195,17 +198,17 @@ TEST_F(TreeDeletion, AWholeTreeGoesUnlessAFileIsHeld) {
 }
 
 TEST_F(TreeDeletion, WhatLiesTooDeepStays) {
-  WideString deep = WideString(L"\\\\?\\") + kRoot;
-  for (int i = 0; i < 6; ++i) {
-    deep += L"\\" + WideString(60, L'd');
+  const WideString root = WideString(L"\\\\?\\") + kRoot;
+  WideString deep = root;
+  for (int i = 0; i < 140; ++i) {
+    deep += L"\\d";
     ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
   }
   EXPECT_FALSE(DeleteTree(kRoot));
-  EXPECT_TRUE(Exists(deep));
-  for (int i = 0; i < 6; ++i) {
-    RemoveDirectoryW(deep.c_str());
-    deep.resize(deep.rfind(L'\\'));
-  }
+  bool emptied = true;
+  EXPECT_TRUE(DeleteFilesByAge(root.c_str(), 0, kHour, &emptied)) << "whose paths may be longer";
+  EXPECT_FALSE(emptied);
+  EXPECT_TRUE(Exists(root + WideString(deep.substr(root.size(), 262)))) << "131 levels";
 }
 
 TEST_F(TreeDeletion, TenThousandFiles) {
