@@ -15,7 +15,8 @@ class MStringList;
 // Remembers the stored text's version as rejected. False when there is no version or it could not be written.
 [[nodiscard]] bool MarkUpdateRejected();
 // Takes away what this and the kind's inventory left for the updater. Goes on after a failure; a value or key that is
-// not there counts as one.
+// not there counts as one. Without a caller in the product, as is the next: a removal has steps of its own, which
+// report.
 [[nodiscard]] bool RemoveUpdateMarks(uint32_t kind);
 // Forgets which versions are safe to install.
 void RemoveSafeVersions();

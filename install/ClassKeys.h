@@ -20,7 +20,7 @@ enum class ClassKeyFamily {
 void VisitClassKeys(ClassKeyFamily family, ClassKeyVisitor visit, void* context);
 
 // Orders two key names as the lists have them: names of digits alone, the empty one included, after all others and by
-// value; others byte for byte. Below, equal to or above 0.
+// value; others byte for byte. Below, equal to or above 0. Comes with the lists; nothing in the product sorts them.
 [[nodiscard]] int CompareKeyNames(std::string_view a, std::string_view b);
 
 // What is left to delete of the class registry.
