@@ -12,6 +12,6 @@ struct ProductVersion {
 // The version of the user's product, from its executable's resource. Nothing when the digest is refused: what was
 // changed has no version.
 [[nodiscard]] std::optional<ProductVersion> ReadProductVersion(const wchar_t* name, const wchar_t* overridePath);
-// Whether a process holds the product's mutex, which a product does for as long as it runs. Names differ in case only
-// mean the same product. A probe that finds none holds the mutex itself for an instant; the digest is not looked at.
+// Whether a process holds the product's mutex, which a product does for as long as it runs. Names that differ in case
+// only mean the same product. A probe that finds none holds the mutex itself for an instant; the digest is not looked at.
 [[nodiscard]] bool IsProductRunning(const wchar_t* name);

@@ -4,8 +4,15 @@ namespace {
 
 constexpr auto npos = std::string_view::npos;
 
+// Builds anew rather than in place: the text may be a megabyte of entities.
 void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
-  for (size_t at = text.find(from); at != npos; at = text.find(from, at + to.size())) text.replace(at, from.size(), to);
+  std::string replaced;
+  size_t done = 0;
+  for (size_t at = text.find(from); at != npos; at = text.find(from, done)) {
+    replaced.append(text, done, at - done).append(to);
+    done = at + from.size();
+  }
+  text = replaced.append(text, done);
 }
 
 // The text between the first two quote marks.
@@ -32,13 +39,17 @@ std::optional<std::string_view> ExtractMetaBlock(std::string_view text) {
 }
 
 std::optional<std::string_view> ExtractUpdateVersion(std::string_view text) {
-  for (size_t open = text.find('<'); open != npos; open = text.find('<', open + 1)) {
-    const std::string_view tag = text.substr(open + 1, text.find('>', open) - open - 1);
-    if (!tag.starts_with("update")) continue;
-    for (size_t v = tag.find('v'); v != npos; v = tag.find('v', v + 1)) {
-      if (!tag.substr(v).starts_with("version")) continue;
-      if (const auto version = FirstQuoted(tag.substr(v))) return version;
-    }
+  constexpr std::string_view kTag = "<update";
+  constexpr std::string_view kAttribute = "version";
+  // The text comes through a sandbox, so it is gone through once, whatever it holds: what begins within a tag, or
+  // within the rest of one, finds nothing that this has not found.
+  for (size_t open = text.find(kTag); open != npos; open = text.find(kTag, open)) {
+    const size_t close = text.find('>', open);
+    const std::string_view tag = text.substr(open, close - open);
+    const size_t attribute = tag.find(kAttribute);
+    const auto version = attribute == npos ? std::nullopt : FirstQuoted(tag.substr(attribute));
+    if (version || close == npos) return version;
+    open = close;
   }
   return std::nullopt;
 }

@@ -28,6 +28,8 @@ TEST(UpdateText, Version) {
       {"<update>version=\"5\"</update>", "(none)"},
       {"<update version=6>", "(none)"},
       {"<update version=\"7>", "(none)"},
+      {"<update version x=\"8\">", "8"},
+      {"<update x><update version=\"9\"", "9"},
       {"", "(none)"},
   };
   for (const auto& row : rows) EXPECT_EQ(ExtractUpdateVersion(row.text).value_or("(none)"), row.version) << row.text;
@@ -36,6 +38,17 @@ TEST(UpdateText, Version) {
 TEST(UpdateText, PlainQuotesBecomeSingleAndEntitiesComeOutDouble) {
   EXPECT_EQ(DecodeMetaBlock("a=\"b\" &quot;c&quot; &apos;d&apos; e&nbsp;f"), "a='b' \"c\" 'd' e f");
   EXPECT_EQ(DecodeMetaBlock("&amp;quot;"), "&amp;quot;");
+}
+
+// Each of these took time by the square of its length.
+TEST(UpdateText, ATextOfAMegabyteIsGoneThroughOnce) {
+  for (const std::string unit : {"<", "<update ", "version ", "&nbsp;"}) {
+    std::string text = "<update ";
+    while (text.size() < 4'000'000) text += unit;
+    EXPECT_FALSE(ExtractUpdateVersion(text));
+    EXPECT_FALSE(ExtractUpdateVersion(text + ">"));
+    EXPECT_LE(DecodeMetaBlock(text).size(), text.size());
+  }
 }
 
 }  // namespace
