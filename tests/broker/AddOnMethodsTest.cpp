@@ -1,10 +1,11 @@
-// The add-on methods of a broker object, with a real server behind the vendor's name. A product's whole life is played
-// by tools/account-addons.
+// The add-on methods of a broker object, with a real server behind the vendor's name, which misbehaves on request. A
+// product's whole life is played by tools/account-addons.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include "broker/CoLumenBrokerServer.h"
+#include "delivery/ProductDownload.h"
 #include "tests/delivery/AddOnMaterial.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RecordingHost.h"
@@ -13,131 +14,167 @@
 namespace {
 
 constexpr ULONG kUnset = 77;
+const std::string kVendor = "http://get.corva.example";
+
+// Hooks at the platform's edge, which keep the order of things.
+Lines g_events;
+
+BOOL WINAPI CloseAndTell(HINTERNET handle) {
+  DWORD kind = 0;
+  DWORD size = sizeof(kind);
+  InternetQueryOptionA(handle, INTERNET_OPTION_HANDLE_TYPE, &kind, &size);
+  g_events.push_back("close " + std::to_string(kind));
+  return Own<decltype(InternetCloseHandle)>(L"wininet.dll", "InternetCloseHandle")(handle);
+}
+BOOL WINAPI FailToRead(HINTERNET, void*, DWORD, DWORD*) {
+  return FALSE;
+}
+void WINAPI TellDebugger(LPCSTR text) {
+  g_events.push_back(text);
+}
+void* RefuseLargeBlocks(size_t count, size_t size) {
+  if (count * size < UINT32_MAX) return Own<void*(size_t, size_t)>(L"msvcrt.dll", "calloc")(count, size);
+  g_events.push_back("no memory");
+  return nullptr;
+}
+
+const Lines kClosed = {"close " + std::to_string(INTERNET_HANDLE_TYPE_HTTP_REQUEST),
+                       "close " + std::to_string(INTERNET_HANDLE_TYPE_CONNECT_HTTP),
+                       "close " + std::to_string(INTERNET_HANDLE_TYPE_INTERNET)};
+Lines ClosedAfter(const char* event) {
+  Lines events = kClosed;
+  events.insert(events.begin(), event);
+  return events;
+}
 
 class AddOnMethods : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    server = new WebServer(addon::Folder(L"server"));
-    ASSERT_TRUE(server->IsRunning());
-  }
+  static void SetUpTestSuite() { server = new WebServer(addon::Folder(L"server")); }
   static void TearDownTestSuite() { delete server; }
   void SetUp() override { host.downloadSettings = MString(addon::Folder(L"authority\\root.der").c_str()); }
 
-  ULONG Open(const std::string& path) {
+  // The cookie, or 0.
+  ULONG Open(const std::string& url) {
     ULONG cookie = kUnset;
-    const BString url((L"http://get.corva.example" + WidenAscii(path)).c_str());
-    EXPECT_EQ(broker->BrokerLMOpenDownload(url.Get(), &cookie), S_OK) << path;
+    const HRESULT opened = broker->BrokerLMOpenDownload(BString(WidenAscii(url).c_str()).Get(), &cookie);
+    EXPECT_EQ(opened, cookie == 0 ? E_FAIL : S_OK) << url;
     return cookie;
   }
-  void Pump(ULONG cookie) {
-    for (ULONG position = 0, length = 1; position != length;) {
-      const ULONG before = position;
-      ASSERT_EQ(broker->BrokerLMUpdateDownload(cookie, &position, &length), S_OK);
-      ASSERT_TRUE(position > before || position == length) << "the position stands still";
-    }
+  // Reads on until nothing comes; what came, and what was to come.
+  std::pair<ULONG, ULONG> Pump(ULONG cookie) {
+    ULONG position = 0, total = 0, before = 0;
+    do {
+      before = position;
+      EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &position, &total), S_OK);
+      EXPECT_LE(position - before, 65536u);
+    } while (position != before);
+    return {position, total};
   }
   ULONG Close(ULONG cookie, const wchar_t* as) {
     ULONG result = kUnset;
-    const BString wide(as);
-    EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, wide.Get(), &result), S_OK);
+    EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, BString(as).Get(), &result), S_OK);
+    EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, &result), E_INVALIDARG) << "the cookie is gone";
     return result;
-  }
-  ULONG Store(const std::string& path, const wchar_t* as) {
-    const ULONG cookie = Open(path);
-    Pump(cookie);
-    return Close(cookie, as);
   }
 
   static WebServer* server;
   ComInitializer apartment;
   RecordingHost host;
   const testing_files::CleanDirectory clean{addon::ProductsFolder()};
-  const BString name{L"DemoAddOn"};
   ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(&host));
+  const ImportHook closing{GetModuleHandleW(nullptr), "InternetCloseHandle", CloseAndTell};
 };
 WebServer* AddOnMethods::server = nullptr;
 
-TEST_F(AddOnMethods, ArgumentsAndCookies) {
-  ULONG a = kUnset, b = kUnset;
-  const BString url(L"http://get.corva.example/status/200");
-  EXPECT_EQ(broker->BrokerLMOpenDownload(nullptr, &a), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMOpenDownload(url.Get(), nullptr), E_INVALIDARG);
-  EXPECT_EQ(a, kUnset);
-  for (const wchar_t* const bad : {L"http://get.corva.example/status/400", L"http://get.other.example/"}) {
-    const BString refused(bad);
-    a = kUnset;
-    EXPECT_EQ(broker->BrokerLMOpenDownload(refused.Get(), &a), E_FAIL) << ToUtf8(bad);
-    EXPECT_EQ(a, 0u);
-    EXPECT_EQ(broker->BrokerLMUpdateDownload(1, &a, &b), E_INVALIDARG) << "no cookie is left";
+TEST_F(AddOnMethods, AnswersGoodAndBadAndWhatIsClosedAfterThem) {
+  const ImportHook telling(GetModuleHandleW(nullptr), "OutputDebugStringA", TellDebugger);
+  const ImportHook refusing(GetModuleHandleW(nullptr), "calloc", RefuseLargeBlocks);
+  const struct {
+    std::string url;
+    bool good;
+    std::pair<ULONG, ULONG> received = {};
+    Lines events = kClosed;
+  } rows[] = {
+      {kVendor + "/status/399", true, {5, 5}},
+      {kVendor + "/status/400", false},
+      {kVendor + "/bare/10", false},            // no content length
+      {kVendor + "/claims/0/0", true, {0, 0}},  // an answer without content is one
+      {kVendor + "/claims/200000/200000", true, {200000, 200000}},
+      {kVendor + "/claims/100000/40000", true, {40000, 100000}},  // the position stops moving
+      {kVendor + "/claims/40000/100000", true, {40000, 40000}},   // and never passes the length
+      {kVendor + "/slow/20", true, {20000, 20000}},
+      {kVendor + "/claims/4294967295/10", false, {}, ClosedAfter("no memory")},
+      {"https://untrusted.corva.example/", false, {}, ClosedAfter("HttpSendRequestA fail")},
+      {"http://get.other.example/", false, {}, {}},  // not even asked
+  };
+  for (const auto& row : rows) {
+    g_events.clear();
+    const ULONG cookie = Open(row.url);
+    EXPECT_EQ(cookie != 0, row.good) << row.url;
+    if (cookie != 0) {
+      EXPECT_EQ(Pump(cookie), row.received) << row.url;
+      EXPECT_EQ(Close(cookie, nullptr), 0u);
+    }
+    EXPECT_EQ(g_events, row.events) << row.url;
   }
+}
 
-  const ULONG cookie = Open("/status/200");
-  EXPECT_EQ(cookie, 3u) << "the two before took a number each";
-  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, nullptr, &b), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, nullptr), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, nullptr), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, &b), S_OK) << "still open";
-  EXPECT_EQ(a, 5u);
-  EXPECT_EQ(b, 5u);
-  EXPECT_EQ(Close(cookie, nullptr), 0u) << "abandoned";
-  EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, &b), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMCloseDownload(cookie, nullptr, &a), E_INVALIDARG);
-
-  ULONG file = 0;
+TEST_F(AddOnMethods, CookiesThatAreNoDownloadsAndReadsThatFail) {
+  ULONG file = 0, a = kUnset, b = kUnset;
   testing_files::MakeDirectories(testing_files::PlayerDirectory());
   const BString path((testing_files::PlayerDirectory() + L"\\a.sol").c_str());
   ASSERT_EQ(broker->BrokerCreateFile(path.Get(), 0, 1, &file), S_OK);
-  EXPECT_EQ(broker->BrokerLMUpdateDownload(file, &a, &b), E_INVALIDARG) << "a file is no download";
+  EXPECT_EQ(broker->BrokerLMUpdateDownload(file, &a, &b), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerLMCloseDownload(file, nullptr, &a), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerCloseHandle(file), S_OK);
 
-  EXPECT_EQ(broker->BrokerLMLaunch(nullptr, nullptr), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMIsRunning(nullptr), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMGetVersion(nullptr, &a, &b), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), nullptr, &b), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &a, nullptr), E_INVALIDARG);
-  const ComPtr<ILumenBroker6> hostless = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
-  EXPECT_EQ(hostless->BrokerLMGetVersion(name.Get(), &a, &b), E_FAIL) << "nobody names an anchor";
-}
-
-TEST_F(AddOnMethods, ResultsOfStoring) {
-  EXPECT_EQ(Store("/files/DemoAddOn.package", L"Demo.AddOn"), 3u);
-  EXPECT_EQ(Store("/files/DemoAddOn.package", L"DIGEST#Demo.AddOn"), 6u);
-  EXPECT_EQ(Close(Open("/files/DemoAddOn.package"), L"DemoAddOn"), 6u) << "closed before it was read";
-  EXPECT_FALSE(testing_files::Exists(addon::ProductFile(L"DemoAddOn", L"DemoAddOn.exe")));
-}
-
-int g_closed = 0;
-BOOL WINAPI CountClosed(void* handle) {
-  ++g_closed;
-  static auto* const close = reinterpret_cast<BOOL(WINAPI*)(void*)>(
-      reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"wininet.dll"), "InternetCloseHandle")));
-  return close(handle);
-}
-
-BOOL WINAPI FailToRead(void*, void*, DWORD, DWORD*) {
-  return FALSE;
-}
-
-TEST_F(AddOnMethods, AFailedReadLeavesTheDownloadOpen) {
-  const ULONG cookie = Open("/claims/100000/100000");
-  ULONG position = kUnset, length = kUnset;
+  const ULONG cookie = Open(kVendor + "/claims/100000/100000");
   {
     const ImportHook hook(GetModuleHandleW(nullptr), "InternetReadFile", FailToRead);
-    EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &position, &length), E_FAIL);
-    EXPECT_EQ(position, kUnset);
+    EXPECT_EQ(broker->BrokerLMUpdateDownload(cookie, &a, &b), E_FAIL);
+    EXPECT_EQ(a, kUnset);
   }
-  Pump(cookie);
-  EXPECT_EQ(Close(cookie, nullptr), 0u);
+  EXPECT_EQ(Pump(cookie).first, 100000u) << "still open";
+  EXPECT_NE(Open(kVendor + "/slow/10"), 0u);
+  g_events.clear();
+  broker.Reset();
+  EXPECT_EQ(g_events.size(), 6u) << "an object's end ends its downloads";
+
+  ProductDownload closed;
+  EXPECT_FALSE(closed.ReadOn());
+  EXPECT_EQ(closed.Store(L"Demo", nullptr), StoreResult::NoData);
 }
 
-TEST_F(AddOnMethods, AnObjectsEndEndsItsDownloads) {
-  const ImportHook hook(GetModuleHandleW(nullptr), "InternetCloseHandle", CountClosed);
-  g_closed = 0;
-  EXPECT_EQ(Open("/claims/100000/100000"), 1u);
-  EXPECT_EQ(Open("/slow/10"), 2u);
-  broker.Reset();
-  EXPECT_EQ(g_closed, 6);
+TEST_F(AddOnMethods, WhatIsStoredIsTheWholeBufferReadOrNot) {
+  const WideString executable = addon::ProductFile(L"DemoAddOn", L"DemoAddOn.exe");
+  const BString name(L"DemoAddOn");
+  const struct {
+    const wchar_t* name;
+    ULONG result;
+    const char* path = "/files/DemoAddOn.package";
+    bool read = true;
+  } rows[] = {
+      {L"Demo.AddOn", 3},
+      {L"DIGEST#Demo.AddOn", 6},
+      {L"DIGEST#", 6},
+      {L"digest#ab", 3},
+      {L"", 3},
+      {L"DemoAddOn", 0},
+      {L"DIGEST#DemoAddOn", 0, "/claims/1000/0"},  // judged when it is used
+      {L"DemoAddOn", 6, "/files/DemoAddOn.package", false},
+  };
+  for (const auto& row : rows) {
+    const ULONG cookie = Open(kVendor + row.path);
+    if (row.read) (void)Pump(cookie);
+    EXPECT_EQ(Close(cookie, row.name), row.result) << ToUtf8(row.name);
+    if (row.result != 0) continue;
+    EXPECT_EQ(testing_files::ReadWhole(executable), testing_files::ReadWhole(addon::Folder(L"product\\DemoAddOn.exe")));
+    ULONG high = 0, low = 0;
+    EXPECT_EQ(broker->BrokerLMGetVersion(name.Get(), &high, &low), E_FAIL) << "no digest, and a bad one";
+    EXPECT_EQ(broker->BrokerLMLaunch(name.Get(), nullptr), E_FAIL);
+  }
+  EXPECT_FALSE(testing_files::Exists(executable));
+  EXPECT_EQ(testing_files::ReadWhole(addon::ProductFile(L"DemoAddOn", L"digest.s")), std::string(1000, '\0'));
 }
 
 }  // namespace

@@ -4,72 +4,55 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <cstring>
 #include <vector>
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-Bytes Pack(uint32_t stated, const Bytes& stream) {
-  Bytes package = {'T', 'r', 'o', 'y'};
-  for (int shift = 0; shift < 32; shift += 8) package.push_back(static_cast<uint8_t>(stated >> shift));
-  package.insert(package.end(), stream.begin(), stream.end());
+Bytes Pack(uint32_t stated, const Bytes& bytes) {
+  Bytes package(8 + compressBound(static_cast<uLong>(bytes.size())));
+  std::memcpy(package.data(), "Troy", 4);
+  std::memcpy(package.data() + 4, &stated, 4);
+  auto size = static_cast<uLongf>(package.size() - 8);
+  EXPECT_EQ(compress(package.data() + 8, &size, bytes.data(), static_cast<uLong>(bytes.size())), Z_OK);
+  package.resize(8 + size);
   return package;
 }
 
-Bytes Compress(const Bytes& bytes) {
-  Bytes stream(compressBound(static_cast<uLong>(bytes.size())));
-  uLongf size = static_cast<uLongf>(stream.size());
-  EXPECT_EQ(compress(stream.data(), &size, bytes.data(), static_cast<uLong>(bytes.size())), Z_OK);
-  stream.resize(size);
-  return stream;
-}
-
 TEST(PackageContent, TheStatedSizeIsABoundAndNotAPromise) {
-  const Bytes stream = Compress({'a', 'b', 'c'});
-  const auto whole = static_cast<uint32_t>(8 + stream.size());
-  const struct {
-    uint32_t stated;
-    StoreResult result;
-  } rows[] = {
-      {0, StoreResult::NotWritten},
-      {2, StoreResult::NotWritten},
-      {3, StoreResult::Stored},
-      {4, StoreResult::Stored},
-      {10 * whole - 1, StoreResult::Stored},
-      {10 * whole, StoreResult::NotWritten},
-      {0x80000000, StoreResult::NotWritten},
-      {UINT32_MAX, StoreResult::NotWritten},
-  };
-  for (const auto& row : rows) {
+  const Bytes content = {'a', 'b', 'c'};
+  const auto whole = static_cast<uint32_t>(Pack(3, content).size());
+  const std::pair<uint32_t, StoreResult> rows[] = {{0, StoreResult::NotWritten},
+                                                   {2, StoreResult::NotWritten},
+                                                   {3, StoreResult::Stored},
+                                                   {10 * whole - 1, StoreResult::Stored},
+                                                   {10 * whole, StoreResult::NotWritten},
+                                                   {UINT32_MAX, StoreResult::NotWritten}};
+  for (const auto& [stated, result] : rows) {
     UnpackedFile file;
-    EXPECT_EQ(UnpackPackage(Pack(row.stated, stream), file), row.result) << row.stated;
-    if (row.result == StoreResult::Stored)
-      EXPECT_EQ(Bytes(file.bytes.get(), file.bytes.get() + file.size), (Bytes{'a', 'b', 'c'}));
+    EXPECT_EQ(UnpackPackage(Pack(stated, content), file), result) << stated;
+    EXPECT_EQ(file.size, result == StoreResult::Stored ? 3u : 0u);
   }
 }
 
 TEST(PackageContent, EveryCutAndEveryFlippedByteIsRefusedOrHarmless) {
   Bytes original(5000);
   for (size_t i = 0; i < original.size(); ++i) original[i] = static_cast<uint8_t>(i * i >> 3);
-  const Bytes good = Pack(5000, Compress(original));
+  const Bytes good = Pack(5000, original);
   for (size_t at = 0; at < good.size(); ++at) {
     UnpackedFile file;
     const std::span<const uint8_t> cut(good.data(), at);
     EXPECT_EQ(IsPackage(cut), at >= 4);
     EXPECT_EQ(UnpackPackage(cut, file), StoreResult::NotWritten) << at;
-    if (at < 4) continue;
     Bytes flipped = good;
     flipped[at] ^= 0x10;
+    EXPECT_EQ(IsPackage(flipped), at >= 4);
     if (UnpackPackage(flipped, file) == StoreResult::Stored) {
       EXPECT_EQ(Bytes(file.bytes.get(), file.bytes.get() + file.size), original) << at;
     }
   }
-  Bytes trailing = good;
-  trailing.push_back(0);
-  UnpackedFile file;
-  EXPECT_EQ(UnpackPackage(trailing, file), StoreResult::Stored) << "what follows the stream is not read";
-  EXPECT_FALSE(IsPackage(Bytes{'t', 'r', 'o', 'y', 0, 0, 0, 0}));
 }
 
 }  // namespace

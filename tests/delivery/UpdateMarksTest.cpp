@@ -8,13 +8,14 @@
 #include <string>
 
 #include "engine/DllHelpers.h"
-#include "engine/MStringList.h"
 #include "engine/ProductKeys.h"
 #include "engine/ProductKind.h"
 #include "engine/Registry.h"
+#include "tests/support/Texts.h"
 
 namespace {
 
+constexpr char kMark[] = "LumenPlayerUpdate";
 constexpr char kUpdateKey[] = "Software\\Halcyonics\\LumenPlayerUpdate";
 
 class UpdateMarks : public testing::Test {
@@ -25,48 +26,62 @@ class UpdateMarks : public testing::Test {
   static void Clear() {
     (void)DeleteKeyTree(HKEY_CURRENT_USER, L"Software\\Halcyonics");
     (void)DeleteKeyTree(HKEY_LOCAL_MACHINE, L"Software\\Halcyonics");
-    (void)DeleteValue(HKEY_CURRENT_USER, kRunOnceKey, "LumenPlayerUpdate");
+    (void)DeleteValue(HKEY_CURRENT_USER, kRunOnceKey, kMark);
   }
   static std::string Value(const char* key, const char* name) {
     return ReadText(HKEY_CURRENT_USER, key, name).value_or("(none)");
   }
 };
 
-TEST_F(UpdateMarks, AnUpdateIsStoredAndRunAtTheNextLogon) {
+TEST_F(UpdateMarks, AnUpdateIsStoredAndRunAtTheNextLogonUnlessItWasRejected) {
   EXPECT_FALSE(MarkAutoUpdaterForRun(nullptr, nullptr));
-  EXPECT_TRUE(
-      MarkAutoUpdaterForRun("<update version=\"29.0\"><meta>say \"hi\" &quot;you&quot;</meta>", "C:\\a b\\u.exe"));
-  EXPECT_EQ(Value(kRunOnceKey, "LumenPlayerUpdate"), "C:\\a b\\u.exe -update activex");
-  MStringList list;
-  EXPECT_TRUE(ReadUpdateDescription(&list));
-  ASSERT_EQ(list.Count(), 1);
-  EXPECT_EQ(ToUtf8(list.Head()->key.View()), "say 'hi' \"you\"");
-
-  EXPECT_TRUE(MarkAutoUpdaterForRun("x", std::string(300, 'p').c_str()));
-  EXPECT_EQ(Value(kRunOnceKey, "LumenPlayerUpdate"), std::string(243, 'p') + " -update activex");
-  EXPECT_TRUE(MarkAutoUpdaterForRun("x", nullptr));
-  EXPECT_NE(Value(kRunOnceKey, "LumenPlayerUpdate").find("delivery_tests.exe -update activex"), std::string::npos);
-}
-
-TEST_F(UpdateMarks, ARejectedVersionStaysQuiet) {
   EXPECT_FALSE(MarkUpdateRejected()) << "nothing is stored";
-  ASSERT_TRUE(MarkAutoUpdaterForRun("<update version=\"29.0\">", "C:\\u.exe"));
+  ASSERT_TRUE(MarkAutoUpdaterForRun("<update>", nullptr));
+  EXPECT_NE(Value(kRunOnceKey, kMark).find("delivery_tests.exe -update activex"), std::string::npos);
+  EXPECT_FALSE(MarkUpdateRejected()) << "no version";
+  MStringList list;
+  EXPECT_FALSE(ReadUpdateDescription(&list)) << "no block";
+
+  const std::string first = "<update version=\"29.0\"><meta>say \"hi\" &quot;you&quot;</meta>";
+  EXPECT_TRUE(MarkAutoUpdaterForRun(first.c_str(), std::string(300, 'p').c_str()));
+  EXPECT_EQ(Value(kRunOnceKey, kMark), std::string(243, 'p') + " -update activex");
+  EXPECT_TRUE(ReadUpdateDescription(&list));
+  EXPECT_EQ(Keys(&list), Lines{"say 'hi' \"you\""});
   EXPECT_TRUE(MarkUpdateRejected());
   EXPECT_EQ(Value(kUpdateKey, "Rejected"), "29.0");
-  (void)DeleteValue(HKEY_CURRENT_USER, kRunOnceKey, "LumenPlayerUpdate");
+  (void)DeleteValue(HKEY_CURRENT_USER, kRunOnceKey, kMark);
   EXPECT_TRUE(MarkAutoUpdaterForRun("<update version=\"29.0\"><meta>again</meta>", "C:\\u.exe"));
-  EXPECT_EQ(Value(kUpdateKey, "description"), "<update version=\"29.0\">");
-  EXPECT_EQ(Value(kRunOnceKey, "LumenPlayerUpdate"), "(none)");
+  EXPECT_EQ(Value(kUpdateKey, "description"), first);
+  EXPECT_EQ(Value(kRunOnceKey, kMark), "(none)");
   EXPECT_TRUE(MarkAutoUpdaterForRun("<update version=\"30.0\">", "C:\\u.exe"));
   EXPECT_EQ(Value(kUpdateKey, "description"), "<update version=\"30.0\">");
 }
 
-TEST_F(UpdateMarks, WithoutAVersionNothingIsRejected) {
-  ASSERT_TRUE(MarkAutoUpdaterForRun("<update>", nullptr));
-  EXPECT_FALSE(MarkUpdateRejected());
-  EXPECT_EQ(Value(kUpdateKey, "Rejected"), "(none)");
-  MStringList list;
-  EXPECT_FALSE(ReadUpdateDescription(&list));
+TEST_F(UpdateMarks, RemovalTakesTheMarksOfOneKindAndGoesOn) {
+  const auto write = [](HKEY root, const std::string& key, const char* name) {
+    EXPECT_EQ(WriteText(CreateKey(root, key.c_str(), KEY_ALL_ACCESS).Get(), name, "x"), 0);
+  };
+  for (const uint32_t kind : {product_kind::ActiveX, product_kind::Plugin, product_kind::Pepper}) {
+    const std::pair<HKEY, std::string> keys[] = {
+        {HKEY_CURRENT_USER, GetProductKey(kind)},
+        {HKEY_LOCAL_MACHINE, GetProductKey(kind)},
+        {HKEY_LOCAL_MACHINE, kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind)}};
+    for (const auto& [root, key] : keys) write(root, key, "");
+    write(HKEY_CURRENT_USER, kPlayerKey, "LumenPlayerVersion");
+    write(HKEY_CURRENT_USER, kPlayerKey, "TwlInstall");
+    EXPECT_FALSE(RemoveUpdateMarks(kind)) << "nothing runs at the next logon";
+    for (const auto& [root, key] : keys) EXPECT_FALSE(OpenKey(root, key.c_str(), KEY_READ)) << key;
+    EXPECT_EQ(Value(kPlayerKey, "LumenPlayerVersion") + Value(kPlayerKey, "TwlInstall"), "(none)(none)");
+    for (const auto& [root, key] : keys) write(root, key, "");
+    write(HKEY_CURRENT_USER, kPlayerKey, "LumenPlayerVersion");
+    write(HKEY_CURRENT_USER, kPlayerKey, "TwlInstall");
+    write(HKEY_CURRENT_USER, kRunOnceKey, kMark);
+    write(HKEY_LOCAL_MACHINE, kSafeVersionsKey, "");
+    EXPECT_TRUE(RemoveUpdateMarks(kind));
+    EXPECT_TRUE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
+    RemoveSafeVersions();
+    EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
+  }
 }
 
 }  // namespace
