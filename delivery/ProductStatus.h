@@ -13,5 +13,6 @@ struct ProductVersion {
 // changed has no version.
 [[nodiscard]] std::optional<ProductVersion> ReadProductVersion(const wchar_t* name, const wchar_t* overridePath);
 // Whether a process holds the product's mutex, which a product does for as long as it runs. Names that differ in case
-// only mean the same product. A probe that finds none holds the mutex itself for an instant; the digest is not looked at.
+// only mean the same product. A probe that finds none holds the mutex itself for an instant; the digest is not looked
+// at.
 [[nodiscard]] bool IsProductRunning(const wchar_t* name);
