@@ -1,4 +1,4 @@
-// Deletion of real class keys.
+// Real class keys: their deletion, and the repair of their access lists.
 #include <windows.h>
 
 #include <aclapi.h>
@@ -7,35 +7,40 @@
 #include "engine/ProductIds.h"
 #include "engine/Registry.h"
 #include "install/ClassKeys.h"
+#include "tests/support/AccessText.h"
 
 namespace {
+
+const std::string kClasses = "Software\\Classes\\";
+const std::string kProgramId = kClasses + "TidewaterLumen.TidewaterLumen";
+const std::string kFirstBroker = kClasses + "CLSID\\" LUMEN_BROKER_CLASS_ID_1;
+const std::string kControl = kClasses + "CLSID\\" LUMEN_CONTROL_CLASS_ID;
+const std::string kFactory = kClasses + "CLSID\\" LUMEN_FACTORY_CLASS_ID;
+const std::string kFileType = kClasses + ".fgl";
 
 bool Exists(const std::string& path) {
   return OpenKey(HKEY_LOCAL_MACHINE, path.c_str(), KEY_READ).IsValid();
 }
-const std::string kClasses = "Software\\Classes\\";
-const std::string kProgramId = kClasses + "TidewaterLumen.TidewaterLumen";
-const std::string kFirstBroker = kClasses + "CLSID\\" LUMEN_BROKER_CLASS_ID_1;
-const std::string kFactory = kClasses + "CLSID\\" LUMEN_FACTORY_CLASS_ID;
-const std::string kFileType = kClasses + ".fgl";
+RegistryKey Make(const std::string& path) {
+  return CreateKey(HKEY_LOCAL_MACHINE, path.c_str(), KEY_ALL_ACCESS);
+}
+// Gives the key a list of one entry that denies users writing, or of none at all.
+void SetList(const RegistryKey& key, bool deniesUsers) {
+  char room[256] = {};
+  auto* const list = reinterpret_cast<ACL*>(room);
+  BYTE users[SECURITY_MAX_SID_SIZE] = {};
+  DWORD size = sizeof(users);
+  ASSERT_TRUE(InitializeAcl(list, sizeof(room), ACL_REVISION));
+  ASSERT_TRUE(CreateWellKnownSid(WinBuiltinUsersSid, nullptr, users, &size));
+  if (deniesUsers) ASSERT_TRUE(AddAccessDeniedAce(list, ACL_REVISION, KEY_SET_VALUE, users));
+  ASSERT_EQ(SetSecurityInfo(key.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, list, nullptr), 0u);
+}
 
 }  // namespace
 
-TEST(DeleteMachineKey, PassesByWhatIsNotUnderTheMachine) {
-  const std::string key = kClasses + "LumenDeleteTest";
-  ASSERT_TRUE(CreateKey(HKEY_LOCAL_MACHINE, (key + "\\below").c_str(), KEY_ALL_ACCESS));
-  for (const char* other : {"CLASSES_ROOT\\LumenDeleteTest", "machine\\Software\\Classes\\LumenDeleteTest", ""}) {
-    EXPECT_FALSE(DeleteMachineKey(other).has_value()) << other;
-    EXPECT_TRUE(Exists(key));
-  }
-  EXPECT_EQ(DeleteMachineKey(("MACHINE\\" + key).c_str()), ERROR_SUCCESS);
-  EXPECT_FALSE(Exists(key));
-  EXPECT_EQ(DeleteMachineKey(("MACHINE\\" + key).c_str()), ERROR_FILE_NOT_FOUND);
-}
-
 TEST(DeleteClassKeys, EachSelectionTakesItsOwn) {
   for (const std::string& key : {kProgramId + "\\CLSID", kProgramId + ".11", kFirstBroker, kFactory, kFileType}) {
-    ASSERT_TRUE(CreateKey(HKEY_LOCAL_MACHINE, key.c_str(), KEY_ALL_ACCESS)) << key;
+    ASSERT_TRUE(Make(key)) << key;
   }
   EXPECT_TRUE(DeleteClassKeys(ClassKeySelection::Machine));
   EXPECT_FALSE(Exists(kFirstBroker));
@@ -51,41 +56,26 @@ TEST(DeleteClassKeys, EachSelectionTakesItsOwn) {
 }
 
 TEST(DeleteClassKeys, AKeyThatStaysDoesNotStopTheWalk) {
-  RegistryKey denied = CreateKey(HKEY_LOCAL_MACHINE, kFirstBroker.c_str(), KEY_ALL_ACCESS);
-  ASSERT_TRUE(CreateKey(HKEY_LOCAL_MACHINE, (kClasses + "CLSID\\" LUMEN_CONTROL_CLASS_ID).c_str(), KEY_ALL_ACCESS));
-  ACL nobody = {};
-  ASSERT_TRUE(InitializeAcl(&nobody, sizeof(nobody), ACL_REVISION));
-  ASSERT_EQ(
-      SetSecurityInfo(denied.Get(), SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION, nullptr, nullptr, &nobody, nullptr),
-      static_cast<DWORD>(ERROR_SUCCESS));
+  RegistryKey denied = Make(kFirstBroker);
+  ASSERT_TRUE(Make(kControl));
+  SetList(denied, false);
   EXPECT_FALSE(DeleteClassKeys(ClassKeySelection::Machine));
-  EXPECT_FALSE(Exists(kClasses + "CLSID\\" LUMEN_CONTROL_CLASS_ID));
-  ASSERT_EQ(
-      SetSecurityInfo(denied.Get(), SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr),
-      static_cast<DWORD>(ERROR_SUCCESS));
+  EXPECT_FALSE(Exists(kControl));
+  ASSERT_EQ(SetSecurityInfo(denied.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, nullptr, nullptr), 0u);
   denied.Reset();
   EXPECT_TRUE(DeleteClassKeys(ClassKeySelection::Machine));
 }
 
-TEST(RepairClassKeyAccess, GivesUsersReadingToTheKeysThereAre) {
-  const RegistryKey key = CreateKey(HKEY_LOCAL_MACHINE, kFactory.c_str(), KEY_ALL_ACCESS);
+TEST(RepairClassKeyAccess, GrantsToTheKeysThereAreAndKeepsTheirDenials) {
+  const RegistryKey key = Make(kFactory);
+  SetList(key, true);
   RepairClassKeyAccess();
   ACL* list = nullptr;
   PSECURITY_DESCRIPTOR descriptor = nullptr;
-  ASSERT_EQ(GetSecurityInfo(key.Get(), SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list, nullptr,
-                            &descriptor),
-            static_cast<DWORD>(ERROR_SUCCESS));
-  bool full = false;
-  bool reading = false;
-  for (DWORD i = 0; list != nullptr && i < list->AceCount; ++i) {
-    void* raw = nullptr;
-    GetAce(list, i, &raw);
-    auto* const entry = static_cast<ACCESS_ALLOWED_ACE*>(raw);
-    full |= entry->Mask == KEY_ALL_ACCESS && IsWellKnownSid(&entry->SidStart, WinBuiltinAdministratorsSid);
-    reading |= entry->Mask == KEY_READ && IsWellKnownSid(&entry->SidStart, WinBuiltinUsersSid);
-  }
-  EXPECT_TRUE(full);
-  EXPECT_TRUE(reading);
+  ASSERT_EQ(GetSecurityInfo(key.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, &list, nullptr, &descriptor), 0u);
+  const auto entries = AccessEntries(AccessText(list));
+  EXPECT_EQ(std::set<std::string>(entries.begin(), entries.end()),
+            (std::set<std::string>{"(A;;KA;;;BA)", "(A;;KA;;;SY)", "(A;;KR;;;BU)", "(D;;DC;;;BU)"}));
   LocalFree(descriptor);
   EXPECT_FALSE(Exists(kProgramId)) << "the repair makes no keys";
   DeleteClassKeys(ClassKeySelection::Control);
