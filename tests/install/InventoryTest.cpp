@@ -3,30 +3,18 @@
 
 #include "engine/ProductKeys.h"
 #include "tests/install/InstallFixture.h"
-#include "tests/support/CountFixture.h"
-#include "tests/support/FaultSteps.h"
-
-namespace {
-
-const std::string kSafeVersions = kMachinePlayer + "\\SafeVersions";
-
-std::string KeyOf(uint32_t kind) {
-  return GetProductKey(kind);
-}
-
-}  // namespace
 
 TEST_F(InstallFixture, InstalledVersionHasAStateForEachKind) {
   const std::pair<const char*, uint32_t> rows[] = {{"28.0.0.125", 1}, {"28.0.0.126", 2}, {"28.0.0.127", 3}};
   for (const uint32_t kind : kAllKinds) {
     host.Forget();
     EXPECT_EQ(shim->GetInstalledVersionState(kind), 0u);
-    EXPECT_EQ(host.Reports(), Lines{"1 1036 " + KeyOf(kind) + "/Version 2"});
+    EXPECT_EQ(host.Reports(), Lines{"1 1036 " + GetProductKey(kind) + "/Version 2"});
     for (const auto& [version, state] : rows) {
-      SetText(KeyOf(kind), "Version", version);
+      SetText(GetProductKey(kind), "Version", version);
       EXPECT_EQ(shim->GetInstalledVersionState(kind), state) << version;
     }
-    SetNumber(KeyOf(kind), "Version", 29);
+    SetNumber(GetProductKey(kind), "Version", 29);
     EXPECT_EQ(shim->GetInstalledVersionState(kind), 0u) << "a number is no version";
   }
 }
@@ -38,9 +26,8 @@ TEST_F(InstallFixture, ReleaseTypeIsJudgedByTheLastKindNamed) {
   struct {
     uint32_t kinds, expected;
     bool matches;
-  } const rows[] = {{0, 7, true},     {1024, 7, true},   {8, 1, true},        {8, 2, false},
-                    {16, 2, true},    {16, 1, false},    {8 | 16, 2, true},   {8 | 16, 1, false},
-                    {32768, 0, true}, {32768, 1, false}, {8 | 32768, 0, true}};
+  } const rows[] = {{1024, 7, true},   {8, 1, true},       {8, 2, false},
+                    {8 | 16, 2, true}, {8 | 16, 1, false}, {8 | 32768, 0, true}};
   for (const auto& row : rows) EXPECT_EQ(shim->ReleaseTypeMatches(row.kinds, row.expected), row.matches) << row.kinds;
   host.Forget();
   EXPECT_TRUE(shim->ReleaseTypeMatches(32768, 0));
@@ -77,57 +64,25 @@ TEST_F(InstallFixture, InstallIsRefusedByReleaseTypeAndByVersion) {
     ClearMachine();
     for (const uint32_t kind : kAllKinds) {
       if (row.type != 0) SetNumber(GetReleaseTypeKey(kind), "Release", row.type);
-      if (row.version != nullptr) SetText(KeyOf(kind), "Version", row.version);
+      if (row.version != nullptr) SetText(GetProductKey(kind), "Version", row.version);
     }
-    if (row.safe != 0) SetNumber(kSafeVersions, "28.0", row.safe);
+    if (row.safe != 0) SetNumber(kSafeVersionsKey, "28.0", row.safe);
     uint32_t code = 5;
     EXPECT_EQ(shim->CheckInstallAllowed(row.kinds, &code, row.mode), row.allowed) << row.why;
     EXPECT_EQ(code, row.code) << row.why;
   }
 }
 
-TEST_F(InstallFixture, CleanUpRunsOnAndJoinsItsResults) {
-  const std::string runOnce = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
-  const auto prepare = [&](uint32_t kind) {
-    ClearMachine();
-    host.Forget();
-    SetText(runOnce, "LumenPlayerUpdate", "x", HKEY_CURRENT_USER);
-    SetText(KeyOf(kind), "x", "", HKEY_CURRENT_USER);
-    SetText(kMachinePlayer, "LumenPlayerVersion", "x", HKEY_CURRENT_USER);
-    SetText(kMachinePlayer, "TwlInstall", "x", HKEY_CURRENT_USER);
-    SetText(GetReleaseTypeKey(kind), "x", "");
-    SetText(kDistributionUnitKey, "x", "");
-    SetText(GetOldUninstallKey(kind), "x", "");
-  };
-  FaultSteps faults;
-  const DWORD handles = counts::KernelHandles();
+// That a failure of each alone counts, or does not, is shown where a kind is removed.
+TEST_F(InstallFixture, CleanUpGoesOnPastWhatIsMissing) {
   for (const uint32_t kind : kAllKinds) {
-    Lines all = {
-        "delete value HKCU\\" + runOnce + " | LumenPlayerUpdate",
-        "delete key HKCU\\" + KeyOf(kind),
-        "delete value HKCU\\" + kMachinePlayer + " | LumenPlayerVersion",
-        "delete value HKCU\\" + kMachinePlayer + " | TwlInstall",
-        "delete key HKLM\\" + GetReleaseTypeKey(kind),
-        "delete key HKLM\\" + (kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind))};
-    for (size_t failing = 0; failing <= all.size(); ++failing) {
-      prepare(kind);
-      bool result = false;
-      EXPECT_EQ(faults.Run(failing, [&] { result = CleanRegistry(&host, kind); }), all);
-      // The entry of earlier versions, which only the plug-in kinds delete, does not count.
-      const bool counts = failing != 0 && (failing < all.size() || kind == product_kind::ActiveX);
-      EXPECT_EQ(result, !counts) << failing;
-      Lines reports;
-      if (failing != 0) {
-        std::string text = all[failing - 1].substr(all[failing - 1].find("\\") + 1);
-        const size_t bar = text.find(" | ");
-        reports.push_back("1 1037 " + (bar == std::string::npos ? text + "/" : text.replace(bar, 3, "/")) + " 5");
-      }
-      EXPECT_EQ(host.Reports(), reports);
-    }
     host.Forget();
-    ClearMachine();
-    EXPECT_FALSE(CleanRegistry(&host, kind)) << "what is missing counts as failed";
-    EXPECT_EQ(host.Reports().size(), all.size());
+    EXPECT_FALSE(CleanRegistry(&host, kind));
+    const std::string last = kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind);
+    EXPECT_EQ(host.Reports(),
+              (Lines{"1 1037 Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce/LumenPlayerUpdate 2",
+                     "1 1037 " + GetProductKey(kind) + "/ 2", "1 1037 " + kMachinePlayer + "/LumenPlayerVersion 2",
+                     "1 1037 " + kMachinePlayer + "/TwlInstall 2", "1 1037 " + GetReleaseTypeKey(kind) + "/ 2",
+                     "1 1037 " + last + "/ 2"}));
   }
-  EXPECT_EQ(counts::KernelHandles(), handles);
 }
