@@ -69,9 +69,3 @@ TEST_F(InstallFixture, PluginDirectoriesComeFromEveryBrowserInTurnAndOnce) {
   RefreshPluginDirectories(shim, L"C:\\other");
   EXPECT_EQ(Keys(shim->GetPluginDirectories()), found);
 }
-
-TEST_F(InstallFixture, WithoutBrowsersOnlyTheFallbackIsAPluginDirectory) {
-  SetText("Software\\Opera Software", "Last CommandLine", "C:\\opera.exe /mail");
-  RefreshPluginDirectories(shim, L"C:\\fallback");
-  EXPECT_EQ(Keys(shim->GetPluginDirectories()), Lines{"C:\\fallback"});
-}
