@@ -7,48 +7,62 @@
 //     ... the call under test ...
 //     EXPECT_EQ(host.Reports(), (Lines{"1 1113 C:\\missing 3"}));
 //
-// Any thread may report; everything else belongs to the test's own thread.
+// Belongs to the test's own thread.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+
 #include <map>
-#include <mutex>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "engine/HostCallbacks.h"
+#include "engine/LumenBrokerShim.h"
 #include "engine/SettingsTree.h"
 #include "tests/support/Texts.h"
 
 // What was reported, as the failure panel would read it.
 class RecordingLog final : public MessageLog {
  public:
-  void Add(uint32_t severity, uint32_t code, const MString& text);
+  void Add(uint32_t severity, uint32_t code, const MString& text) { entries.push_back({severity, code, text}); }
   // One line a report: severity, code and text (UTF-8) with a blank between; an empty text leaves no blank.
-  [[nodiscard]] Lines AsLines() const;
-  void Clear();
+  [[nodiscard]] Lines AsLines() const {
+    Lines lines;
+    for (const Entry& entry : entries) {
+      const std::string text = entry.text.IsEmpty() ? "" : " " + ::Text(entry.text);
+      lines.push_back(std::to_string(entry.severity) + " " + std::to_string(entry.code) + text);
+    }
+    return lines;
+  }
+  void Clear() { entries.clear(); }
 
-  uint32_t Count() override;
-  uint32_t Code(uint32_t index) override;
-  uint32_t Severity(uint32_t index) override;
-  MString* Text(MString* out, uint32_t index) override;
+  uint32_t Count() override { return static_cast<uint32_t>(entries.size()); }
+  uint32_t Code(uint32_t index) override { return At(index).code; }
+  uint32_t Severity(uint32_t index) override { return At(index).severity; }
+  MString* Text(MString* out, uint32_t index) override { return &(*out = At(index).text); }
   // "code: text", so that a window test sees which entry was chosen.
-  MString* Format(MString* out, HostCallbacks* host, uint32_t severity, uint32_t code, MString text,
-                  uint32_t reserved) override;
+  MString* Format(MString* out, HostCallbacks* /*host*/, uint32_t /*severity*/, uint32_t code, MString text,
+                  uint32_t /*reserved*/) override {
+    return &(*out = MString(WideView(FromUtf8(std::to_string(code) + ": " + ::Text(text)))));
+  }
 
   // How often a callee asked for an entry that is not there; the panel must never.
   uint32_t readsPastTheEnd = 0;
 
  private:
   struct Entry {
-    uint32_t severity;
-    uint32_t code;
-    std::string text;  // bytes of its own: a shared text's count is not safe across threads
+    uint32_t severity = 0;
+    uint32_t code = 0;
+    MString text;
   };
-  Entry At(uint32_t index);
+  Entry At(uint32_t index) {
+    if (index < entries.size()) return entries[index];
+    ++readsPastTheEnd;
+    return {};
+  }
 
-  mutable std::mutex lock;
   std::vector<Entry> entries;
 };
 
@@ -58,17 +72,38 @@ class RecordingHost final : public HostCallbacks {
   void UseSettings(const wchar_t* text) { ParseSettings(&settings, MString(text)); }
   [[nodiscard]] Lines Reports() const { return log.AsLines(); }
   // Forgets reports and events, keeps the answers.
-  void Forget();
+  void Forget() {
+    log.Clear();
+    events.clear();
+  }
 
-  void ReportMessage(uint64_t reserved, uint32_t severity, uint32_t code, MString text) override;
-  void LoadStringFallback(MString* out, uint32_t id, uint32_t flag) override;
+  // A wrong first argument has to show in every test that compares reports.
+  void ReportMessage(uint64_t reserved, uint32_t severity, uint32_t code, MString text) override {
+    log.Add(severity, code, reserved == 0 ? text : MString(L"(reserved argument is not 0)"));
+  }
+  void LoadStringFallback(MString* out, uint32_t id, uint32_t flag) override {
+    if (usesModuleTexts && flag != 0) {
+      shim->LoadString(out, id, 1);
+      return;
+    }
+    events.push_back("LoadStringFallback " + std::to_string(id) + " " + std::to_string(flag));
+    const auto known = fallbackTexts.find(id);
+    *out = known == fallbackTexts.end() ? MString(WideView(FromUtf8("fallback " + std::to_string(id)))) : known->second;
+  }
   MessageLog* GetMessageLog() override { return &log; }
   uint32_t GetFlags() override { return flags; }
-  bool DecompressImage(void* output, uint32_t outputSize, const void* input, uint32_t inputSize) override;
+  bool DecompressImage(void* output, uint32_t outputSize, const void* /*input*/, uint32_t inputSize) override {
+    events.push_back("DecompressImage " + std::to_string(outputSize) + " " + std::to_string(inputSize));
+    if (unpackedImage.empty() || unpackedImage.size() != outputSize) return false;
+    std::copy(unpackedImage.begin(), unpackedImage.end(), static_cast<uint8_t*>(output));
+    return true;
+  }
   MString* GetPayloadPath(MString* out) override { return &(*out = payloadPath); }
   bool ConflictCheckIsOptional() override { return conflictCheckIsOptional; }
   bool ConflictsBlockInstall() override { return conflictsBlockInstall; }
-  void NotifyConflictsCleared(void* reserved) override;
+  void NotifyConflictsCleared(void* reserved) override {
+    events.emplace_back(reserved == nullptr ? "NotifyConflictsCleared" : "NotifyConflictsCleared of something");
+  }
   bool IsRestartRequired() override { return restartRequired; }
   void GetBrowserPaths(MString* control, MString* helper) override { browserNames.Give(control, helper); }
   void GetPluginPaths(MString* control, MString* helper) override { pluginNames.Give(control, helper); }
@@ -80,7 +115,7 @@ class RecordingHost final : public HostCallbacks {
   void GetFeedbackServiceFileName(MString* out) override { *out = feedbackServiceFileName; }
   SettingsTree* GetSettings() override { return &settings; }
   uint32_t GetInstallSource() override { return installSource; }
-  void GetDownloadSettings(MString* out, uint8_t* flag) override;
+  void GetDownloadSettings(MString* out, uint8_t* /*flag*/) override { *out = downloadSettings; }
   uint32_t GetOsClass() override { return osClass; }
   bool SkipsUpdateChoice() override { return skipsUpdateChoice; }
   bool AnalyticsAllowed() override { return analyticsAllowed; }
@@ -89,44 +124,29 @@ class RecordingHost final : public HostCallbacks {
   void FileRemovalFinished(uint32_t reserved) override { Tell("FileRemovalFinished", reserved); }
   MString* GetPreviousActiveXVersion(MString* out) override { return &(*out = previousActiveXVersion); }
   MString* GetPreviousPluginVersion(MString* out) override { return &(*out = previousPluginVersion); }
-  MString* GetPreviousPepperVersion(MString* out) override { return &(*out = previousPepperVersion); }
+  MString* GetPreviousPepperVersion(MString* out) override { return &(*out = MString(L"")); }
   MString* GetTaskCommandPath(MString* out) override { return &(*out = taskCommandPath); }
-  bool GetUpdateDialogData(SettingsTree* out) override;
+  bool GetUpdateDialogData(SettingsTree* out) override {
+    if (updateDialogData.Data() != nullptr) ParseSettings(out, updateDialogData);
+    return updateDialogData.Data() != nullptr;
+  }
   void SetAutoUpdateChoice(uint32_t mode) override { Tell("SetAutoUpdateChoice", mode); }
   void StoreUpdateChoice(uint32_t value) override { Tell("StoreUpdateChoice", value); }
 
   // The two names that conflicts of one kind are searched by.
   struct Names {
-    MString control{L""};
-    MString helper{L""};
+    MString control, helper;
     void Give(MString* c, MString* h) const { std::tie(*c, *h) = std::tie(control, helper); }
   };
 
   // Answers, each of the operation that it is named after.
-  uint32_t flags = 0;
-  bool conflictCheckIsOptional = false;
-  bool conflictsBlockInstall = false;
-  bool restartRequired = false;
-  uint32_t installSource = 0;
-  uint32_t osClass = 0;
-  bool skipsUpdateChoice = false;
-  bool analyticsAllowed = false;
-  uint32_t sessionMode = 0;
-  MString payloadPath{L""};
-  Names browserNames;
-  Names pluginNames;
-  Names pepperNames;
-  MString controlPanelAppletName{L""};
-  MString settingsManagerFileName{L""};
-  MString utilityPath{L""};
-  MString updateServiceFileName{L""};
-  MString feedbackServiceFileName{L""};
-  MString downloadSettings{L""};
-  uint8_t downloadFlag = 0;
-  MString previousActiveXVersion{L""};
-  MString previousPluginVersion{L""};
-  MString previousPepperVersion{L""};
-  MString taskCommandPath{L""};
+  uint32_t flags = 0, installSource = 0, osClass = 0, sessionMode = 0;
+  bool conflictCheckIsOptional = false, conflictsBlockInstall = false, restartRequired = false;
+  bool skipsUpdateChoice = false, analyticsAllowed = false;
+  Names browserNames, pluginNames, pepperNames;
+  MString payloadPath, utilityPath, taskCommandPath, downloadSettings;
+  MString controlPanelAppletName, settingsManagerFileName, updateServiceFileName, feedbackServiceFileName;
+  MString previousActiveXVersion, previousPluginVersion;
   // Settings text of GetUpdateDialogData; a null text makes the operation fail.
   MString updateDialogData;
   // What every image unpacks to; DecompressImage fails when the size asked for is another.

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <vector>
@@ -26,13 +25,7 @@ std::string DataText(DWORD type, const std::vector<BYTE>& data) {
     std::replace(shown.begin(), shown.end(), L'\0', L'|');
     return "\"" + ToUtf8(shown) + "\"";
   }
-  std::string hex = std::to_string(type) + ":";
-  for (const BYTE byte : data) {
-    char digits[3];
-    std::snprintf(digits, sizeof(digits), "%02x", byte);
-    hex += digits;
-  }
-  return hex;
+  return std::to_string(type) + ":" + std::to_string(data.size());
 }
 
 void AddValues(HKEY key, const std::string& name, std::set<std::string>& lines) {
@@ -72,15 +65,14 @@ RegistrySnapshot::RegistrySnapshot() {
 }
 
 Lines RegistrySnapshot::Since(const RegistrySnapshot& before) const {
-  Lines gone;
-  std::set_difference(before.lines_.begin(), before.lines_.end(), lines_.begin(), lines_.end(),
-                      std::back_inserter(gone));
-  Lines added;
-  std::set_difference(lines_.begin(), lines_.end(), before.lines_.begin(), before.lines_.end(),
-                      std::back_inserter(added));
   Lines changes;
-  for (const std::string& line : gone) changes.push_back("- " + line);
-  for (const std::string& line : added) changes.push_back("+ " + line);
+  const auto add = [&changes](const char* sign, const auto& from, const auto& but) {
+    for (const std::string& line : from) {
+      if (!but.contains(line)) changes.push_back(sign + line);
+    }
+  };
+  add("- ", before.lines_, lines_);
+  add("+ ", lines_, before.lines_);
   std::stable_sort(changes.begin(), changes.end(),
                    [](const std::string& a, const std::string& b) { return a.substr(2) < b.substr(2); });
   return changes;

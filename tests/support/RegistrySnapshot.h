@@ -16,8 +16,8 @@ class RegistrySnapshot {
   // Reads the software of the machine and of the user, the session manager's values and the services.
   RegistrySnapshot();
   // "+ line" for what is new and "- line" for what has gone since `before`, in order of the keys. A key is a line of
-  // its own: "HKLM\Software\Key"; a value adds " | name = data", texts in quotation marks, numbers in decimal, other
-  // types in hexadecimal.
+  // its own: "HKLM\Software\Key"; a value adds " | name = data", texts in quotation marks, numbers in decimal, of
+  // other types the number and the size.
   [[nodiscard]] Lines Since(const RegistrySnapshot& before) const;
 
  private:
