@@ -11,114 +11,89 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-using Calls = std::vector<std::string>;
 
 constexpr DrawingHandle kDc = 77;
 
-Bytes Rect(int32_t left, int32_t top, int32_t right, int32_t bottom) {
-  const DrawingRect rect = {left, top, right, bottom};
-  Bytes bytes(sizeof(rect));
-  std::memcpy(bytes.data(), &rect, sizeof(rect));
+template <class Value>
+Bytes BytesOf(const Value& value, size_t size = sizeof(Value)) {
+  Bytes bytes(size);
+  std::memcpy(bytes.data(), &value, sizeof(value));
   return bytes;
 }
 
-// Arrays that both fills would take but for the header's length.
+// Arrays that a fill takes: a bitmap of 4 by 2.
 struct Arrays {
-  explicit Arrays(size_t headerBytes) : header(headerBytes) {
-    const BitmapHeader fields = {40, 4, 2, 1, 32, 0, 0, 0, 0, 0, 0};
-    std::memcpy(header.data(), &fields, sizeof(fields));
-  }
+  explicit Arrays(size_t headerBytes, int32_t height = 2)
+      : header(BytesOf(BitmapHeader{40, 4, height, 1, 32, 0, 0, 0, 0, 0, 0}, headerBytes)) {}
   [[nodiscard]] BitmapArrays Get() const { return {target, source, pixels, header}; }
 
-  Bytes target = Rect(1, 2, 30, 40);
-  Bytes source = Rect(0, 0, 4, 2);
+  Bytes target = BytesOf(DrawingRect{1, 2, 30, 40});
+  Bytes source = BytesOf(DrawingRect{0, 0, 4, 2});
   Bytes pixels = Bytes(32);
   Bytes header;
 };
 
-class CompositeFills : public testing::Test {
- protected:
-  void TearDown() override {
-    EXPECT_TRUE(relay.living.empty()) << "an object was not deleted";
-    EXPECT_EQ(relay.selected, RecordingRelay::kStock);
-    EXPECT_EQ(relay.depth, 0);
-  }
+// The calls of a fill, which must succeed, clipped with the header for it.
+std::string Calls(const Arrays& arrays, bool clip = true) {
   RecordingRelay relay;
-};
-
-TEST_F(CompositeFills, Rectangle) {
-  EXPECT_EQ(AddRectangle(relay, kDc, Rect(1, 2, 3, 4), 0x00FF80), result::Ok);
-  EXPECT_EQ(relay.calls, (Calls{"brush 00ff80", "select new", "rectangle 1,2,3,4", "select old", "delete"}));
+  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), clip), result::Ok);
+  return relay.calls;
 }
 
-TEST_F(CompositeFills, PathFilledAndStroked) {
-  FillPathSolid(relay, kDc, 0x0000FF);
-  StrokePathSolid(relay, kDc, 9, 0xFF0000);
-  EXPECT_EQ(relay.calls, (Calls{"brush 0000ff", "select new", "fill", "select old", "delete",  //
-                                "pen ff0000 9", "select new", "stroke", "select old", "delete"}));
-}
-
-TEST_F(CompositeFills, BitmapClippedToThePathOrLeftToTheClient) {
-  const Arrays arrays(44);
-  const std::string stretch = "stretch 1,2,30,40 from 0,0,4,2 by 00cc0020";
-  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), true), result::Ok);
-  EXPECT_EQ(relay.calls, (Calls{"save", "clip", stretch, "restore"}));
+TEST(CompositeFills, PutBackWhatTheyChangeAndDeleteWhatTheyMake) {
+  RecordingRelay relay;
+  EXPECT_EQ(AddRectangle(relay, kDc, BytesOf(DrawingRect{1, 2, 3, 4}), 99), result::Ok);
+  EXPECT_EQ(relay.calls, "brush 99;select 1;rectangle 1 2 3 4 1;select 0;delete 1;");
   relay.calls.clear();
-  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
-  EXPECT_EQ(relay.calls, (Calls{stretch}));
+  FillPathSolid(relay, kDc, 98);
+  StrokePathSolid(relay, kDc, 9, 97);
+  EXPECT_EQ(relay.calls,
+            "brush 98;select 2;fill;select 0;delete 2;"
+            "pen 9 97;select 3;stroke;select 0;delete 3;");
+  relay.calls.clear();
+  EXPECT_EQ(FillPathThroughBitmap(relay, kDc, Arrays(48).Get(), 96, 95), result::Ok);
+  EXPECT_EQ(relay.calls,
+            "save;brush 96;select 4;clip;stretch 1 2 30 40 0 0 4 2 95;"
+            "select 0;delete 4;restore 5;");
+  const std::string copy = "stretch 1 2 30 40 0 0 4 2 " + std::to_string(0xCC0020) + ";";
+  EXPECT_EQ(Calls(Arrays(44)), "save;clip;" + copy + "restore 5;");
+  EXPECT_EQ(Calls(Arrays(44), false), copy);
 }
 
-TEST_F(CompositeFills, BitmapAsAPatternsMask) {
-  EXPECT_EQ(FillPathThroughBitmap(relay, kDc, Arrays(48).Get(), 0x123456, 0x00B8074A), result::Ok);
-  EXPECT_EQ(relay.calls, (Calls{"save", "brush 123456", "select new", "clip",
-                                "stretch 1,2,30,40 from 0,0,4,2 by 00b8074a", "select old", "delete", "restore"}));
-}
-
-TEST_F(CompositeFills, WrongBitmapArraysDrawNothing) {
-  for (const size_t header : {kFillHeaderBytes, kTransparentFillHeaderBytes}) {
-    const auto fill = [&](const BitmapArrays& arrays) {
-      return header == kFillHeaderBytes ? FillPathWithBitmap(relay, kDc, arrays, true)
-                                        : FillPathThroughBitmap(relay, kDc, arrays, 0, 0);
-    };
-    const Arrays good(header);
-    const Bytes other(header == kFillHeaderBytes ? 48 : 44), shorter(15), few(31);
+TEST(CompositeFills, WrongBitmapArraysDrawNothing) {
+  const Bytes shorter(15), few(31);
+  for (const size_t header : {44u, 48u}) {
+    const Arrays good(header), other(header == 44 ? 48 : 44);
     const std::pair<ByteArgument BitmapArrays::*, ByteArgument> wrong[] = {
-        {&BitmapArrays::header, other},       {&BitmapArrays::header, std::nullopt}, {&BitmapArrays::target, shorter},
-        {&BitmapArrays::source, shorter},     {&BitmapArrays::target, std::nullopt}, {&BitmapArrays::pixels, few},
+        {&BitmapArrays::header, other.header}, {&BitmapArrays::header, std::nullopt}, {&BitmapArrays::target, shorter},
+        {&BitmapArrays::source, shorter},      {&BitmapArrays::target, std::nullopt}, {&BitmapArrays::pixels, few},
         {&BitmapArrays::pixels, std::nullopt}};
     for (const auto& [member, value] : wrong) {
+      RecordingRelay relay;
       BitmapArrays arrays = good.Get();
       arrays.*member = value;
-      EXPECT_EQ(fill(arrays), result::Fail);
+      EXPECT_EQ(
+          header == 44 ? FillPathWithBitmap(relay, kDc, arrays, true) : FillPathThroughBitmap(relay, kDc, arrays, 0, 0),
+          result::Fail);
+      EXPECT_EQ(relay.calls, "");
     }
-    EXPECT_EQ(relay.calls, Calls());
-    EXPECT_EQ(fill(good.Get()), result::Ok);
-    relay.calls.clear();
   }
 }
 
-TEST_F(CompositeFills, BitmapThatCannotBeDrawnIsASuccessWithoutDrawing) {
-  Arrays arrays(44);
-  const BitmapHeader fields = {40, 4, INT_MIN, 1, 32, 0, 0, 0, 0, 0, 0};
-  std::memcpy(arrays.header.data(), &fields, sizeof(fields));
-  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), true), result::Ok);
-  EXPECT_EQ(relay.calls, (Calls{"save", "clip", "restore"}));
-}
-
-TEST_F(CompositeFills, RectanglesBeyondTheDrawingSpaceDrawNothing) {
+TEST(CompositeFills, WhatCannotBeDrawnIsASuccessWithoutDrawing) {
+  EXPECT_EQ(Calls(Arrays(44, INT_MIN)), "save;clip;restore 5;");
   constexpr int32_t kFar = 1 << 27;
-  for (const Bytes& far : {Rect(kFar, 0, 1, 1), Rect(0, -kFar, 1, 1), Rect(0, 0, INT_MIN, 2), Rect(0, 0, 2, INT_MAX)}) {
+  for (const DrawingRect& far :
+       {DrawingRect{kFar, 0, 1, 1}, {0, -kFar, 1, 1}, {0, 0, INT_MIN, 2}, {0, 0, 2, INT_MAX}}) {
     for (Bytes Arrays::*const end : {&Arrays::target, &Arrays::source}) {
       Arrays arrays(44);
-      arrays.*end = far;
-      EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
+      arrays.*end = BytesOf(far);
+      EXPECT_EQ(Calls(arrays, false), "");
     }
   }
-  EXPECT_EQ(relay.calls, Calls());
   Arrays arrays(44);
-  arrays.target = Rect(1 - kFar, kFar - 1, kFar - 1, 1 - kFar);
-  EXPECT_EQ(FillPathWithBitmap(relay, kDc, arrays.Get(), false), result::Ok);
-  EXPECT_EQ(relay.calls.size(), 1u);
+  arrays.target = BytesOf(DrawingRect{1 - kFar, kFar - 1, kFar - 1, 1 - kFar});
+  EXPECT_NE(Calls(arrays, false), "");
 }
 
 }  // namespace
