@@ -3,9 +3,13 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdint>
+#include <string>
 
+#include "broker/CoLumenBrokerServer.h"
 #include "engine/Handles.h"
 
 class MemoryCanvas {
@@ -13,12 +17,7 @@ class MemoryCanvas {
   static constexpr int kSide = 64;
 
   MemoryCanvas() : dc_(CreateCompatibleDC(nullptr)) {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = kSide;
-    info.bmiHeader.biHeight = -kSide;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    const BITMAPINFO info = {{sizeof(BITMAPINFOHEADER), kSide, -kSide, 1, 32, 0, 0, 0, 0, 0, 0}, {}};
     void* bits = nullptr;
     bitmap_.Reset(CreateDIBSection(dc_.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     old_ = SelectObject(dc_.Get(), bitmap_.Get());
@@ -30,27 +29,37 @@ class MemoryCanvas {
   MemoryCanvas& operator=(const MemoryCanvas&) = delete;
 
   [[nodiscard]] HDC Get() const { return dc_.Get(); }
-  [[nodiscard]] ULONG Wire() const { return static_cast<ULONG>(reinterpret_cast<uintptr_t>(dc_.Get())); }
-  void Clear(uint32_t rgb = 0xFFFFFF) {
-    GdiFlush();
-    std::fill_n(pixels_, kSide * kSide, rgb);
-  }
+  void Clear(uint32_t rgb = 0xFFFFFF) { std::fill_n(Pixels(), kSide * kSide, rgb); }
   // 0xrrggbb.
-  [[nodiscard]] uint32_t At(int x, int y) const {
-    GdiFlush();
-    return pixels_[y * kSide + x] & 0xFFFFFF;
-  }
+  [[nodiscard]] uint32_t At(int x, int y) const { return Pixels()[y * kSide + x] & 0xFFFFFF; }
   // How many pixels are of that colour.
   [[nodiscard]] int Count(uint32_t rgb) const {
-    GdiFlush();
     return static_cast<int>(
-        std::count_if(pixels_, pixels_ + kSide * kSide, [&](uint32_t pixel) { return (pixel & 0xFFFFFF) == rgb; }));
+        std::count_if(Pixels(), Pixels() + kSide * kSide, [&](uint32_t pixel) { return (pixel & 0xFFFFFF) == rgb; }));
   }
-  [[nodiscard]] bool IsBlank() const { return Count(0xFFFFFF) == kSide * kSide; }
 
  private:
+  [[nodiscard]] uint32_t* Pixels() const { return GdiFlush(), pixels_; }
+
   MemoryDc dc_;
   GdiObject bitmap_;
   HGDIOBJ old_ = nullptr;
   uint32_t* pixels_ = nullptr;
+};
+
+// A broker object of this process with a canvas to draw on.
+class CanvasTest : public testing::Test {
+ protected:
+  template <class Value>
+  static std::string BytesOf(const Value& value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof(value));
+  }
+  static std::string Rect(LONG left, LONG top, LONG right, LONG bottom) {
+    return BytesOf(RECT{left, top, right, bottom});
+  }
+
+  ComInitializer apartment;
+  ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
+  MemoryCanvas canvas;
+  const ULONG dc = static_cast<ULONG>(reinterpret_cast<uintptr_t>(canvas.Get()));
 };
