@@ -63,54 +63,63 @@ TEST_F(DialogSteps, OpenAsksInOrderAndKeepsItsOwnOptions) {
 }
 
 TEST_F(DialogSteps, ChosenItemsAsClientsTakeThem) {
-  std::string chosen;
-  g_choice.items.clear();
-  EXPECT_EQ(Open(chosen), S_OK);
-  EXPECT_EQ(chosen, "") << "an array with nothing in it";
-  g_choice.items = {{L"C:\\a.txt\\a.txt", L"a.txt"}, {L"C:\\a.txt\\b", L"b"}, {L"C:\\a.txt\\c", L"c"}};
-  EXPECT_EQ(Open(chosen), S_OK);
-  EXPECT_EQ(chosen, "C:\\a.txt\\|a.txt|b|c") << "cut where the name stands last";
-  g_choice.items = {{L"C:\\x\\shown.lnk", L"other"}, {L"C:\\x\\b", L"b"}};
-  EXPECT_EQ(Open(chosen), S_OK);
-  EXPECT_EQ(chosen, "C:\\x\\shown.lnk|other|b") << "a name that its path lacks cuts nothing";
+  const struct {
+    const char* why;
+    decltype(g_choice.items) items;
+    const char* wanted;
+  } rows[] = {{"an array with nothing in it", {}, ""},
+              {"cut where the name stands last",
+               {{L"C:\\a.txt\\a.txt", L"a.txt"}, {L"C:\\a.txt\\b", L"b"}},
+               "C:\\a.txt\\|a.txt|b"},
+              {"a name that its path lacks cuts nothing",
+               {{L"C:\\x\\shown.lnk", L"other"}, {L"C:\\x\\b", L"b"}},
+               "C:\\x\\shown.lnk|other|b"}};
+  for (const auto& row : rows) {
+    std::string chosen;
+    g_choice.items = row.items;
+    EXPECT_EQ(Open(chosen), S_OK) << row.why;
+    EXPECT_EQ(chosen, row.wanted) << row.why;
+  }
 }
 
-TEST_F(DialogSteps, OpenReturnsTheFailureOfEachStep) {
-  g_choice.items = {{L"C:\\x\\a", L"a"}, {L"C:\\x\\b", L"b"}};
-  for (const char* const step :
-       {"SetFileTypes", "SetOptions", "Show", "GetResults", "GetCount", "GetItemAt", "GetDisplayName"}) {
+// For the name of nobody, "", the names are null.
+TEST_F(DialogSteps, FailureOfEachStepIsReturnedAsItStands) {
+  g_choice.items = {{path, L"a.sol"}, {path, L"a.sol"}};
+  const auto fail = [](const std::string& step) {
     g_record = {};
     g_record.failing = step;
+    g_choice.nameless = step.empty();
+  };
+  for (const std::string step :
+       {"SetFileTypes", "SetOptions", "Show", "GetResults", "GetCount", "GetItemAt", "GetDisplayName", ""}) {
+    fail(step);
     std::string chosen;
-    EXPECT_EQ(Open(chosen), kPlatformsOwn) << step;
+    EXPECT_EQ(Open(chosen), step.empty() ? E_FAIL : kPlatformsOwn) << step;
     EXPECT_EQ(chosen, "(empty)") << step;
     EXPECT_TRUE(g_record.calls.back().starts_with(step)) << "nothing more is asked behind " << step;
   }
-  g_record = {};
-  g_choice.nameless = true;
-  std::string chosen;
-  EXPECT_EQ(Open(chosen), E_FAIL);
+  for (const std::string step : {"SetFileName", "SetOptions", "Show", "GetResult", "GetDisplayName", ""}) {
+    fail(step);
+    ULONG cookie = 0;
+    BString chosen;
+    EXPECT_EQ(Save(cookie, chosen), step.empty() || step == "GetDisplayName" ? E_FAIL : kPlatformsOwn) << step;
+    EXPECT_EQ(cookie, 0u) << step;
+    EXPECT_EQ(chosen.Get(), nullptr) << step;
+  }
 }
 
-TEST_F(DialogSteps, ArraysThatOnlyAClientInThisProcessCanSend) {
-  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 0, 0, nullptr, 0, nullptr), E_INVALIDARG);
-  SAFEARRAY bare = {};
-  bare.cDims = 1;
-  bare.rgsabound[0].cElements = 20;
-  VARIANT entries;
-  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, 20, &bare, 0, &entries), E_INVALIDARG) << "elements without a size";
-  bare.cbElements = 1;
-  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, 20, &bare, 0, &entries), E_INVALIDARG) << "without data";
+TEST_F(DialogSteps, ArraysOfOtherThanBytesAndMissingReplies) {
   const std::string filters = FilterBytes(L"All\\0*.*\\0");
   const auto length = static_cast<ULONG>(filters.size());
   const ByteArray wide(SafeArrayCreateVector(VT_I8, 0, length));
   std::copy(filters.begin(), filters.end(), static_cast<char*>(wide.Get()->pvData));
-  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, length, wide.Get(), 0, &entries), E_INVALIDARG) << "not of bytes";
+  VARIANT entries;
+  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 1, length, wide.Get(), 0, &entries), E_INVALIDARG);
+  EXPECT_EQ(broker->BrokerOpenDialog(Window(), 0, 0, nullptr, 0, nullptr), E_INVALIDARG);
   ULONG cookie = 5;
   BSTR chosen = nullptr;
   EXPECT_EQ(broker->BrokerSaveDialog2(Window(), nullptr, 0, 0, nullptr, 0, nullptr, &chosen), E_INVALIDARG);
   EXPECT_EQ(broker->BrokerSaveDialog2(Window(), nullptr, 0, 0, nullptr, 0, &cookie, nullptr), E_INVALIDARG);
-  EXPECT_EQ(cookie, 5u);
   EXPECT_TRUE(g_record.calls.empty());
 }
 
@@ -157,7 +166,6 @@ TEST_F(DialogSteps, NoOwnerIsNoHindrance) {
     const char* failing;
     std::vector<WideString> owners;
   } rows[] = {{"", {}},
-              {"", {L""}},
               {"", {L"", L"second.example"}},
               {"PropertyList", {L""}},
               {"SetCollectedProperties", {L""}},
@@ -175,19 +183,6 @@ TEST_F(DialogSteps, NoOwnerIsNoHindrance) {
     EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
   }
   EXPECT_EQ(g_record.calls[4], "SetProperties 1 ''") << "a caller without identity offers an empty one";
-}
-
-TEST_F(DialogSteps, SaveReturnsTheFailureOfEachStep) {
-  for (const std::string step : {"SetFileName", "SetOptions", "Show", "GetResult", "GetDisplayName", ""}) {
-    g_record = {};
-    g_record.failing = step;
-    g_choice.nameless = step.empty();
-    ULONG cookie = 0;
-    BString chosen;
-    EXPECT_EQ(Save(cookie, chosen), step.empty() || step == "GetDisplayName" ? E_FAIL : kPlatformsOwn) << step;
-    EXPECT_EQ(cookie, 0u) << step;
-    EXPECT_EQ(chosen.Get(), nullptr) << step;
-  }
 }
 
 TEST_F(DialogSteps, CookieMayGoWhileItsFileIsBeingOpened) {
@@ -209,57 +204,50 @@ TEST_F(DialogSteps, CookieMayGoWhileItsFileIsBeingOpened) {
   }
 }
 
-struct PrintCall {
-  BOOL answer = TRUE;
-  PRINTDLGW asked = {};
-  HGLOBAL mode = nullptr;
-  HGLOBAL names = nullptr;
-};
-PrintCall g_print;
+// What PrintDlgW was given, what it answers, and the device memory that it leaves to its caller.
+PRINTDLGW g_asked = {};
+BOOL g_answer = TRUE;
+HGLOBAL g_memory[2];
 
 BOOL WINAPI FakePrintDlg(LPPRINTDLGW dialog) {
-  g_print.asked = *dialog;
-  dialog->hDevMode = g_print.mode = GlobalAlloc(GMEM_MOVEABLE, 16);
-  dialog->hDevNames = g_print.names = GlobalAlloc(GMEM_MOVEABLE, 16);
+  g_asked = *dialog;
+  dialog->hDevMode = g_memory[0] = GlobalAlloc(GMEM_MOVEABLE, 16);
+  dialog->hDevNames = g_memory[1] = GlobalAlloc(GMEM_MOVEABLE, 16);
   dialog->nFromPage = 3;
   dialog->nToPage = 4;
   dialog->Flags = PD_PAGENUMS;
   dialog->hDC = reinterpret_cast<HDC>(static_cast<intptr_t>(0x1280010047));
-  return g_print.answer;
+  return g_answer;
 }
 
 TEST_F(DialogSteps, PrintPassesPagesBothWaysAndFreesTheDeviceMemory) {
   const ImportHook hook(GetModuleHandleW(nullptr), "PrintDlgW", &FakePrintDlg);
+  using Values = std::vector<ULONG>;
   for (const BOOL answer : {TRUE, FALSE}) {
-    g_print.answer = answer;
-    ULONG from = 0x50002, to = 0x70009, flags = PD_RETURNDC | PD_ALLPAGES, dc = 11;
+    g_answer = answer;
+    ULONG from = 0x50002, to = 0x70009, flags = PD_RETURNDC, dc = 11;
     EXPECT_EQ(broker->BrokerPrintDialog(0x80000004, &from, &to, &flags, &dc), answer ? S_OK : E_FAIL);
-    EXPECT_EQ(g_print.asked.lStructSize, 120u);
-    EXPECT_EQ(g_print.asked.hwndOwner, reinterpret_cast<HWND>(static_cast<intptr_t>(-0x7FFFFFFC)))
-        << "whosever window it is";
-    EXPECT_EQ(g_print.asked.Flags, static_cast<DWORD>(PD_RETURNDC | PD_ALLPAGES));
-    const PRINTDLGW& asked = g_print.asked;
-    const std::vector<WORD> pages = {asked.nFromPage, asked.nMinPage, asked.nToPage, asked.nMaxPage, asked.nCopies};
-    EXPECT_EQ(pages, (std::vector<WORD>{2, 2, 9, 9, 1}));
-    EXPECT_EQ(from, answer ? 3u : 0x50002u);
-    EXPECT_EQ(to, answer ? 4u : 0x70009u);
-    EXPECT_EQ(flags, static_cast<ULONG>(answer ? PD_PAGENUMS : PD_RETURNDC | PD_ALLPAGES));
-    EXPECT_EQ(dc, answer ? 0x80010047u : 11u) << "the low 32 bits";
-    EXPECT_EQ(GlobalFlags(g_print.mode), static_cast<UINT>(GMEM_INVALID_HANDLE));
-    EXPECT_EQ(GlobalFlags(g_print.names), static_cast<UINT>(GMEM_INVALID_HANDLE));
+    EXPECT_EQ(g_asked.hwndOwner, reinterpret_cast<HWND>(static_cast<intptr_t>(-0x7FFFFFFC))) << "whosever it is";
+    EXPECT_EQ((Values{g_asked.lStructSize, g_asked.Flags, g_asked.nFromPage, g_asked.nMinPage, g_asked.nToPage,
+                      g_asked.nMaxPage, g_asked.nCopies}),
+              (Values{120, PD_RETURNDC, 2, 2, 9, 9, 1}));
+    EXPECT_EQ((Values{from, to, flags, dc}),
+              answer ? (Values{3, 4, PD_PAGENUMS, 0x80010047}) : (Values{0x50002, 0x70009, PD_RETURNDC, 11}));
+    for (const HGLOBAL memory : g_memory) EXPECT_EQ(GlobalFlags(memory), static_cast<UINT>(GMEM_INVALID_HANDLE));
   }
   // Hooks and templates that the call cannot bring.
+  g_asked = {};
   for (ULONG flag = PD_ENABLEPRINTHOOK; flag <= PD_ENABLESETUPTEMPLATEHANDLE; flag <<= 1) {
-    g_print = {};
     ULONG pages = 1, flags = PD_RETURNDC | flag, dc = 11;
     EXPECT_EQ(broker->BrokerPrintDialog(0, &pages, &pages, &flags, &dc), E_FAIL) << flag;
-    EXPECT_EQ(g_print.asked.lStructSize, 0u) << "the platform is not asked with " << flag;
   }
-  ULONG value = 0;
-  EXPECT_EQ(broker->BrokerPrintDialog(0, nullptr, &value, &value, &value), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerPrintDialog(0, &value, nullptr, &value, &value), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerPrintDialog(0, &value, &value, nullptr, &value), E_INVALIDARG);
-  EXPECT_EQ(broker->BrokerPrintDialog(0, &value, &value, &value, nullptr), E_INVALIDARG);
+  for (size_t missing = 0; missing < 4; ++missing) {
+    ULONG value = 0;
+    ULONG* at[] = {&value, &value, &value, &value};
+    at[missing] = nullptr;
+    EXPECT_EQ(broker->BrokerPrintDialog(0, at[0], at[1], at[2], at[3]), E_INVALIDARG);
+  }
+  EXPECT_EQ(g_asked.lStructSize, 0u) << "the platform is not asked";
 }
 
 }  // namespace

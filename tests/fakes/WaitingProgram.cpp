@@ -19,6 +19,11 @@ int wmain(int count, wchar_t** arguments) {
   if (hasWindow) CreateWindowExW(0, L"STATIC", title, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
   const KernelHandle ready(OpenEventW(EVENT_MODIFY_STATE, FALSE, title));
   SetEvent(ready.Get());
-  WaitForSingleObject(parent.Get(), INFINITE);
+  const HANDLE wait = parent.Get();
+  while (hasWindow && MsgWaitForMultipleObjects(1, &wait, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) {
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+  }
+  WaitForSingleObject(wait, INFINITE);
   return 0;
 }
