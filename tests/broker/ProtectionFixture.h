@@ -12,6 +12,7 @@
 #include "broker/Task.h"
 #include "engine/ComSupport.h"
 #include "tests/fakes/FakeControls.h"
+#include "tests/fakes/SlotFake.h"
 #include "tests/support/TestFiles.h"
 
 // The controls of a stand-in that is loaded already, or can be.
@@ -23,27 +24,18 @@ Controls& ControlsOf(const wchar_t* library) {
 }
 
 // Makes this thread serve a call of a client, as COM does for the length of a real one.
-class ServedCall final : public IServerSecurity {
+class ServedCall final : public SlotFake<IServerSecurity> {
  public:
-  ServedCall() { CoSwitchCallContext(this, &previous_); }
-  ~ServedCall() {
+  ServedCall() {
+    On(&IServerSecurity::ImpersonateClient,
+       [](void*) -> HRESULT { return ImpersonateSelf(SecurityImpersonation) ? S_OK : E_FAIL; });
+    On(&IServerSecurity::RevertToSelf, [](void*) -> HRESULT { return ::RevertToSelf() ? S_OK : E_FAIL; });
+    CoSwitchCallContext(Get(), &previous_);
+  }
+  ~ServedCall() override {
     IUnknown* self = nullptr;
     CoSwitchCallContext(previous_, &self);
   }
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
-    *out = static_cast<IServerSecurity*>(this);
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE QueryBlanket(DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**, DWORD*) override {
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE ImpersonateClient() override {
-    return ImpersonateSelf(SecurityImpersonation) ? S_OK : E_FAIL;
-  }
-  HRESULT STDMETHODCALLTYPE RevertToSelf() override { return ::RevertToSelf() ? S_OK : E_FAIL; }
-  BOOL STDMETHODCALLTYPE IsImpersonating() override { return FALSE; }
 
  private:
   IUnknown* previous_ = nullptr;

@@ -4,52 +4,37 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <shlwapi.h>
 
-#include <iterator>
-
-#include "engine/Handles.h"
-#include "engine/WideText.h"
+#include "engine/DllHelpers.h"
+#include "engine/Registry.h"
+#include "tests/support/StartProcess.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
-struct Place {
-  const wchar_t* from;
-  const wchar_t* to;
-};
-constexpr Place kPlaces[] = {{L"fake_srpapi.dll", L"C:\\windows\\system32\\srpapi.dll"},
-                             {L"fake_efswrt.dll", L"C:\\windows\\system32\\efswrt.dll"},
-                             {L"fake_enterprisedatafake.dll", L"C:\\windows\\system32\\lumenfake.dll"}};
-constexpr wchar_t kClasses[] = L"Software\\Microsoft\\WindowsRuntime\\ActivatableClassId\\";
-constexpr const wchar_t* kClassNames[] = {L"Windows.Storage.StorageFile",
-                                          L"Windows.Security.EnterpriseData.FileProtectionManager",
-                                          L"Windows.Security.EnterpriseData.ProtectionPolicyManager",
-                                          L"Windows.Security.EnterpriseData.ProtectionPolicyAuditInfo"};
+// A stand-in beside this program, and where the platform looks for it.
+constexpr const wchar_t* kPlaces[][2] = {{L"fake_srpapi.dll", L"C:\\windows\\system32\\srpapi.dll"},
+                                         {L"fake_efswrt.dll", L"C:\\windows\\system32\\efswrt.dll"},
+                                         {L"fake_enterprisedatafake.dll", L"C:\\windows\\system32\\lumenfake.dll"}};
+const std::string kClasses = "Software\\Microsoft\\WindowsRuntime\\ActivatableClassId\\";
+constexpr const char* kClassNames[] = {"Windows.Storage.StorageFile",
+                                       "Windows.Security.EnterpriseData.FileProtectionManager",
+                                       "Windows.Security.EnterpriseData.ProtectionPolicyManager",
+                                       "Windows.Security.EnterpriseData.ProtectionPolicyAuditInfo"};
 constexpr wchar_t kInner[] = L"LUMEN_STAND_INS";
 
-WideString OwnFolder() {
-  wchar_t path[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, path, MAX_PATH);
-  const WideString own(path);
-  return own.substr(0, own.rfind(L'\\') + 1);
-}
-
 void PutInPlace() {
-  for (const Place& place : kPlaces) CopyFileW((OwnFolder() + place.from).c_str(), place.to, FALSE);
-  for (const wchar_t* const name : kClassNames) {
-    HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_LOCAL_MACHINE, (WideString(kClasses) + name).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key,
-                    nullptr);
-    const RegistryKey owned(key);
-    const WideView path = kPlaces[2].to;
-    RegSetValueExW(key, L"DllPath", 0, REG_SZ, reinterpret_cast<const BYTE*>(path.data()),
-                   static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t)));
+  for (const auto& [from, to] : kPlaces) CopyFileW(testing_files::Beside(from).c_str(), to, FALSE);
+  for (const char* const name : kClassNames) {
+    (void)WriteText(CreateKey(HKEY_LOCAL_MACHINE, (kClasses + name).c_str(), KEY_WRITE).Get(), "DllPath",
+                    "C:\\windows\\system32\\lumenfake.dll");
   }
 }
 
 void TakeAway() {
-  for (const wchar_t* const name : kClassNames)
-    RegDeleteKeyW(HKEY_LOCAL_MACHINE, (WideString(kClasses) + name).c_str());
-  for (const Place& place : kPlaces) DeleteFileW(place.to);
+  for (const char* const name : kClassNames) RegDeleteKeyA(HKEY_LOCAL_MACHINE, (kClasses + name).c_str());
+  for (const auto& [from, to] : kPlaces) DeleteFileW(to);
 }
 
 // A copy below the program files, since the windows of this process are to be a trusted program's.
@@ -60,15 +45,9 @@ int RunInner() {
   wchar_t own[MAX_PATH] = {};
   GetModuleFileNameW(nullptr, own, MAX_PATH);
   CopyFileW(own, kTrustedCopy, FALSE);
-  WideString command(GetCommandLineW());
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION child = {};
+  const KernelHandle process = StartProcess(L"\"" + WideString(kTrustedCopy) + L"\" " + PathGetArgsW(GetCommandLineW()),
+                                            GetStdHandle(STD_OUTPUT_HANDLE));
   DWORD code = 1;
-  if (!CreateProcessW(kTrustedCopy, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &child))
-    return 1;
-  const KernelHandle process(child.hProcess);
-  const KernelHandle thread(child.hThread);
   WaitForSingleObject(process.Get(), INFINITE);
   GetExitCodeProcess(process.Get(), &code);
   DeleteFileW(kTrustedCopy);

@@ -54,7 +54,6 @@ struct EnterpriseControls {
   const wchar_t* identity = L"";
   int32_t evaluation = 0;
   int32_t queries = 0;
-  int32_t requests = 0;
   wchar_t source[64] = {};
   wchar_t target[64] = {};
   wchar_t auditData[64] = {};

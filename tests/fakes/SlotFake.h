@@ -10,6 +10,7 @@
 #include <unknwn.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <tuple>
 #include <type_traits>
@@ -73,5 +74,5 @@ class SlotFake {
   }
 
   Face faces_[sizeof...(Interfaces)];
-  ULONG references_ = 1;
+  std::atomic<ULONG> references_{1};
 };

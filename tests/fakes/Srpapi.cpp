@@ -1,6 +1,5 @@
 // Stands in for the library that tells a token's enterprise identities.
-#include <cstring>
-
+#include "engine/Handles.h"
 #include "tests/fakes/FakeControls.h"
 
 namespace {
@@ -9,30 +8,14 @@ SrpControls g_controls;
 
 bool IsImpersonating() {
   HANDLE token = nullptr;
-  if (!OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token)) return false;
-  CloseHandle(token);  // handle-check: a stand-in has no owning types
-  return true;
+  return OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) && KernelHandle(token).IsValid();
 }
 
-ULONG Count(const wchar_t* const* ids) {
-  ULONG count = 0;
-  while (count < 4 && ids[count] != nullptr) ++count;
-  return count;
-}
-
-ULONG SizeOf(const wchar_t* const* ids) {
-  ULONG bytes = 0;
-  for (ULONG i = 0; i < Count(ids); ++i) {
-    bytes += static_cast<ULONG>(sizeof(PCWSTR) + (static_cast<ULONG>(lstrlenW(ids[i])) + 1) * sizeof(wchar_t));
-  }
-  return bytes;
-}
-
-void Fill(const wchar_t* const* ids, PCWSTR* out) {
-  auto* text = reinterpret_cast<wchar_t*>(out + Count(ids));
-  for (ULONG i = 0; i < Count(ids); ++i) {
-    lstrcpyW(text, ids[i]);
-    out[i] = text;
+// The pointers, and behind them the texts.
+void Fill(const wchar_t* const* ids, ULONG count, PCWSTR* out) {
+  auto* text = reinterpret_cast<wchar_t*>(out + count);
+  for (ULONG i = 0; i < count; ++i) {
+    out[i] = lstrcpyW(text, ids[i]);
     text += lstrlenW(ids[i]) + 1;
   }
 }
@@ -50,13 +33,16 @@ extern "C" __declspec(dllexport) HRESULT WINAPI
   const wchar_t* const* const known = IsImpersonating() ? g_controls.clientIds : g_controls.serverIds;
   if (g_controls.mode == SrpControls::Fails) return E_FAIL;
   if (g_controls.mode == SrpControls::WantsBufferAtOnce && ids == nullptr) return E_INVALIDARG;
-  const ULONG needed = SizeOf(known);
-  *count = g_controls.mode == SrpControls::NoIdentities ? 0 : Count(known);
+  ULONG found = 0, needed = 0;
+  for (; found < 4 && known[found] != nullptr; ++found) {
+    needed += static_cast<ULONG>(sizeof(PCWSTR) + (static_cast<ULONG>(lstrlenW(known[found])) + 1) * sizeof(wchar_t));
+  }
+  *count = g_controls.mode == SrpControls::NoIdentities ? 0 : found;
   if (*bytes < needed || ids == nullptr) {
     *bytes = needed;
     return kTooSmall;
   }
   if (g_controls.mode == SrpControls::SecondCallFails) return E_FAIL;
-  Fill(known, ids);
+  Fill(known, found, ids);
   return S_OK;
 }
