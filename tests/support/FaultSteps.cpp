@@ -4,10 +4,12 @@
 #include <aclapi.h>
 
 #include <gtest/gtest.h>
+#include <shlwapi.h>
 
 #include <map>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "engine/DllHelpers.h"
 #include "engine/WideText.h"
@@ -23,165 +25,98 @@ struct Recording {
 };
 Recording g_recording;
 
-// The platform's functions, looked up before any hook stands in their place.
-#define ORIGINAL(library, name) decltype(&::name) name = Own<decltype(::name)>(library, #name)
-struct Originals {
-  ORIGINAL(L"advapi32.dll", RegOpenKeyExW);
-  ORIGINAL(L"advapi32.dll", RegCreateKeyExW);
-  ORIGINAL(L"advapi32.dll", RegCreateKeyExA);
-  ORIGINAL(L"advapi32.dll", RegSetValueExW);
-  ORIGINAL(L"advapi32.dll", RegSetValueExA);
-  ORIGINAL(L"advapi32.dll", RegDeleteValueW);
-  ORIGINAL(L"kernel32.dll", CreateFileW);
-  ORIGINAL(L"kernel32.dll", DeleteFileW);
-  ORIGINAL(L"kernel32.dll", SetFileAttributesW);
-  ORIGINAL(L"kernel32.dll", MoveFileExW);
-  ORIGINAL(L"kernel32.dll", CreateProcessW);
-  ORIGINAL(L"kernel32.dll", LoadLibraryW);
-  ORIGINAL(L"kernel32.dll", GetProcAddress);
-};
-const Originals g_real;
-
-// True when this step is the one to fail.
+// True when this step is the one to fail. Nothing, and what only opens a key, is no step.
 bool Step(const std::string& text) {
-  if (!g_recording.on) return false;
+  if (!g_recording.on || text.empty() || text.starts_with("opened ")) return false;
   g_recording.steps.push_back(text);
   return g_recording.steps.size() == g_recording.failing;
 }
 
-BOOL FailWith() {
-  SetLastError(g_recording.error);
-  return FALSE;
+std::string Utf8(const char* text) {
+  return text;
 }
-
 std::string Utf8(const wchar_t* text) {
   return text == nullptr ? std::string() : ToUtf8(text);
 }
 
-std::string NameOf(HKEY root, const std::string& path) {
-  if (root == HKEY_LOCAL_MACHINE) return "HKLM\\" + path;
-  if (root == HKEY_CURRENT_USER) return "HKCU\\" + path;
-  return g_recording.open[root] + "\\" + path;
-}
-
-LONG Opened(LONG status, PHKEY key, const std::string& name) {
-  if (status == ERROR_SUCCESS) g_recording.open[*key] = name;
-  return status;
-}
-
-std::string WriteText(HKEY key, DWORD type, const std::string& name) {
-  return (type == REG_DWORD ? "number " : "text ") + g_recording.open[key] + " | " + name;
-}
-
-LONG Failure() {
-  return static_cast<LONG>(g_recording.error);
-}
-
-LONG WINAPI OpenKeyW(HKEY root, LPCWSTR path, DWORD options, REGSAM rights, PHKEY key) {
-  return Opened(g_real.RegOpenKeyExW(root, path, options, rights, key), key, NameOf(root, Utf8(path)));
-}
-LONG WINAPI CreateKeyW(HKEY root, LPCWSTR path, DWORD reserved, LPWSTR type, DWORD options, REGSAM rights,
-                       LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD disposition) {
-  const std::string name = NameOf(root, Utf8(path));
-  if (Step("create " + name)) return Failure();
-  return Opened(g_real.RegCreateKeyExW(root, path, reserved, type, options, rights, security, key, disposition), key,
-                name);
-}
-LONG WINAPI CreateKeyA(HKEY root, LPCSTR path, DWORD reserved, LPSTR type, DWORD options, REGSAM rights,
-                       LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD disposition) {
-  const std::string name = NameOf(root, path);
-  if (Step("create " + name)) return Failure();
-  return Opened(g_real.RegCreateKeyExA(root, path, reserved, type, options, rights, security, key, disposition), key,
-                name);
-}
-LONG WINAPI SetValueW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD bytes) {
-  if (Step(WriteText(key, type, Utf8(name)))) return Failure();
-  return g_real.RegSetValueExW(key, name, reserved, type, data, bytes);
-}
-LONG WINAPI SetValueA(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD bytes) {
-  if (Step(WriteText(key, type, name))) return Failure();
-  return g_real.RegSetValueExA(key, name, reserved, type, data, bytes);
-}
-LONG WINAPI DeleteValueW(HKEY key, LPCWSTR name) {
-  if (Step("delete value " + g_recording.open[key] + " | " + Utf8(name))) return Failure();
-  return g_real.RegDeleteValueW(key, name);
-}
-
-HANDLE WINAPI OpenFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
-                        DWORD flags, HANDLE sample) {
-  if (Step("open " + Utf8(path))) {
-    FailWith();
-    return INVALID_HANDLE_VALUE;
-  }
-  return g_real.CreateFileW(path, access, share, security, disposition, flags, sample);
-}
-BOOL WINAPI DeleteFileStep(LPCWSTR path) {
-  return Step("delete " + Utf8(path)) ? FailWith() : g_real.DeleteFileW(path);
-}
-BOOL WINAPI AttributesStep(LPCWSTR path, DWORD attributes) {
-  return Step("attributes " + Utf8(path)) ? FailWith() : g_real.SetFileAttributesW(path, attributes);
-}
-BOOL WINAPI MoveStep(LPCWSTR path, LPCWSTR target, DWORD flags) {
-  return Step("queue " + Utf8(path)) ? FailWith() : g_real.MoveFileExW(path, target, flags);
-}
-
-BOOL WINAPI StartStep(LPCWSTR program, LPWSTR line, LPSECURITY_ATTRIBUTES process, LPSECURITY_ATTRIBUTES thread,
-                      BOOL inherit, DWORD flags, LPVOID environment, LPCWSTR directory, LPSTARTUPINFOW startup,
-                      LPPROCESS_INFORMATION started) {
-  if (Step("start " + Utf8(line))) return FailWith();
-  return g_real.CreateProcessW(program, line, process, thread, inherit, flags, environment, directory, startup,
-                               started);
-}
-
-HMODULE WINAPI LoadStep(LPCWSTR path) {
-  const bool ofSystem = _wcsnicmp(path, L"C:\\windows\\system32\\", 20) == 0;
-  if (!ofSystem && Step("load " + Utf8(path))) {
-    FailWith();
-    return nullptr;
-  }
-  return g_real.LoadLibraryW(path);
-}
-
-// Found at run time, by the code under test, through GetProcAddress.
 template <class Unit>
-LSTATUS DeleteTree(HKEY root, const Unit* path, const std::string& shown, const char* function) {
-  if (Step("delete key " + NameOf(root, shown))) return Failure();
-  return reinterpret_cast<LSTATUS WINAPI (*)(HKEY, const Unit*)>(
-      reinterpret_cast<void*>(g_real.GetProcAddress(GetModuleHandleW(L"shlwapi.dll"), function)))(root, path);
-}
-LSTATUS WINAPI DeleteTreeStep(HKEY root, LPCWSTR path) {
-  return DeleteTree(root, path, Utf8(path), "SHDeleteKeyW");
-}
-LSTATUS WINAPI DeleteTreeStepA(HKEY root, LPCSTR path) {
-  return DeleteTree(root, path, path, "SHDeleteKeyA");
-}
-DWORD WINAPI SecurityStep(LPWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what, PSID owner, PSID group,
-                          PACL list, PACL audit) {
-  if (Step("security " + Utf8(path))) return g_recording.error;
-  return SetNamedSecurityInfoW(path, type, what, owner, group, list, audit);
+std::string NameOf(HKEY root, const Unit* path) {
+  if (root == HKEY_LOCAL_MACHINE) return "HKLM\\" + Utf8(path);
+  if (root == HKEY_CURRENT_USER) return "HKCU\\" + Utf8(path);
+  return g_recording.open[root] + "\\" + Utf8(path);
 }
 
-template <class Function>
-void* Address(Function* function) {
-  return reinterpret_cast<void*>(function);
+// Of the arguments of a call only the key that it opened is kept, under the name in the step's text.
+template <class Argument>
+void Keep(Argument, const std::string&) {}
+void Keep(PHKEY key, const std::string& step) {
+  g_recording.open[*key] = step.substr(step.find(' ') + 1);
 }
 
-FARPROC WINAPI FindStep(HMODULE module, LPCSTR name) {
-  const std::string_view wanted = reinterpret_cast<uintptr_t>(name) > 0xFFFF ? name : "";
-  if (wanted == "SHDeleteKeyW") return reinterpret_cast<FARPROC>(Address(&DeleteTreeStep));
-  if (wanted == "SetNamedSecurityInfoW") return reinterpret_cast<FARPROC>(Address(&SecurityStep));
-  const bool entry = wanted == "DllRegisterServer" || wanted == "DllUnregisterServer";
-  if (entry && Step("entry " + std::string(wanted))) {
-    FailWith();
-    return nullptr;
+// Looked up before any hook stands in its place.
+const auto g_find = Own<decltype(::GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
+
+// A function of the platform's with a step in front, which `Describe` names by the call's arguments.
+template <class Function, class Describe>
+struct StandIn;
+template <class Result, class... Arguments, class Describe>
+struct StandIn<Result(Arguments...), Describe> {
+  static inline Result (*real)(Arguments...) = nullptr;
+  static Result Call(Arguments... arguments) {
+    const std::string step = Describe()(arguments...);
+    if (Step(step)) {
+      SetLastError(g_recording.error);
+      if constexpr (std::is_same_v<Result, LONG> || std::is_same_v<Result, DWORD>) return Result(g_recording.error);
+      if constexpr (std::is_same_v<Result, HANDLE>) return INVALID_HANDLE_VALUE;
+      return Result{};
+    }
+    const Result result = real(arguments...);
+    if (result == Result{}) (Keep(arguments, step), ...);
+    return result;
   }
-  return g_real.GetProcAddress(module, name);
+};
+
+struct Row {
+  const char* name;
+  void* replacement;
+};
+
+template <class Function, class Describe>
+Row Replace(const char* name, Describe /*describe*/) {
+  using Stand = StandIn<Function, Describe>;
+  for (const wchar_t* const library : {L"advapi32.dll", L"kernel32.dll", L"shlwapi.dll"}) {
+    void* const found = reinterpret_cast<void*>(g_find(GetModuleHandleW(library), name));
+    if (found != nullptr) Stand::real = reinterpret_cast<decltype(Stand::real)>(found);
+  }
+  return {name, reinterpret_cast<void*>(&Stand::Call)};
+}
+
+const auto kCreates = [](HKEY root, const auto* path, auto...) { return "create " + NameOf(root, path); };
+const auto kWrites = [](HKEY key, const auto* name, DWORD, DWORD type, auto...) {
+  return (type == REG_DWORD ? "number " : "text ") + g_recording.open[key] + " | " + Utf8(name);
+};
+const auto kDeletesKey = [](HKEY root, const auto* path) { return "delete key " + NameOf(root, path); };
+
+// What the code under test looks up itself.
+FARPROC WINAPI Find(HMODULE module, LPCSTR name) {
+  const std::string_view wanted = reinterpret_cast<uintptr_t>(name) > 0xFFFF ? name : "";
+  void* replacement = nullptr;
+  if (wanted == "SHDeleteKeyW") replacement = Replace<decltype(::SHDeleteKeyW)>(name, kDeletesKey).replacement;
+  if (wanted == "SetNamedSecurityInfoW") {
+    const auto secures = [](LPWSTR path, auto...) { return "security " + Utf8(path); };
+    replacement = Replace<decltype(::SetNamedSecurityInfoW)>(name, secures).replacement;
+  }
+  if (replacement != nullptr) return reinterpret_cast<FARPROC>(replacement);
+  const bool entry = wanted == "DllRegisterServer" || wanted == "DllUnregisterServer";
+  if (!entry || !Step("entry " + std::string(wanted))) return g_find(module, name);
+  SetLastError(g_recording.error);
+  return nullptr;
 }
 
 // The module keeps the deletion function for good once it has found it, so it has to find this one first: before any
 // test runs. Outside a recording it is the real one.
 const bool g_deletionBound = [] {
-  const ImportHook find(GetModuleHandleW(nullptr), "GetProcAddress", &FindStep);
+  const ImportHook find(GetModuleHandleW(nullptr), "GetProcAddress", &Find);
   (void)DeleteKeyTree(HKEY_CURRENT_USER, L"Software\\Lumen tests: no such key");
   return true;
 }();
@@ -190,24 +125,33 @@ const bool g_deletionBound = [] {
 
 FaultSteps::FaultSteps() {
   EXPECT_TRUE(g_deletionBound);
-  const std::pair<const char*, void*> rows[] = {
-      {"RegOpenKeyExW", Address(&OpenKeyW)},
-      {"RegCreateKeyExW", Address(&CreateKeyW)},
-      {"RegCreateKeyExA", Address(&CreateKeyA)},
-      {"RegSetValueExW", Address(&SetValueW)},
-      {"RegSetValueExA", Address(&SetValueA)},
-      {"RegDeleteValueW", Address(&DeleteValueW)},
-      {"CreateFileW", Address(&OpenFileW)},
-      {"DeleteFileW", Address(&DeleteFileStep)},
-      {"SetFileAttributesW", Address(&AttributesStep)},
-      {"MoveFileExW", Address(&MoveStep)},
-      {"SHDeleteKeyA", Address(&DeleteTreeStepA)},
-      {"CreateProcessW", Address(&StartStep)},
-      {"LoadLibraryW", Address(&LoadStep)},
-      {"GetProcAddress", Address(&FindStep)},
+  const Row rows[] = {
+      Replace<decltype(::RegOpenKeyExW)>(
+          "RegOpenKeyExW", [](HKEY root, LPCWSTR path, auto...) { return "opened " + NameOf(root, path); }),
+      Replace<decltype(::RegCreateKeyExW)>("RegCreateKeyExW", kCreates),
+      Replace<decltype(::RegCreateKeyExA)>("RegCreateKeyExA", kCreates),
+      Replace<decltype(::RegSetValueExW)>("RegSetValueExW", kWrites),
+      Replace<decltype(::RegSetValueExA)>("RegSetValueExA", kWrites),
+      Replace<decltype(::RegDeleteValueW)>(
+          "RegDeleteValueW",
+          [](HKEY key, LPCWSTR name) { return "delete value " + g_recording.open[key] + " | " + Utf8(name); }),
+      Replace<decltype(::CreateFileW)>("CreateFileW", [](LPCWSTR path, auto...) { return "open " + Utf8(path); }),
+      Replace<decltype(::DeleteFileW)>("DeleteFileW", [](LPCWSTR path) { return "delete " + Utf8(path); }),
+      Replace<decltype(::SetFileAttributesW)>("SetFileAttributesW",
+                                              [](LPCWSTR path, DWORD) { return "attributes " + Utf8(path); }),
+      Replace<decltype(::MoveFileExW)>("MoveFileExW", [](LPCWSTR path, auto...) { return "queue " + Utf8(path); }),
+      Replace<decltype(::SHDeleteKeyA)>("SHDeleteKeyA", kDeletesKey),
+      Replace<decltype(::CreateProcessW)>("CreateProcessW",
+                                          [](LPCWSTR, LPWSTR line, auto...) { return "start " + Utf8(line); }),
+      Replace<decltype(::LoadLibraryW)>("LoadLibraryW",
+                                        [](LPCWSTR path) {
+                                          const bool ofSystem = _wcsnicmp(path, L"C:\\windows\\system32\\", 20) == 0;
+                                          return ofSystem ? std::string() : "load " + Utf8(path);
+                                        }),
+      {"GetProcAddress", reinterpret_cast<void*>(&Find)},
   };
-  for (const auto& [name, replacement] : rows) {
-    hooks_.push_back(std::make_unique<ImportHook>(GetModuleHandleW(nullptr), name, replacement));
+  for (const Row& row : rows) {
+    hooks_.push_back(std::make_unique<ImportHook>(GetModuleHandleW(nullptr), row.name, row.replacement));
   }
 }
 
