@@ -9,37 +9,52 @@
 #include "tests/support/RecordingHost.h"
 
 // Loaded on first use and kept to the end, as texts that it made may live as long.
-[[nodiscard]] HMODULE LoadedModule();
+[[nodiscard]] inline HMODULE LoadedModule() {
+  static const HMODULE module = [] {
+    wchar_t path[MAX_PATH] = {};
+    GetFullPathNameW(L"bin\\LumenUtil.dll", MAX_PATH, path, nullptr);
+    return LoadLibraryW(path);
+  }();
+  return module;
+}
+
+[[nodiscard]] inline LumenBrokerShim* StartModule(HostCallbacks* host) {
+  auto* const start =
+      reinterpret_cast<decltype(&Start)>(reinterpret_cast<void*>(GetProcAddress(LoadedModule(), "Start")));
+  return host->shim = start == nullptr ? nullptr : start(host);
+}
 
 class ModuleFixture : public testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  void SetUp() override { ASSERT_NE(shim = StartModule(&host), nullptr) << GetLastError(); }
+  void TearDown() override {
+    if (shim != nullptr) shim->Destroy(1);
+  }
 
   RecordingHost host;
   LumenBrokerShim* shim = nullptr;
 };
 
-// One registry value for the length of a test: what stood there before comes back.
-class SavedValue {
+// One registry value, gone at the end of a test.
+class TestValue {
  public:
-  SavedValue(HKEY root, const wchar_t* key, const wchar_t* name);
-  SavedValue(const SavedValue&) = delete;
-  SavedValue& operator=(const SavedValue&) = delete;
-  ~SavedValue();
+  TestValue(HKEY rootKey, const wchar_t* keyPath, const wchar_t* valueName)
+      : root(rootKey), key(keyPath), name(valueName) {}
+  TestValue(const TestValue&) = delete;
+  TestValue& operator=(const TestValue&) = delete;
+  ~TestValue() { Delete(); }
 
-  void SetNumber(uint32_t number);
-  void SetText(const wchar_t* text);
-  void Delete();
-  [[nodiscard]] bool Exists() const;
+  void SetNumber(uint32_t number) { RegSetKeyValueW(root, key, name, REG_DWORD, &number, sizeof(number)); }
+  void SetText(const wchar_t* text) {
+    RegSetKeyValueW(root, key, name, REG_SZ, text, static_cast<DWORD>((WideView(text).size() + 1) * sizeof(wchar_t)));
+  }
+  void Delete() { RegDeleteKeyValueW(root, key, name); }
+  [[nodiscard]] bool Exists() const {
+    return RegGetValueW(root, key, name, RRF_RT_ANY, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+  }
 
  private:
-  void Set(DWORD newType, const void* data, size_t size);
-
   HKEY root;
-  WideString key;
-  WideString name;
-  DWORD type = 0;
-  std::vector<uint8_t> before;
-  bool existed = false;
+  const wchar_t* key;
+  const wchar_t* name;
 };

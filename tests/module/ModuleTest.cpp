@@ -1,21 +1,14 @@
-// The loaded module as a host drives it: start, lists, directory listings, texts, and the broker's two operations.
-#include <cstring>
-#include <filesystem>
-#include <fstream>
+// The loaded module as a host drives it: start, lists, directory listings, texts, its services.
 #include <utility>
 
 #include "engine/InstallEngine.h"
-#include "engine/ProductIds.h"
-#include "engine/ProductKind.h"
-#include "engine/Registry.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-const fs::path kSystemPlayer = "C:\\windows\\system32\\Halcyons\\Lumen";
+constexpr wchar_t kSystemPlayer[] = L"C:\\windows\\system32\\Halcyons\\Lumen";
 constexpr char kAllLists[] =
     "AddRemoveProgramsGUIDsAX ax1 ax2; AddRemoveProgramsGUIDsPlugin pl; AddRemoveProgramsGUIDsPepper pe;"
     "FilenamesAX a.ocx; FilenamesPlugin np.dll;"
@@ -24,32 +17,16 @@ constexpr char kAllLists[] =
     "AXFilenamePatterns Lumen:.ocx; PluginFilenamePatterns np:.dll; PepperFilenamePatterns pep:.dll;"
     "ProductManagerDirectoryPatterns addon;";
 
-fs::path ProductBin() {
-  return fs::path(_wgetenv(L"APPDATA")) / "Halcyonics\\Lumen Player\\corva.example\\bin";
-}
-
 // Sets up both directories that LoadEngineLists lists, and takes them away again.
 class EngineLists : public ModuleFixture {
  protected:
-  void SetUp() override {
-    ModuleFixture::SetUp();
-    for (const fs::path& folder : {kSystemPlayer, ProductBin()}) {
-      fs::remove_all(folder);
-      fs::create_directories(folder);
-    }
-    std::ofstream(kSystemPlayer / "Lumen28.ocx") << "x";
-    fs::create_directory(ProductBin() / "addon1");
+  EngineLists() {
+    testing_files::WriteWhole(system->Path() + L"\\Lumen28.ocx", "x");
+    testing_files::MakeDirectories(product.Path() + L"\\addon1");
   }
-  void TearDown() override {
-    fs::remove_all(kSystemPlayer);
-    fs::remove_all(ProductBin());
-    ModuleFixture::TearDown();
-  }
+  std::optional<testing_files::CleanDirectory> system{kSystemPlayer};
+  testing_files::CleanDirectory product{testing_files::PlayerDirectory() + L"\\corva.example\\bin"};
 };
-
-std::wstring Widen(const char* text) {
-  return {text, text + std::strlen(text)};
-}
 
 }  // namespace
 
@@ -63,21 +40,15 @@ TEST_F(ModuleFixture, StartGivesAShimWithAnEngineAndNothingElseDone) {
   EXPECT_EQ(at(shim, 16), static_cast<void*>(&shim->engine));
   EXPECT_EQ(at(shim, 24), static_cast<void*>(&shim->browserName));
   EXPECT_EQ(at(shim, 40), static_cast<void*>(&shim->registrationReached));
-  EXPECT_EQ(shim->host, &host);
   EXPECT_EQ(shim->WasRegistrationReached(), 0);
-  EXPECT_EQ(shim->browserName.Length(), 0);
   ASSERT_NE(shim->GetEngine(), nullptr);
-  const InstallEngine& engine = *shim->GetEngine();
-  EXPECT_EQ(engine.shim, shim);
-  EXPECT_EQ(engine.initialized, 0);
-  EXPECT_EQ(ToUtf8(engine.version.View()), "28.0.0.126");
-  EXPECT_EQ(ToUtf8(engine.productCode4.View()), "{14CAE90A-7395-4DF6-93AD-14AF6E52922B}");
+  EXPECT_EQ(shim->GetEngine()->shim, shim);
   EXPECT_EQ(host.Reports(), Lines{});
   EXPECT_EQ(host.events, Lines{});
 }
 
 TEST_F(EngineLists, AllSettingsListingsAndExtraFilesAreRead) {
-  host.UseSettings(Widen(kAllLists).c_str());
+  host.UseSettings(WidenAscii(kAllLists).c_str());
   EXPECT_TRUE(shim->LoadEngineLists());
   EXPECT_TRUE(shim->AddExtraActiveXFile(MString(L"a.exe")));
   EXPECT_TRUE(shim->AddExtraPluginFile(MString(L"p.exe")));
@@ -116,7 +87,7 @@ TEST_F(EngineLists, OnlySomeMissingSettingsMakeItFalseAndTheRestIsStillRead) {
     RecordingHost own;
     std::string text = kAllLists;
     text.insert(text.find(missing), "Not");  // renames the setting
-    own.UseSettings(Widen(text.c_str()).c_str());
+    own.UseSettings(WidenAscii(text).c_str());
     shim->host = &own;
     EXPECT_EQ(shim->LoadEngineLists(), missing.ends_with("Self")) << missing;
     EXPECT_EQ(own.Reports(), Lines{}) << missing;
@@ -128,26 +99,17 @@ TEST_F(EngineLists, OnlySomeMissingSettingsMakeItFalseAndTheRestIsStillRead) {
 }
 
 TEST_F(EngineLists, AnUnlistableDirectoryIsReportedAndTheOtherIsStillListed) {
-  fs::remove_all(kSystemPlayer);
-  host.UseSettings(Widen(kAllLists).c_str());
+  system.reset();
+  host.UseSettings(WidenAscii(kAllLists).c_str());
   EXPECT_FALSE(shim->LoadEngineLists());
   EXPECT_EQ(host.Reports(), Lines{"1 1113 C:\\windows\\system32\\Halcyons\\Lumen\\ 3"});
   EXPECT_EQ(Keys(shim->GetProductManagerEntries()), (Lines{"..", "addon1"}));
 }
 
-TEST_F(EngineLists, QuirkTheFirstEntryIsSkippedWhateverItIs) {
-  const ImportHook one(
-      LoadedModule(), "FindNextFileW", +[](HANDLE, LPWIN32_FIND_DATAW) -> BOOL { return FALSE; });
-  host.UseSettings(Widen(kAllLists).c_str());
-  EXPECT_TRUE(shim->LoadEngineLists());
-  EXPECT_EQ(shim->GetEngine()->systemEntries.Count(), 0);
-  EXPECT_EQ(shim->GetProductManagerEntries()->Count(), 0);
-}
-
 TEST_F(EngineLists, AnUnknownProductDirectoryIsNotTakenForTheRootOfTheDrive) {
   const ImportHook noFolders(
       LoadedModule(), "SHGetFolderPathW", +[](HWND, int, HANDLE, DWORD, LPWSTR) -> HRESULT { return E_FAIL; });
-  host.UseSettings(Widen(kAllLists).c_str());
+  host.UseSettings(WidenAscii(kAllLists).c_str());
   EXPECT_FALSE(shim->LoadEngineLists());
   EXPECT_EQ(shim->GetProductManagerEntries()->Count(), 0);
   EXPECT_EQ(Keys(&shim->GetEngine()->systemEntries), (Lines{"..", "Lumen28.ocx"}));
@@ -175,27 +137,22 @@ TEST_F(ModuleFixture, TextsComeFromTheResourcesOrTheHostOrSayThatTheyAreMissing)
   EXPECT_EQ(host.events, Lines{"LoadStringFallback 30 0"});
 }
 
-TEST_F(ModuleFixture, BrokerRegistrationIsForTheActiveXKindOnly) {
-  const std::wstring key = L"Software\\Classes\\CLSID\\" + Widen(LUMEN_BROKER_CLASS_ID_6) + L"\\LocalServer32";
-  const auto read = [&] { return ToUtf8(ReadWideText(HKEY_LOCAL_MACHINE, key.c_str(), L"").value_or(L"")); };
-  const std::string before = read();
-  for (const uint32_t kind : {0u, product_kind::Plugin, product_kind::Pepper, 24u}) {
-    EXPECT_TRUE(shim->RegisterBrokerServer(MString(L"C:\\other.exe"), kind));
-    EXPECT_EQ(read(), before) << kind;
-  }
-  EXPECT_TRUE(shim->RegisterBrokerServer(MString(L"C:\\lumen\\server.exe"), product_kind::ActiveX));
-  EXPECT_EQ(read(), "C:\\lumen\\server.exe");
-  if (before.empty()) {
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.substr(0, key.rfind(L'\\')).c_str());
-  } else {
-    shim->RegisterBrokerServer(MString(WideView(FromUtf8(before))), product_kind::ActiveX);
-  }
-}
-
 TEST_F(ModuleFixture, RunBrokerEndsWithTheExitCodeOfTheQuitMessage) {
   PostQuitMessage(7);
   EXPECT_EQ(shim->RunBroker(), 7u);
   EXPECT_EQ(host.Reports(), Lines{});
-  EXPECT_TRUE(shim->StopPlayers());
-  EXPECT_EQ(host.Reports(), Lines{"0 18"});
+}
+
+TEST_F(EngineLists, AReleasePlayerKeepsItsUpdateServiceAndAnotherPlayersGoes) {
+  const WideString service = WideString(kSystemPlayer) + L"\\LumenUpdate.exe";
+  testing_files::WriteWhole(service, "not a program");  // so it can be deleted but not asked to go
+  host.updateServiceFileName = L"LumenUpdate.exe";
+  for (const bool goes : {false, true}) {
+    host.flags = goes ? 0 : host_flag::ReleasePlayer;
+    EXPECT_EQ(shim->RemoveUpdateService(nullptr, L"C:\\windows\\system32"), !goes);
+    EXPECT_EQ(testing_files::Exists(service), !goes);
+  }
+  const Lines reports = host.Reports();
+  EXPECT_EQ(std::count(reports.begin(), reports.end(), "1 1118"), 2) << "both switches of the notify mode";
+  EXPECT_EQ(reports.back(), "1 1100");
 }

@@ -6,36 +6,10 @@ namespace {
 
 constexpr wchar_t kPolicies[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\System";
 constexpr wchar_t kOtherPlayer[] = L"SOFTWARE\\RealNetworks\\RealPlayer";
-constexpr wchar_t kPlayer[] = L"Software\\Halcyonics\\LumenPlayer";
-
-// The stand-ins for the calls that RefreshElevationPolicy makes.
-std::wstring g_loaded;
-bool g_hasLibrary = false;
-bool g_hasExport = false;
-int g_refreshes = 0;
-int g_freed = 0;
-
-HRESULT WINAPI Refresh() {
-  ++g_refreshes;
-  return E_FAIL;
-}
-HMODULE WINAPI Load(LPCWSTR path) {
-  g_loaded = path;
-  return g_hasLibrary ? GetModuleHandleW(nullptr) : nullptr;
-}
-FARPROC WINAPI Find(HMODULE /*module*/, LPCSTR name) {
-  const bool right = g_hasExport && std::string_view(name) == "IERefreshElevationPolicy";
-  return right ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Refresh)) : nullptr;
-}
-BOOL WINAPI Free(HMODULE /*module*/) {
-  ++g_freed;
-  return TRUE;
-}
-
 }  // namespace
 
 TEST_F(ModuleFixture, UacIsOnWhenThePolicyIsAboveZero) {
-  SavedValue policy(HKEY_LOCAL_MACHINE, kPolicies, L"EnableLUA");
+  TestValue policy(HKEY_LOCAL_MACHINE, kPolicies, L"EnableLUA");
   for (const uint32_t value : {0u, 1u, 2u}) {
     policy.SetNumber(value);
     EXPECT_EQ(shim->IsUacEnabled(), value != 0) << value;
@@ -47,7 +21,7 @@ TEST_F(ModuleFixture, UacIsOnWhenThePolicyIsAboveZero) {
 }
 
 TEST_F(ModuleFixture, ABadPlayerIsOneWhoseVersionBeginsWithSix) {
-  SavedValue version(HKEY_LOCAL_MACHINE, kOtherPlayer, L"version");
+  TestValue version(HKEY_LOCAL_MACHINE, kOtherPlayer, L"version");
   const std::pair<const wchar_t*, bool> rows[] = {{L"6.0.12.1", true}, {L"16.0", false}, {L"", false}};
   for (const auto& [text, bad] : rows) {
     version.SetText(text);
@@ -57,31 +31,25 @@ TEST_F(ModuleFixture, ABadPlayerIsOneWhoseVersionBeginsWithSix) {
   EXPECT_FALSE(shim->IsBadRealPlayer());
 }
 
-TEST_F(ModuleFixture, AskingForStoredConflictsClearsThem) {
-  SavedValue stored(HKEY_CURRENT_USER, kPlayer, L"ConflictingProcs");
-  stored.Delete();
-  EXPECT_FALSE(shim->HasStoredConflicts());
-  stored.SetText(L"Browser,Mail");
-  EXPECT_TRUE(shim->HasStoredConflicts());
-  EXPECT_FALSE(stored.Exists());
-  EXPECT_FALSE(shim->HasStoredConflicts());
-}
-
 TEST_F(ModuleFixture, RefreshingThePolicyTellsWhetherTheBrowserCouldBeAsked) {
-  struct Row {
-    bool library, entry, result;
-    int refreshes, freed;
-  };
-  for (const Row& row : {Row{false, false, false, 0, 0}, Row{true, false, false, 0, 1}, Row{true, true, true, 1, 1}}) {
-    g_hasLibrary = row.library;
-    g_hasExport = row.entry;
-    g_refreshes = g_freed = 0;
-    const ImportHook load(LoadedModule(), "LoadLibraryW", &Load);
-    const ImportHook find(LoadedModule(), "GetProcAddress", &Find);
-    const ImportHook freeing(LoadedModule(), "FreeLibrary", &Free);
-    EXPECT_EQ(shim->RefreshElevationPolicy(), row.result);
-    EXPECT_EQ(ToUtf8(g_loaded.c_str()), "C:\\windows\\system32\\ieframe.dll");
-    EXPECT_EQ(g_refreshes, row.refreshes);
-    EXPECT_EQ(g_freed, row.freed);
+  static int refreshes = 0;
+  static bool has = false;
+  const ImportHook find(
+      LoadedModule(), "GetProcAddress", +[](HMODULE, LPCSTR name) -> FARPROC {
+        HRESULT(WINAPI * refresh)() = [] { return ++refreshes, E_FAIL; };
+        const bool right = has && std::string_view(name) == "IERefreshElevationPolicy";
+        return right ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(refresh)) : nullptr;
+      });
+  for (const bool there : {false, true}) {
+    has = there;
+    EXPECT_EQ(shim->RefreshElevationPolicy(), there) << "whatever it answers";
+    EXPECT_EQ(GetModuleHandleW(L"ieframe.dll"), nullptr) << "it is freed";
   }
+  EXPECT_EQ(refreshes, 1);
+  const ImportHook load(
+      LoadedModule(), "LoadLibraryW", +[](LPCWSTR path) -> HMODULE {
+        EXPECT_STREQ(path, L"C:\\windows\\system32\\ieframe.dll");
+        return nullptr;
+      });
+  EXPECT_FALSE(shim->RefreshElevationPolicy());
 }

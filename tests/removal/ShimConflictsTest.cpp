@@ -38,7 +38,7 @@ class ShimConflicts : public ModuleFixture {
   }
 
   const testing_files::CleanDirectory folder;
-  SavedValue playerPath, uninstallerPath, stored;
+  TestValue playerPath, uninstallerPath, stored;
   const WideString control;
 };
 
