@@ -13,58 +13,48 @@
 namespace {
 
 struct Image {
-  TgaHeader header;
-  std::vector<uint8_t> file;
-  std::vector<uint32_t> pixels;
-
-  [[nodiscard]] uint32_t At(int32_t x, int32_t y) const {
-    return pixels[static_cast<size_t>(header.height - 1 - y) * header.width + static_cast<size_t>(x)];
+  explicit Image(const char* name) {
+    std::ifstream in(std::string(LUMEN_SOURCE_DIR "/resources/art/") + name, std::ios::binary);
+    file.assign(std::istreambuf_iterator<char>(in), {});
+    header = ReadTgaHeader(file).value_or(TgaHeader());
+    pixels.resize(header.PixelCount());
+    DecodeTga(file, header, pixels);
   }
   // The pixels of a place, row by row from its top.
   [[nodiscard]] std::vector<uint32_t> Cut(const SourceRect& place) const {
     std::vector<uint32_t> cut;
     for (int32_t y = place.y; y < place.y + place.height; ++y) {
-      for (int32_t x = place.x; x < place.x + place.width; ++x) cut.push_back(At(x, y));
+      const auto row = pixels.begin() + (header.height - 1 - y) * header.width + place.x;
+      cut.insert(cut.end(), row, row + place.width);
     }
     return cut;
   }
+
+  std::vector<uint8_t> file;
+  TgaHeader header;
+  std::vector<uint32_t> pixels;
 };
 
-Image Load(const std::string& name) {
-  Image image;
-  std::ifstream in(LUMEN_SOURCE_DIR "/resources/art/" + name, std::ios::binary);
-  image.file.assign(std::istreambuf_iterator<char>(in), {});
-  image.header = ReadTgaHeader(image.file).value_or(TgaHeader());
-  image.pixels.resize(image.header.PixelCount());
-  DecodeTga(image.file, image.header, image.pixels);
-  return image;
-}
-
-uint32_t Alpha(uint32_t pixel) {
-  return pixel >> 24;
-}
 TEST(Images, AreRunLengthCodedPremultipliedAndComplete) {
   const struct {
     const char* name;
-    uint8_t size[4];  // width and height, low byte first
-  } rows[] = {{"skin.tga", {57, 2, 175, 0}}, {"banner.tga", {204, 1, 130, 0}}, {"third.tga", {72, 0, 44, 0}}};
+    uint8_t width, width2, height;  // the width low byte first
+  } rows[] = {{"skin.tga", 57, 2, 175}, {"banner.tga", 204, 1, 130}, {"third.tga", 72, 0, 44}};
   for (const auto& row : rows) {
-    const Image image = Load(row.name);
+    const Image image(row.name);
     ASSERT_GT(image.file.size(), 44u) << row.name;
-    const auto [w, w2, h, h2] = row.size;
     // No identifier, no colour map, runs of 32 bits, eight bits of alpha, bottom row first.
     EXPECT_EQ(std::vector<uint8_t>(image.file.begin(), image.file.begin() + 18),
-              (std::vector<uint8_t>{0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, w, w2, h, h2, 32, 8}));
+              (std::vector<uint8_t>{0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, row.width, row.width2, row.height, 0, 32, 8}));
     EXPECT_EQ(std::string(image.file.end() - 18, image.file.end()), std::string("TRUEVISION-XFILE.\0", 18));
     for (const uint32_t pixel : image.pixels) {
-      const uint32_t most = std::max({pixel & 255, pixel >> 8 & 255, pixel >> 16 & 255});
-      ASSERT_LE(most, Alpha(pixel)) << row.name;
+      ASSERT_LE(std::max({pixel & 255, pixel >> 8 & 255, pixel >> 16 & 255}), pixel >> 24) << row.name;
     }
   }
 }
 
 TEST(SkinSheet, LooksCanBeToldApartAndMiddlesCanBeStretched) {
-  const Image skin = Load("skin.tga");
+  const Image skin("skin.tga");
   // Of buttons, check boxes and radio buttons, four each.
   const SourceRect looks[] = {{6, 77, 7, 33},   {13, 77, 7, 33},   {20, 77, 7, 33},  {27, 77, 7, 33},
                               {4, 0, 15, 15},   {19, 0, 15, 15},   {4, 15, 15, 15},  {19, 15, 15, 15},
@@ -78,12 +68,12 @@ TEST(SkinSheet, LooksCanBeToldApartAndMiddlesCanBeStretched) {
     EXPECT_EQ(skin.Cut({x, 79, 1, 29}), skin.Cut({x + 1, 79, 1, 29})) << x;
   }
   // Nothing of the banner is cut off where panels show its 400 columns, and backgrounds are opaque.
-  for (const uint32_t pixel : Load("banner.tga").Cut({402, 0, 58, 130})) ASSERT_EQ(Alpha(pixel), 0u);
+  for (const uint32_t pixel : Image("banner.tga").Cut({402, 0, 58, 130})) ASSERT_EQ(pixel >> 24, 0u);
   for (const SourceRect& place : {SourceRect{1, 0, 3, 68}, {33, 123, 122, 52}, {155, 0, 414, 175}, {0, 15, 1, 72}}) {
-    for (const uint32_t pixel : skin.Cut(place)) ASSERT_EQ(Alpha(pixel), 255u) << place.x;
+    for (const uint32_t pixel : skin.Cut(place)) ASSERT_EQ(pixel >> 24, 255u) << place.x;
   }
   // The last rows of the backgrounds are stretched down to the bar and must be the window's own colour there.
-  EXPECT_EQ(skin.At(300, 174), 0xFF323333u);
+  EXPECT_EQ(skin.Cut({300, 174, 1, 1}).front(), 0xFF323333u);
 }
 
 }  // namespace
