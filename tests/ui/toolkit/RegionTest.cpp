@@ -68,7 +68,6 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
           if (other != nullptr && !below) other->Attach(region.get());
       }
       window.DispatchMouse(kMousePress, {5, 5});
-      window.Tick();
       for (const auto& each : regions) {
         if (each == nullptr) continue;
         each->Invalidate();
@@ -76,65 +75,50 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
         EXPECT_TRUE(each->nativeWindow == nullptr || each->owner == &window);
       }
     }
-    if (round % 2 == 0) ending.reset();
-    for (auto& region : regions) {
-      if (ending != nullptr) {
-        region.reset();
-        window.Tick();
-      } else if (region != nullptr) {  // whether in the tree, dropped out of it or below one that is
+    if (round % 2 == 0) {
+      ending.reset();
+      for (const auto& region : regions) {  // in the tree, dropped out of it or below one that is
+        if (region == nullptr) continue;
         EXPECT_EQ(region->owner, nullptr);
         EXPECT_EQ(region->nativeWindow, nullptr);
-        region->SetVisible(true);
       }
+      continue;
     }
-    if (ending == nullptr) continue;
+    for (auto& region : regions) {
+      region.reset();
+      window.Tick();
+    }
     EXPECT_EQ(window.capturedRegion, nullptr);
     EXPECT_EQ(window.focusRegion, nullptr);
     EXPECT_EQ(window.firstRegion, nullptr);
   }
 }
 
-TEST(RegionTree, NativeChildrenComeWithAttachingAndGoWithDetaching) {
-  Family family;
-  family.parent.bounds = {10, 20, 210, 220};
-  family.a.bounds = {5, 5, 25, 25};
-  family.a.drawFlags |= kNativeChild;
-  family.parent.Attach(&family.a);
-  family.a.SyncNativeWindow();
-  family.a.SetVisible(false);
-  family.a.SetVisible(true);
-  family.a.Detach();
-  EXPECT_EQ(family.window.Take(), (Lines{"child 15,25,35,45", "move 15,25,35,45", "hide", "show", "destroy"}));
-
-  MSkinnedSection group;  // filled before it is attached itself
-  group.Attach(&family.a);
-  EXPECT_EQ(family.window.Take(), Lines{});
-  family.parent.Attach(&group);
-  EXPECT_EQ(family.window.Take(), (Lines{"child 15,25,35,45"}));
-  family.a.Detach();
-}
-
 TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
   const struct {
     const char* reason;
-    void (*act)(MRegion&);
-    bool keyboard;  // false: another program has it
+    void (*act)(MRegion&, RecordingPlatform&);
     Lines expected;
   } rows[] = {
-      {"hidden", [](MRegion& region) { region.SetVisible(false); }, true, {"focus none", "hide"}},
-      {"hidden elsewhere", [](MRegion& region) { region.SetVisible(false); }, false, {"focus none", "hide"}},
-      {"shown", [](MRegion& region) { region.SetVisible(true); }, true, {"show"}},
-      {"disabled", [](MRegion& region) { region.SetEnabled(false); }, true, {"focus none"}},
-      {"detached", [](MRegion& region) { region.Detach(); }, true, {"focus none", "destroy"}},
+      {"hidden", [](auto& region, auto&) { region.SetVisible(false); }, {"focus none", "hide"}},
+      {"hidden while another program has the keyboard",
+       [](auto& region, auto& platform) {
+         platform.focus = nullptr;
+         region.SetVisible(false);
+       },
+       {"focus none", "hide"}},
+      {"shown", [](auto& region, auto&) { region.SetVisible(true); }, {"show"}},
+      {"disabled", [](auto& region, auto&) { region.SetEnabled(false); }, {"focus none"}},
+      {"detached", [](auto& region, auto&) { region.Detach(); }, {"focus none", "destroy"}},
   };
   for (const auto& row : rows) {
     Family family;
     family.a.drawFlags |= kNativeChild;
+    family.parent.bounds = {10, 20, 210, 220};
     family.parent.Attach(&family.a);
     family.window.PlaceFocus(&family.a, false, nullptr);
-    if (!row.keyboard) family.window.Platform().focus = nullptr;
-    family.window.Take();
-    row.act(family.a);
+    EXPECT_EQ(family.window.Take(), Lines{"child 10,20,10,20"});
+    row.act(family.a, family.window.Platform());
     EXPECT_EQ(family.window.Take(), row.expected) << row.reason;
   }
 }

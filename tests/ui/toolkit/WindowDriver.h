@@ -6,9 +6,7 @@
 
 #include <chrono>
 #include <functional>
-#include <vector>
 
-#include "tests/support/CountFixture.h"
 #include "ui/toolkit/Geometry.h"
 
 namespace driver {
@@ -90,38 +88,6 @@ inline COLORREF PixelAt(HWND window, Point at) {
   const COLORREF color = GetPixel(dc, at.x, at.y);
   ReleaseDC(window, dc);
   return color;
-}
-
-// Objects of the process, to see that rounds of the same work leave as many as before.
-struct ObjectCounts {
-  size_t gdi = 0, windows = 0, heapBlocks = 0;
-};
-
-inline size_t CountHeapBlocks() {
-  std::vector<HANDLE> heaps(64);
-  heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
-  size_t count = 0;
-  for (const HANDLE heap : heaps) {
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(heap);
-    while (HeapWalk(heap, &entry)) count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
-    HeapUnlock(heap);
-  }
-  return count;
-}
-
-inline ObjectCounts CountObjects(HWND window) {
-  ObjectCounts counts;
-  counts.gdi = counts::GdiObjects();
-  EnumChildWindows(
-      window,
-      [](HWND, LPARAM total) {
-        ++*reinterpret_cast<size_t*>(total);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&counts.windows));
-  counts.heapBlocks = CountHeapBlocks();
-  return counts;
 }
 
 }  // namespace driver

@@ -49,15 +49,4 @@ TEST(Keyboard, TabStopsAtFocusableControlsBothWaysAndWraps) {
   }
 }
 
-TEST(FocusRing, SurroundsTheControlAndGoesWithIt) {
-  RecordingWindow window;
-  MSkinnedSection control, ring;
-  control.bounds = Rect::Of(94, 18, 140, 33);
-  window.PlaceFocus(&control, true, &ring);
-  EXPECT_EQ(Spell(ring.bounds), "89,13,239,56");
-  EXPECT_TRUE(ring.visible);
-  window.PlaceFocus(&control, false, &ring);
-  EXPECT_FALSE(ring.visible) << "focus by the mouse shows none";
-}
-
 }  // namespace
