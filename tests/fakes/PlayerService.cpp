@@ -1,5 +1,6 @@
 // Stands in for the player's update and feedback services, whichever its file is named after ("...Feedback..." or not).
 //   without arguments  a service, which stops at once when told to
+//   late, never        a service that only says that it will stop, or does not even that; its event ends it
 //   -install, -setSilentAutoUpdate, -setNotifyAutoUpdate
 //                      registers itself with the service manager and starts
 //   -uninstall         takes itself off the service manager
@@ -22,6 +23,7 @@ namespace {
 SERVICE_STATUS_HANDLE g_handle = nullptr;
 KernelHandle g_stop;
 bool g_feedback = false;
+std::string g_word;
 
 const wchar_t* Name() {
   return g_feedback ? kFeedbackServiceName : kUpdateServiceName;
@@ -36,9 +38,9 @@ void Tell(DWORD state) {
 }
 
 DWORD WINAPI Handle(DWORD control, DWORD /*type*/, void* /*data*/, void* /*context*/) {
-  if (control != SERVICE_CONTROL_STOP) return NO_ERROR;
-  Tell(SERVICE_STOPPED);
-  SetEvent(g_stop.Get());
+  if (control != SERVICE_CONTROL_STOP || g_word == "never") return NO_ERROR;
+  Tell(g_word == "late" ? SERVICE_STOP_PENDING : SERVICE_STOPPED);
+  if (g_word != "late") SetEvent(g_stop.Get());
   return NO_ERROR;
 }
 
@@ -46,10 +48,11 @@ void WINAPI Serve(DWORD /*count*/, wchar_t** /*arguments*/) {
   g_handle = RegisterServiceCtrlHandlerExW(Name(), &Handle, nullptr);
   Tell(SERVICE_RUNNING);
   WaitForSingleObject(g_stop.Get(), INFINITE);
+  Tell(SERVICE_STOPPED);
 }
 
 bool Dispatch() {
-  g_stop.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  g_stop.Reset(CreateEventW(nullptr, TRUE, FALSE, (kPlayerServiceEnd + WideString(Name())).c_str()));
   wchar_t name[] = L"";
   const SERVICE_TABLE_ENTRYW table[] = {{name, &Serve}, {nullptr, nullptr}};
   return StartServiceCtrlDispatcherW(table);
@@ -66,35 +69,27 @@ bool Install(const WideString& path) {
   return service && (StartServiceW(service.Get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING);
 }
 
-// The process that runs the service, so that it can be waited for.
-KernelHandle ProcessOf(SC_HANDLE service) {
-  SERVICE_STATUS_PROCESS status = {};
-  DWORD needed = 0;
-  if (!QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof(status),
-                            &needed) ||
-      status.dwProcessId == 0) {
-    return {};
-  }
-  return KernelHandle(OpenProcess(SYNCHRONIZE, FALSE, status.dwProcessId));
-}
-
 // Ends when the service's process has, since whoever asked deletes the file next.
 void Uninstall() {
   const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
   const ServiceHandle service(OpenServiceW(manager.Get(), Name(), SERVICE_ALL_ACCESS));
   if (!service) return;
-  const KernelHandle process = ProcessOf(service.Get());
+  SERVICE_STATUS_PROCESS running = {};
+  DWORD needed = 0;
+  QueryServiceStatusEx(service.Get(), SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&running), sizeof(running),
+                       &needed);
+  const KernelHandle process(OpenProcess(SYNCHRONIZE, FALSE, running.dwProcessId));
   SERVICE_STATUS status = {};
   const bool stopped = ControlService(service.Get(), SERVICE_CONTROL_STOP, &status);
   DeleteService(service.Get());
   if (stopped && process) WaitForSingleObject(process.Get(), 20000);
 }
 
-int Scripted(std::ifstream codes, const std::string& path, const std::string& word) {
-  std::ofstream(path + ".switches", std::ios::app) << word << "\n";
+int Scripted(std::ifstream codes, const std::string& path) {
+  std::ofstream(path + ".switches", std::ios::app) << g_word << "\n";
   std::string known;
   int code = 0;
-  while (codes >> known >> code && known != word) code = 0;
+  while (codes >> known >> code && known != g_word) code = 0;
   if (!codes) return 0;
   if (code == kPlayerServiceWaits) {
     const KernelHandle release(OpenEventW(SYNCHRONIZE, FALSE, kPlayerServiceRelease));
@@ -110,11 +105,11 @@ int main(int count, char** arguments) {
   GetModuleFileNameW(nullptr, own, MAX_PATH);
   const std::string path = NarrowToCodePage(own);
   g_feedback = path.find("Feedback") != std::string::npos;
-  if (count < 2) return Dispatch() ? 0 : 1;
-  const std::string word = arguments[count - 1];
-  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), path, word);
-  const bool installs = word == "-install" || word == "-setSilentAutoUpdate" || word == "-setNotifyAutoUpdate";
+  if (count > 1) g_word = arguments[count - 1];
+  if (!g_word.starts_with('-')) return Dispatch() ? 0 : 1;
+  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), path);
+  const bool installs = g_word == "-install" || g_word == "-setSilentAutoUpdate" || g_word == "-setNotifyAutoUpdate";
   if (installs && !Install(own)) return 1;
-  if (word == "-uninstall") Uninstall();
+  if (g_word == "-uninstall") Uninstall();
   return 0;
 }

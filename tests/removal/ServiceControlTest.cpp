@@ -6,10 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <optional>
 
 #include "engine/Handles.h"
-#include "tests/fakes/StoppableService.h"
+#include "tests/fakes/PlayerService.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RecordingHost.h"
 #include "tests/support/TestFiles.h"
@@ -31,56 +30,60 @@ void WINAPI Pause(DWORD milliseconds) {
 }
 
 // The calls to the service manager, of which one can be made to fail.
-int g_managerCalls, g_serviceCalls, g_queryCalls;
-int g_failManager, g_failService, g_failQuery;
+size_t g_calls = 0, g_failing = 0;
+bool Fails() {
+  return ++g_calls == g_failing;
+}
+auto* const g_query = Own<decltype(QueryServiceStatusEx)>(L"advapi32.dll", "QueryServiceStatusEx");
+auto* const g_control = Own<decltype(ControlService)>(L"advapi32.dll", "ControlService");
 
 SC_HANDLE WINAPI OpenManager(LPCWSTR /*machine*/, LPCWSTR /*database*/, DWORD rights) {
   EXPECT_EQ(rights, 0xF003Fu);
-  return ++g_managerCalls == g_failManager ? nullptr : OpenSCManagerA(nullptr, nullptr, rights);
+  return Fails() ? nullptr : OpenSCManagerA(nullptr, nullptr, rights);
 }
 SC_HANDLE WINAPI OpenOne(SC_HANDLE manager, LPCWSTR name, DWORD rights) {
   EXPECT_EQ(rights, 0xF01FFu);
-  return ++g_serviceCalls == g_failService ? nullptr : OpenServiceA(manager, ToUtf8(name).c_str(), rights);
+  return Fails() ? nullptr : OpenServiceA(manager, ToUtf8(name).c_str(), rights);
 }
-decltype(&QueryServiceStatusEx) g_query = nullptr;
 BOOL WINAPI Query(SC_HANDLE service, SC_STATUS_TYPE level, BYTE* buffer, DWORD size, DWORD* needed) {
-  EXPECT_EQ(level, 0);
-  EXPECT_EQ(size, 36u);
-  return ++g_queryCalls == g_failQuery ? FALSE : g_query(service, level, buffer, size, needed);
+  return Fails() ? FALSE : g_query(service, level, buffer, size, needed);
+}
+BOOL WINAPI Control(SC_HANDLE service, DWORD control, SERVICE_STATUS* status) {
+  return Fails() ? FALSE : g_control(service, control, status);
+}
+
+// Whether the act succeeded, in the end: the manager may still be at the deletion of the service before, or at the
+// start of somebody else's.
+template <class Act>
+bool InTheEnd(Act act) {
+  for (const ULONGLONG begun = GetTickCount64(); !act();) {
+    const DWORD error = GetLastError();
+    const bool busy = error == ERROR_SERVICE_MARKED_FOR_DELETE || error == ERROR_SERVICE_DATABASE_LOCKED;
+    if (!busy || GetTickCount64() - begun > 20000) return false;
+  }
+  return true;
 }
 
 class ServiceControl : public testing::Test {
  protected:
-  ServiceControl() : manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
-    release.Reset(CreateEventW(nullptr, TRUE, FALSE, kStoppableServiceRelease));
-    g_now = 0xFFFFF000;  // the clock wraps on the way
-    g_sleeps.clear();
-    g_afterSleep = nullptr;
-    g_managerCalls = g_serviceCalls = g_queryCalls = g_failManager = g_failService = g_failQuery = 0;
-    g_query = &QueryServiceStatusEx;
-  }
-  ~ServiceControl() override {
-    if (service) Unmake();
-  }
+  ~ServiceControl() override { Unmake(); }
 
   // A service that stops as `mode` says, running unless told otherwise.
   void Make(const wchar_t* mode, bool start = true) {
-    const WideString command = L"\"" + testing_files::Beside(L"StoppableService.exe") + L"\" " + mode;
-    // The manager may still be at the deletion of the one before.
-    const ULONGLONG begun = GetTickCount64();
-    do {
-      service.Reset(CreateServiceW(manager.Get(), kStoppableService, kStoppableService, SERVICE_ALL_ACCESS,
+    const WideString command = L"\"" + testing_files::Beside(L"PlayerService.exe") + L"\" " + mode;
+    ASSERT_TRUE(InTheEnd([&] {
+      service.Reset(CreateServiceW(manager.Get(), kUpdateServiceName, kUpdateServiceName, SERVICE_ALL_ACCESS,
                                    SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
                                    command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
-    } while (!service && GetLastError() == ERROR_SERVICE_MARKED_FOR_DELETE && GetTickCount64() - begun < 20000);
-    ASSERT_TRUE(service) << GetLastError();
+      return service.IsValid();
+    })) << GetLastError();
     if (!start) return;
-    ASSERT_TRUE(StartServiceW(service.Get(), 0, nullptr)) << GetLastError();
+    ASSERT_TRUE(InTheEnd([&] { return StartServiceW(service.Get(), 0, nullptr); })) << GetLastError();
     SERVICE_STATUS_PROCESS status = {};
     DWORD needed = 0;
     do {
-      ASSERT_TRUE(QueryServiceStatusEx(service.Get(), SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status),
-                                       sizeof(status), &needed));
+      ASSERT_TRUE(
+          g_query(service.Get(), SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof(status), &needed));
     } while (status.dwCurrentState == SERVICE_START_PENDING);
     ASSERT_EQ(status.dwCurrentState, static_cast<DWORD>(SERVICE_RUNNING));
     process.Reset(OpenProcess(SYNCHRONIZE, FALSE, status.dwProcessId));
@@ -89,36 +92,40 @@ class ServiceControl : public testing::Test {
   // Lets the service end and waits until it has.
   void Release() {
     SetEvent(release.Get());
-    if (process) {
-      EXPECT_EQ(WaitForSingleObject(process.Get(), 20000), static_cast<DWORD>(WAIT_OBJECT_0));
-    }
+    if (process) EXPECT_EQ(WaitForSingleObject(process.Get(), 20000), static_cast<DWORD>(WAIT_OBJECT_0));
   }
-  // All as before it was made.
   void Unmake() {
     Release();
     DeleteService(service.Get());
     service.Reset();
     process.Reset();
     ResetEvent(release.Get());
-    host.Forget();
-    g_sleeps.clear();
-    g_afterSleep = nullptr;
   }
-  bool Stop() {
+  // With a fresh log; `endsAfter` so many sleeps the service ends.
+  bool Stop(size_t failing = 0, size_t endsAfter = 0) {
     const HMODULE module = GetModuleHandleW(nullptr);
     const ImportHook time(module, "GetTickCount", &Now);
     const ImportHook sleep(module, "Sleep", &Pause);
     const ImportHook open(module, "OpenSCManagerW", &OpenManager);
     const ImportHook openOne(module, "OpenServiceW", &OpenOne);
     const ImportHook query(module, "QueryServiceStatusEx", &Query);
-    return StopService(Runner());
+    const ImportHook control(module, "ControlService", &Control);
+    g_now = 0xFFFFF000;  // the clock wraps on the way
+    g_sleeps.clear();
+    g_calls = 0;
+    g_failing = failing;
+    g_afterSleep = [this, endsAfter](size_t count) {
+      if (count == endsAfter) Release();
+    };
+    host.Forget();
+    return StopService(*UpdateServiceRunner(&host, MString(L"")));
   }
-  ServiceRunner Runner() { return {&host, MString(L""), MString(kStoppableService), MString(L"")}; }
 
   RecordingHost host;
-  ServiceHandle manager;
+  ServiceHandle manager{OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)};
   ServiceHandle service;
-  KernelHandle release;
+  KernelHandle release{
+      CreateEventW(nullptr, TRUE, FALSE, (kPlayerServiceEnd + WideString(kUpdateServiceName)).c_str())};
   KernelHandle process;
 };
 
@@ -127,13 +134,12 @@ using Sleeps = std::vector<DWORD>;
 }  // namespace
 
 TEST_F(ServiceControl, AnAbsentOrStoppedServiceIsStoppedWithoutAWord) {
-  EXPECT_FALSE(ServiceExists(Runner()));
-  EXPECT_TRUE(Stop());
-  Make(L"at-once", false);
-  EXPECT_TRUE(ServiceExists(Runner()));
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(host.Reports(), Lines{});
-  EXPECT_EQ(g_sleeps, Sleeps{});
+  for (const size_t calls : {2, 5}) {
+    EXPECT_TRUE(Stop());
+    EXPECT_EQ(g_calls, calls);
+    EXPECT_EQ(host.Reports(), Lines{});
+    if (!service) Make(L"", false);
+  }
 }
 
 TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
@@ -144,17 +150,14 @@ TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
     Sleeps sleeps;
   };
   const Row rows[] = {
-      {L"at-once", 0, {"0 35"}, {}},
-      {L"released", 2, {"1 1744 serviceProc.dwCurrentState == SERVICE_STOPPED", "0 35"}, {5000, 5000}},
+      {L"", 0, {"0 35"}, {}},
+      {L"late", 2, {"1 1744 serviceProc.dwCurrentState == SERVICE_STOPPED", "0 35"}, {5000, 5000}},
       // At 30,000 ms exactly the wait goes on; then the service counts as stopped.
       {L"never", 0, {"1 1745 GetTickCount() - dwStartTime > dwTimeout"}, Sleeps(7, 5000)},
   };
   for (const Row& row : rows) {
     Make(row.mode);
-    g_afterSleep = [&](size_t count) {
-      if (count == row.endsAfter) Release();
-    };
-    EXPECT_TRUE(Stop());
+    EXPECT_TRUE(Stop(0, row.endsAfter));
     EXPECT_EQ(host.Reports(), row.reports);
     EXPECT_EQ(g_sleeps, row.sleeps);
     Unmake();
@@ -162,42 +165,33 @@ TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
 }
 
 TEST_F(ServiceControl, AStopThatIsUnderWayIsWaitedForInSilence) {
-  Make(L"released");
+  Make(L"late");
   SERVICE_STATUS status = {};
-  ASSERT_TRUE(ControlService(service.Get(), SERVICE_CONTROL_STOP, &status));
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(g_sleeps, Sleeps(31, 1000)) << "it never ended";
-  g_sleeps.clear();
-  g_afterSleep = [this](size_t count) {
-    if (count == 3) Release();
-  };
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(g_sleeps, Sleeps(3, 1000));
-  EXPECT_EQ(host.Reports(), Lines{});
+  ASSERT_TRUE(g_control(service.Get(), SERVICE_CONTROL_STOP, &status));
+  for (const size_t endsAfter : {0, 3}) {
+    EXPECT_TRUE(Stop(0, endsAfter));
+    EXPECT_EQ(g_sleeps, Sleeps(endsAfter == 0 ? 31 : 3, 1000));
+    EXPECT_EQ(host.Reports(), Lines{});
+  }
 }
 
-TEST_F(ServiceControl, EachFailureHasItsReport) {
-  struct Row {
-    const wchar_t* mode;
-    int manager, service, query;
-    bool result;
-    Lines reports;
+TEST_F(ServiceControl, EachCallThatFailsHasItsReport) {
+  const Lines timeOut = {"1 1745 GetTickCount() - dwStartTime > dwTimeout"};
+  const std::pair<bool, Lines> rows[] = {
+      {true, {"1 1101"}},  // a manager that is closed to the first question hides the service
+      {true, {}},
+      {false, {"1 1101"}},
+      {false, {"1 1102"}},
+      {true, {}},
+      {false, {"1 1741"}},
+      {true, timeOut},  // the query after the stop is asked again
+      {true, {"1 1743 QueryServiceStatusEx() failed"}},
   };
-  const Row rows[] = {
-      {L"at-once", 1, 0, 0, true, {"1 1101"}},  // a manager that is closed to the first question hides the service
-      {L"at-once", 2, 0, 0, false, {"1 1101"}}, {L"at-once", 0, 1, 0, true, {}},
-      {L"at-once", 0, 2, 0, false, {"1 1102"}}, {L"at-once", 0, 0, 1, true, {}},
-      {L"refuses", 0, 0, 0, false, {"1 1741"}}, {L"never", 0, 0, 3, true, {"1 1743 QueryServiceStatusEx() failed"}},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::PrintToString(row.reports) + std::to_string(row.manager) + std::to_string(row.service));
-    Make(row.mode);
-    g_managerCalls = g_serviceCalls = g_queryCalls = 0;
-    g_failManager = row.manager;
-    g_failService = row.service;
-    g_failQuery = row.query;
-    EXPECT_EQ(Stop(), row.result);
-    EXPECT_EQ(host.Reports(), row.reports);
+  size_t failing = 0;
+  for (const auto& [result, reports] : rows) {
+    Make(L"never");
+    EXPECT_EQ(Stop(++failing), result) << failing;
+    EXPECT_EQ(host.Reports(), reports) << failing;
     Unmake();
   }
 }

@@ -10,22 +10,20 @@
 
 class StartedProgram {
  public:
-  // Copies the waiting program to `path` and starts it; it loads `library` when there is one, and has a window
-  // for the library "window".
+  // Copies the waiting program to `path`, whose folder is made, and starts it; it loads `library` when there is one,
+  // and has a window for the library "window".
   explicit StartedProgram(WideString path, const WideString& library = L"") : path_(std::move(path)) {
+    testing_files::MakeDirectories(path_.substr(0, path_.rfind(L'\\')));
     CopyFileW(testing_files::Beside(L"WaitingProgram.exe").c_str(), path_.c_str(), FALSE);
     WideString line = L"\"" + path_ + L"\" " + Number(GetCurrentProcessId());
     if (!library.empty()) line += L" \"" + library + L"\"";
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION started = {};
-    if (!CreateProcessW(path_.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED | CREATE_NO_WINDOW,
-                        nullptr, nullptr, &startup, &started)) {
-      ADD_FAILURE() << ToUtf8(path_) << " did not start: " << GetLastError();
-      return;
-    }
+    EXPECT_TRUE(CreateProcessW(path_.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED | CREATE_NO_WINDOW,
+                               nullptr, nullptr, &startup, &started))
+        << ToUtf8(path_);
     process_.Reset(started.hProcess);
-    id_ = started.dwProcessId;
     const KernelHandle thread(started.hThread);
     const KernelHandle ready(CreateEventW(nullptr, TRUE, FALSE, Title().c_str()));
     ResumeThread(thread.Get());
@@ -40,7 +38,7 @@ class StartedProgram {
   StartedProgram(const StartedProgram&) = delete;
   StartedProgram& operator=(const StartedProgram&) = delete;
 
-  [[nodiscard]] DWORD Id() const { return id_; }
+  [[nodiscard]] DWORD Id() const { return GetProcessId(process_.Get()); }
   [[nodiscard]] HWND Window() const { return FindWindowExW(HWND_MESSAGE, nullptr, nullptr, Title().c_str()); }
   // Waits for an end that is to come.
   [[nodiscard]] DWORD ExitCode() const {
@@ -53,9 +51,8 @@ class StartedProgram {
 
  private:
   static WideString Number(DWORD number) { return WidenAscii(std::to_string(number)); }
-  [[nodiscard]] WideString Title() const { return L"waiting-" + Number(id_); }
+  [[nodiscard]] WideString Title() const { return L"waiting-" + Number(Id()); }
 
   WideString path_;
   KernelHandle process_;
-  DWORD id_ = 0;
 };
