@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <numeric>
 
 #include "tests/support/Texts.h"
 
@@ -14,7 +14,7 @@ constexpr uint32_t kActiveX = 8, kPlugin = 16, kPepper = 32768, kAll = kActiveX 
 struct Process {
   const wchar_t* name;  // null: cannot be read
   const wchar_t* path = L"";
-  std::vector<const wchar_t*> files = {};
+  std::vector<MString> files = {};
 };
 
 // Ids count from 100.
@@ -24,8 +24,8 @@ class MemoryProcesses final : public ProcessList {
 
   std::optional<std::vector<uint32_t>> List() override {
     if (fails) return std::nullopt;
-    std::vector<uint32_t> ids;
-    for (uint32_t i = 0; i < all_.size(); ++i) ids.push_back(100 + i);
+    std::vector<uint32_t> ids(all_.size());
+    std::iota(ids.begin(), ids.end(), 100);
     return ids;
   }
   std::optional<ProcessIdentity> Identify(uint32_t id) override {
@@ -35,9 +35,7 @@ class MemoryProcesses final : public ProcessList {
   }
   std::vector<MString> LoadedFiles(uint32_t id) override {
     scanned.push_back(id);
-    std::vector<MString> files;
-    for (const wchar_t* file : all_[id - 100].files) files.emplace_back(file);
-    return files;
+    return all_[id - 100].files;
   }
   void End(uint32_t id) override { ended.push_back(id); }
 
@@ -77,10 +75,6 @@ struct Machine {
     }
     return lines;
   }
-  Lines Search(std::vector<Process> all) {
-    MemoryProcesses processes(std::move(all));
-    return Search(processes);
-  }
 };
 
 }  // namespace
@@ -99,7 +93,7 @@ TEST(ConflictSearch, AProcessIsNamedByItsSettingOrByItsLoadedFile) {
        L"PepperConflicts { fox; }; FriendlyProcessNames { fox Fuchs; }",
        {{L"Fox.exe"}},
        {"fox=Fuchs"}},
-      {"known for two kinds: the plug-in's name counts",
+      {"known for all kinds: the plug-in's name counts",
        L"ActiveXConflicts { fox A; }; PluginConflicts { fox P; }; PepperConflicts { fox X; }",
        {{L"fox.exe"}},
        {"fox=P"}},
@@ -123,7 +117,8 @@ TEST(ConflictSearch, AProcessIsNamedByItsSettingOrByItsLoadedFile) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.why);
-    EXPECT_EQ(Machine(row.settings).Search(row.processes), row.found);
+    MemoryProcesses processes(row.processes);
+    EXPECT_EQ(Machine(row.settings).Search(processes), row.found);
   }
 }
 
@@ -160,10 +155,10 @@ TEST(ConflictSearch, AKindIsLookedAtOnlyWhenItMatters) {
     machine.question.isRestartRequired = row.restart;
     machine.question.isOptional = row.optional;
     machine.question.installSource = row.source;
-    EXPECT_EQ(machine.Search({{L"fox.exe"}, {L"", L"", {L""}}}), row.found ? Lines{"fox=fox"} : Lines{});
-    // By the loaded file the answer is the same, but that nobody can have loaded what is not installed.
-    EXPECT_EQ(machine.Search({{L"viewer.exe", L"", {L"", kPluginFile}}}),
-              row.found && row.installed ? Lines{"viewer=viewer"} : Lines{});
+    // By the loaded file the answer is the same as by the name, but that nobody has loaded what is not installed.
+    MemoryProcesses processes({{L"fox.exe"}, {L"viewer.exe", L"", {L"", kPluginFile}}});
+    const Lines both = {"fox=fox", "viewer=viewer"};
+    EXPECT_EQ(machine.Search(processes), Lines(both.begin(), both.begin() + (row.found ? row.installed ? 2 : 1 : 0)));
   }
 }
 
@@ -200,14 +195,7 @@ TEST(ConflictSearch, TheHelperIsEndedUnlessItsBrowserStandsInTheWay) {
   nameless.question.helperName = MString(L"");
   MemoryProcesses processes({{L".exe"}});
   nameless.Search(processes);
-  EXPECT_EQ(processes.ended, std::vector<uint32_t>{});
-}
-
-TEST(ConflictSearch, NoListIsNotAnEmptyList) {
-  MemoryProcesses processes({{L"fox.exe"}});
-  processes.fails = true;
-  EXPECT_EQ(Machine(L"PluginConflicts { fox; }").Search(processes), Lines{"(null)"});
-  EXPECT_EQ(Machine().Search({}), Lines{});
+  EXPECT_TRUE(processes.ended.empty());
 }
 
 TEST(ConflictSearch, ModulesAreReadOnlyOfProcessesThatNoSettingKnows) {
@@ -215,28 +203,18 @@ TEST(ConflictSearch, ModulesAreReadOnlyOfProcessesThatNoSettingKnows) {
   Machine machine(L"PluginConflicts { fox; }; ConflictsToIgnore { cow; }");
   machine.Search(processes);
   EXPECT_EQ(processes.scanned, std::vector<uint32_t>{101});
+  processes.fails = true;
+  EXPECT_EQ(machine.Search(processes), Lines{"(null)"}) << "which is not an empty list";
 }
 
 TEST(FindRunningBrowser, GivesThePathOfTheLastOne) {
-  struct Row {
-    std::vector<Process> processes;
-    const char* found;
-  };
-  const Row rows[] = {
-      {{}, ""},
-      {{{L"notes.exe", L"C:\\n"}, {nullptr}, {L"firefox", L"C:\\f"}}, ""},
-      {{{L"SeaMonkey.exe", L"C:\\s"}, {L"notes.exe", L"C:\\n"}}, "C:\\s"},
-      {{{L"firefox.exe", L"C:\\f"}, {L"CHROME.EXE", L"C:\\c"}}, "C:\\c"},
-      {{{L"safari.exe", L"C:\\s"}}, "C:\\s"},
-      {{{L"opera.exe", L"C:\\o"}}, "C:\\o"},
-      {{{L"netscape.exe", L"C:\\n"}}, "C:\\n"},
-      {{{L"mozilla.exe", L"C:\\m"}}, "C:\\m"},
-  };
-  for (const Row& row : rows) {
-    MemoryProcesses processes(row.processes);
-    EXPECT_EQ(Text(FindRunningBrowser(processes)), row.found);
+  MemoryProcesses none({{L"notes.exe", L"C:\\n"}, {nullptr}, {L"firefox", L"C:\\f"}});
+  EXPECT_EQ(Text(FindRunningBrowser(none)), "");
+  none.fails = true;
+  EXPECT_EQ(Text(FindRunningBrowser(none)), "firefox.exe");
+  for (const wchar_t* const name : {L"Firefox.exe", L"CHROME.EXE", L"safari.exe", L"opera.exe", L"netscape.exe",
+                                    L"mozilla.exe", L"SeaMonkey.exe"}) {
+    MemoryProcesses processes({{L"firefox.exe", L"C:\\first"}, {name, L"C:\\last"}, {L"notes.exe", L"C:\\n"}});
+    EXPECT_EQ(Text(FindRunningBrowser(processes)), "C:\\last") << ToUtf8(name);
   }
-  MemoryProcesses unlisted({});
-  unlisted.fails = true;
-  EXPECT_EQ(Text(FindRunningBrowser(unlisted)), "firefox.exe");
 }
