@@ -33,45 +33,13 @@ class FakeFile final : public FileSniffSource {
   Result openResult;
 };
 
-Bytes Image(size_t header = 80, size_t size = 120) {
-  Bytes image(size, 0x5A);
-  image[0] = 'M';
-  image[1] = 'Z';
-  for (size_t i = 0; i < 4; ++i) image[60 + i] = static_cast<uint8_t>(header >> (8 * i));
-  const uint8_t mark[] = {'P', 'E', 0, 0};
-  std::copy(std::begin(mark), std::end(mark), image.begin() + static_cast<std::ptrdiff_t>(header));
+Bytes Image() {
+  Bytes image(120, 0x5A);
+  const uint8_t start[] = {'M', 'Z'}, header[] = {80, 0, 0, 0}, mark[] = {'P', 'E', 0, 0};
+  std::copy(std::begin(start), std::end(start), image.begin());
+  std::copy(std::begin(header), std::end(header), image.begin() + 60);
+  std::copy(std::begin(mark), std::end(mark), image.begin() + 80);
   return image;
-}
-
-BrokerCookieRecord Fresh() {
-  BrokerCookieRecord record;
-  record.sniffActive = 1;
-  return record;
-}
-
-// Writes a slice as the method does: judge, then account for it. Whether it was refused.
-bool Write(BrokerCookieRecord& record, const Bytes& slice, FileSniffSource& file) {
-  (void)SniffSlice(record, slice, file);
-  if (record.executableSeen != 0) return true;
-  record.writePosition += static_cast<uint32_t>(slice.size());
-  record.lastWriteSize = static_cast<uint32_t>(slice.size());
-  return false;
-}
-
-TEST(ExecutableSniffer, EverySplitOfAnImageIsRefusedExactlyWhenItsFirstSliceHoldsTheHeader) {
-  for (const size_t header : {64u, 80u, 100u}) {
-    const Bytes image = Image(header);
-    for (size_t split = 0; split <= image.size(); ++split) {
-      BrokerCookieRecord record = Fresh();
-      FakeFile file;
-      const auto middle = image.begin() + static_cast<std::ptrdiff_t>(split);
-      const bool first = Write(record, Bytes(image.begin(), middle), file);
-      EXPECT_EQ(first, split >= header + 4) << header << " split at " << split;
-      if (first) continue;
-      EXPECT_FALSE(Write(record, Bytes(middle, image.end()), file)) << "later slices are not looked at";
-      EXPECT_EQ(record.sniffActive, 0);
-    }
-  }
 }
 
 // Every place that a slice can start and end at, over every kind of file there may be ahead of it. The slice goes on
@@ -93,7 +61,8 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
             const int32_t start = std::clamp(seek, 0, size - length);
             for (const int32_t from : {0, start}) {
               const std::span<const uint8_t> slice(image.data() + from, static_cast<size_t>(length));
-              BrokerCookieRecord record = Fresh();
+              BrokerCookieRecord record;
+              record.sniffActive = 1;
               record.seekBase = seek;
               file.rewound = false;
               (void)SniffSlice(record, slice, file);
@@ -115,22 +84,20 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
 
 // A second write of a client that sought back behind an empty first one: nothing is judged, yet the handle is rewound.
 TEST(ExecutableSniffer, AHeaderAheadOfTheSeekRewindsOnceMore) {
-  BrokerCookieRecord record = Fresh();
-  record.sniffActive = 0;
-  record.peOffset = 80;
-  FakeFile file;
-  record.seekBase = 10;
-  EXPECT_FALSE(Write(record, Image(), file));
-  EXPECT_TRUE(file.rewound);
-  for (const auto& [seek, lastWrite] : {std::pair{80, 0u}, std::pair{0, 0u}, std::pair{10, 5u}}) {
-    BrokerCookieRecord other = Fresh();
-    other.sniffActive = 0;
-    other.peOffset = 80;
-    other.seekBase = seek;
-    other.lastWriteSize = lastWrite;
-    FakeFile untouched;
-    EXPECT_FALSE(Write(other, Image(), untouched));
-    EXPECT_FALSE(untouched.rewound) << seek << " after " << lastWrite;
+  const struct {
+    int32_t seek;
+    uint32_t lastWrite;
+    bool rewinds;
+  } rows[] = {{10, 0, true}, {80, 0, false}, {0, 0, false}, {10, 5, false}};
+  for (const auto& row : rows) {
+    BrokerCookieRecord record;
+    record.peOffset = 80;
+    record.seekBase = row.seek;
+    record.lastWriteSize = row.lastWrite;
+    FakeFile file;
+    (void)SniffSlice(record, Image(), file);
+    EXPECT_EQ(record.executableSeen, 0);
+    EXPECT_EQ(file.rewound, row.rewinds) << row.seek << " after " << row.lastWrite;
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "tests/support/BrokerProcess.h"
 #include "tests/support/ByteArray.h"
@@ -120,15 +121,13 @@ TEST_F(FileMethods, TheCookieOfARefusedProgramStaysWithoutAFile) {
 
 TEST_F(FileMethods, AFileInUseIsReadWithTheWiderSharing) {
   WriteWhole(In(L"a.sol"), "x");
-  FileHandle writer(
+  const FileHandle writer(
       CreateFileW(In(L"a.sol").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
   ASSERT_TRUE(writer);
   ULONG cookie = 0;
   EXPECT_EQ(Create(In(L"a.sol"), true, cookie), S_OK);
   Close(cookie);
   EXPECT_EQ(Create(In(L"a.sol"), false, cookie), kSharing);
-  writer.Reset(CreateFileW(In(L"b.sol").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-  EXPECT_EQ(Create(In(L"b.sol"), true, cookie), kSharing);
 }
 
 // Reading is open to any path, so a program "written" through such a cookie must not take the file away.
@@ -145,18 +144,15 @@ TEST_F(FileMethods, AReadCookieCannotBeUsedToDeleteAFileElsewhere) {
 
 TEST_F(FileMethods, MalformedArraysAreRefused) {
   const ULONG cookie = Open(L"a.sol", "");
-  ULONG written = 0;
-  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}};
-  SAFEARRAYBOUND fromOne = {4, 1}, fromBelow = {4, -1};
+  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}}, fromOne = {4, 1}, fromBelow = {4, -1};
   const ByteArray malformed[] = {
-      ByteArray(SafeArrayCreate(VT_UI1, 2, two)), ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)),
+      ByteArray(nullptr), ByteArray(SafeArrayCreate(VT_UI1, 2, two)), ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)),
       ByteArray(SafeArrayCreate(VT_UI1, 1, &fromBelow)), ByteArray(SafeArrayCreateVector(VT_I2, 0, 4))};
   for (const ByteArray& array : malformed) {
-    written = 77;
-    EXPECT_EQ(broker->BrokerWriteFile(cookie, array.Get(), &written), E_FAIL);
+    ULONG written = 77;
+    EXPECT_EQ(broker->BrokerWriteFile(cookie, array.Get(), &written), array.Get() == nullptr ? E_INVALIDARG : E_FAIL);
     EXPECT_EQ(written, 0u);
   }
-  EXPECT_EQ(broker->BrokerWriteFile(cookie, nullptr, &written), E_INVALIDARG);
   EXPECT_EQ(Write(cookie, "fine"), S_OK);
   Close(cookie);
   EXPECT_EQ(ReadWhole(In(L"a.sol")), "fine");
@@ -165,49 +161,46 @@ TEST_F(FileMethods, MalformedArraysAreRefused) {
 TEST_F(FileMethods, DeletingMovingAndDirectories) {
   WriteWhole(In(L"a.sol"), "a");
   WriteWhole(In(L"b.sol"), "b");
+  MakeDirectories(In(L"d.sol"));
   const auto move = [&](const WideString& from, const wchar_t* to, LONG flags) {
     return broker->BrokerMoveFileEx(Name(from).Get(), Name(In(to)).Get(), flags);
   };
   EXPECT_EQ(move(In(L"a.sol"), L"b.sol", 0), kThere);
   EXPECT_EQ(move(L"C:\\windows\\win.ini", L"c.sol", 0), E_FAIL);
+  EXPECT_EQ(move(In(L"d.sol"), L"e.sol", 0), E_FAIL) << "a directory";
   // The delay until reboot is in the mask as well; it would be left in the registry.
   const std::pair<LONG, HRESULT> flags[] = {{0x2B, kNotFound}, {0x10, E_FAIL}, {0x41, E_FAIL}, {INT32_MIN, E_FAIL}};
   for (const auto& [flag, expected] : flags) EXPECT_EQ(move(In(L"none.sol"), L"c.sol", flag), expected) << flag;
   EXPECT_EQ(move(In(L"a.sol"), L"b.sol", 1), S_OK);
   EXPECT_EQ(ReadWhole(In(L"b.sol")), "a");
 
-  EXPECT_EQ(broker->BrokerCreateDirectory(Name(In(L"d.sol")).Get()), S_OK);
   EXPECT_EQ(broker->BrokerCreateDirectory(Name(In(L"d.sol")).Get()), kThere);
   EXPECT_EQ(broker->BrokerCreateDirectory(Name(L"C:\\d").Get()), E_FAIL);
-  EXPECT_EQ(move(In(L"d.sol"), L"e.sol", 0), E_FAIL) << "a directory";
   EXPECT_EQ(broker->BrokerRemoveDirectory(Name(In(L"d.sol")).Get()), S_OK);
   EXPECT_EQ(broker->BrokerRemoveDirectory(Name(In(L"d.sol")).Get()), kNotFound);
   EXPECT_EQ(broker->BrokerRemoveDirectory(Name(L"C:\\windows").Get()), E_FAIL);
 
   WriteWhole(In(L"a.exe"), "x");
+  const std::tuple<const wchar_t*, LONG, HRESULT> writable[] = {
+      {L"a.exe", 1, E_FAIL}, {L"a.exe", 2, S_OK}, {L"a.exe", 0, S_OK}, {L"..\\a.sol", 0, E_FAIL}};
+  for (const auto& [name, extension, expected] : writable) {  // only 1 asks for the ending
+    EXPECT_EQ(broker->BrokerIsWritablePath(Name(In(name)).Get(), extension), expected) << extension;
+  }
   EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"a.exe")).Get()), S_OK) << "no ending counts for deleting";
 }
 
-TEST_F(FileMethods, AttributesAndWritability) {
+TEST_F(FileMethods, Attributes) {
   WriteWhole(In(L"a.sol"), "12345");
-  ULONG values[9] = {};
+  ULONG v[9] = {};
   const auto ask = [&](const WideString& path) {
-    return broker->BrokerGetFileAttributesEx(Name(path).Get(), &values[0], &values[1], &values[2], &values[3],
-                                             &values[4], &values[5], &values[6], &values[7], &values[8]);
+    return broker->BrokerGetFileAttributesEx(Name(path).Get(), &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7],
+                                             &v[8]);
   };
   EXPECT_EQ(ask(In(L"a.sol")), S_OK);
-  EXPECT_EQ(values[7], 5u);
+  EXPECT_EQ(v[7], 5u);
   EXPECT_EQ(ask(L"C:\\windows"), S_OK);
-  EXPECT_NE(values[0] & FILE_ATTRIBUTE_DIRECTORY, 0u);
+  EXPECT_NE(v[0] & FILE_ATTRIBUTE_DIRECTORY, 0u);
   EXPECT_EQ(ask(In(L"none")), kNotFound);
-
-  const auto writable = [&](const WideString& path, LONG extension) {
-    return broker->BrokerIsWritablePath(Name(path).Get(), extension);
-  };
-  EXPECT_EQ(writable(In(L"a.exe"), 1), E_FAIL);
-  EXPECT_EQ(writable(In(L"a.exe"), 2), S_OK) << "only 1 asks for the ending";
-  EXPECT_EQ(writable(In(L"a.exe"), 0), S_OK);
-  EXPECT_EQ(writable(L"C:\\a.sol", 0), E_FAIL);
 }
 
 TEST_F(FileMethods, ListingGivesEachNameOnceAndThenTheEnd) {
@@ -218,26 +211,25 @@ TEST_F(FileMethods, ListingGivesEachNameOnceAndThenTheEnd) {
   const auto first = [&](const WideString& path) {
     return broker->BrokerFindFirstFile(Name(path).Get(), name.Receive(), &attributes, &cookie);
   };
-  ASSERT_EQ(first(In(L"*.sol")), S_OK);
-  std::string names = ToUtf8(name.View());
-  HRESULT result = S_OK;
-  while (SUCCEEDED(result = broker->BrokerFindNextFile(cookie, name.Receive(), &attributes)))
-    names += " " + ToUtf8(name.View());
-  EXPECT_EQ(result, kNoMoreFiles);
-  EXPECT_EQ(names, "one.sol two.sol");
-  EXPECT_EQ(broker->BrokerFindClose(cookie), S_OK);
-  EXPECT_EQ(broker->BrokerFindClose(cookie), E_INVALIDARG);
   EXPECT_EQ(first(L"C:\\*"), E_ACCESSDENIED);
   EXPECT_EQ(first(In(L"*.none")), kNotFound);
+  std::string names;
+  HRESULT result = first(In(L"*.sol"));
+  for (; result == S_OK; result = broker->BrokerFindNextFile(cookie, name.Receive(), &attributes)) {
+    names += ToUtf8(name.View()) + " ";
+  }
+  EXPECT_EQ(result, kNoMoreFiles);
+  EXPECT_EQ(names, "one.sol two.sol ");
+  EXPECT_EQ(broker->BrokerFindClose(cookie), S_OK);
+  EXPECT_EQ(broker->BrokerFindClose(cookie), E_INVALIDARG);
 }
 
 TEST_F(FileMethods, HistoryIsDeletedAndItsDirectoryThereAgain) {
   MakeDirectories(In(L"#SharedObjects\\site"));
-  WriteWhole(In(L"#SharedObjects\\site\\a.sol"), "x");
-  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK);
-  EXPECT_TRUE(Exists(In(L"#SharedObjects")));
-  EXPECT_FALSE(Exists(In(L"#SharedObjects\\site")));
-  EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK) << "also when empty";
+  for (int round = 0; round < 2; ++round) {  // also when empty
+    EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(Name(directory.Path()).Get()), S_OK);
+    EXPECT_TRUE(Exists(In(L"#SharedObjects")) && !Exists(In(L"#SharedObjects\\site")));
+  }
   EXPECT_EQ(broker->BrokerDeleteBrowsingHistory(BString(L"C:\\windows").Get()), E_FAIL);
 }
 
