@@ -39,10 +39,10 @@ TEST_F(BrokerLifecycle, ServerWithoutAnObjectRunsOnUntilOneHasComeAndGone) {
 TEST_F(BrokerLifecycle, ScriptReachesTheSecondGenerationByName) {
   ComPtr<IDispatch> script;
   ASSERT_EQ(broker.CopyTo(IID_IDispatch, reinterpret_cast<void**>(script.GetAddressOf())), S_OK);
-  const WideString file = PlayerFile(L"script.sol");
+  const BString file(WideView(PlayerFile(L"script.sol")));
   ULONG cookie = 0;
   EXPECT_EQ(CallByName(script.Get(), L"BrokerCreateFile",
-                       {Argument(BString(file.c_str()).Get()), Argument(0L), Argument(1L), Argument(&cookie)}),
+                       {Argument(file.Get()), Argument(0L), Argument(1L), Argument(&cookie)}),
             S_OK);
   EXPECT_EQ(cookie, 1u);
   EXPECT_EQ(CallByName(script.Get(), L"brokerclosehandle", {Argument(cookie)}), S_OK);

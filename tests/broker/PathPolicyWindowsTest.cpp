@@ -18,9 +18,7 @@ using namespace testing_files;  // NOLINT(google-build-using-namespace): a test'
 
 class RealPaths : public testing::Test {
  protected:
-  [[nodiscard]] bool Writable(const WideString& path, bool extension = true) {
-    return policy.IsWritableDataPath(path.c_str(), extension, nullptr);
-  }
+  [[nodiscard]] bool Writable(const WideString& path) { return policy.IsWritableDataPath(path.c_str(), true, nullptr); }
 
   CleanDirectory player{PlayerDirectory()};
   CleanDirectory outside{L"C:\\lumen-test-outside"};
@@ -31,18 +29,16 @@ class RealPaths : public testing::Test {
 TEST_F(RealPaths, RootsEndingsDotsAndStreams) {
   MakeDirectories(player.Path() + L"\\sub");
   MakeDirectories(player.Path() + L"\\corva.example");
-  const struct {
-    const wchar_t* below;
-    bool writable;
-  } rows[] = {{L"\\a.sol", true},        {L"\\sub\\..\\a.sol", true}, {L"/sub/a.sol", true},
-              {L"\\a.exe", false},       {L"\\a.sol:b.sol", false},   {L"\\..\\a.sol", false},
-              {L"\\none\\a.sol", false}, {L"\\nul", false},           {L"\\corva.example\\a.sol", false},
-              {L"\\a.sol.", false},      {L"\\sub.\\a.sol", false},   {L"\\a.sol ", true}};
-  for (const auto& row : rows) EXPECT_EQ(Writable(player.Path() + row.below), row.writable) << ToUtf8(row.below);
+  const std::pair<const wchar_t*, bool> rows[] = {
+      {L"\\sub\\..\\a.sol", true}, {L"/sub/a.sol", true},   {L"\\a.exe", false},
+      {L"\\a.sol:b.sol", false},   {L"\\..\\a.sol", false}, {L"\\none\\a.sol", false},
+      {L"\\nul", false},           {L"\\a.sol.", false},    {L"\\corva.example\\a.sol", false},
+      {L"\\sub.\\a.sol", false},   {L"\\a.sol ", true}};
+  for (const auto& [below, writable] : rows) EXPECT_EQ(Writable(player.Path() + below), writable) << ToUtf8(below);
   EXPECT_TRUE(Writable(L"\\\\?\\" + player.Path() + L"\\a.sol"));
   EXPECT_FALSE(Writable(L"\\\\?\\" + player.Path() + L"\\sub\\..\\a.sol"));
   EXPECT_FALSE(Writable(L"\\\\.\\" + player.Path() + L"\\a.sol"));
-  EXPECT_FALSE(Writable(outside.Path() + L"\\a.sol", false));
+  EXPECT_FALSE(Writable(outside.Path() + L"\\a.sol"));
 }
 
 // Asking about "trap " tells of "trap", while a file behind it opens behind the link.
@@ -91,14 +87,14 @@ TEST_F(RealPaths, AnObjectManagerLinkIsReadAndFollowed) {
 // What is accepted is opened, and the platform is asked where it really is.
 TEST_F(RealPaths, WhateverIsAcceptedOpensUnderARoot) {
   MakeDirectories(player.Path() + L"\\sub");
-  const WideView pieces[] = {L"\\..",  L"\\.",     L"/",       L"\\sub", L"...",
-                             L" ",     L"\\a.sol", L".sol",    L":s",    L"\\Lumen Player",
-                             L"\\nul", L"%2E",     L"\\a.exe", L"x",     L"\\\\?\\"};
+  constexpr WideView kPieces[] = {L"\\..",  L"\\.",     L"/",       L"\\sub", L"...",
+                                  L" ",     L"\\a.sol", L".sol",    L":s",    L"\\Lumen Player",
+                                  L"\\nul", L"%2E",     L"\\a.exe", L"x",     L"\\\\?\\"};
   std::mt19937 random(7);
   int opened = 0;
   for (int round = 0; round < 3000; ++round) {
     WideString path = player.Path();
-    for (auto n = random() % 5; n > 0; --n) path += pieces[random() % std::size(pieces)];
+    for (auto n = random() % 5; n > 0; --n) path += kPieces[random() % std::size(kPieces)];
     if (!Writable(path)) continue;
     const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr));
     if (!file) continue;

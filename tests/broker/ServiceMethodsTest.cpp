@@ -138,15 +138,13 @@ TEST_F(Shortcuts, AnEntitledShortcutIsARealLinkToTheBrowser) {
             S_OK);
   ASSERT_EQ(link.As(&file), S_OK);
   ASSERT_EQ(file->Load(Menu(L"My Game.lnk").c_str(), STGM_READ), S_OK);
-  wchar_t text[MAX_PATH] = {};
+  wchar_t arguments[MAX_PATH] = {}, place[MAX_PATH] = {}, program[MAX_PATH] = {};
   int index = 7;
-  EXPECT_EQ(link->GetArguments(text, MAX_PATH), S_OK);
-  EXPECT_EQ(ToUtf8(text), ToUtf8(url));
-  EXPECT_EQ(link->GetIconLocation(text, MAX_PATH, &index), S_OK);
-  EXPECT_EQ(ToUtf8(text), ToUtf8(icon));
-  EXPECT_EQ(index, 0);
-  EXPECT_EQ(link->GetPath(text, MAX_PATH, nullptr, 0), S_OK);
-  EXPECT_TRUE(WideView(text).ends_with(L".exe")) << ToUtf8(text);
+  EXPECT_EQ(link->GetArguments(arguments, MAX_PATH), S_OK);
+  EXPECT_EQ(link->GetIconLocation(place, MAX_PATH, &index), S_OK);
+  EXPECT_EQ(link->GetPath(program, MAX_PATH, nullptr, 0), S_OK);
+  EXPECT_EQ(ToUtf8(arguments) + ToUtf8(place) + std::to_string(index), ToUtf8(url) + ToUtf8(icon) + "0");
+  EXPECT_TRUE(WideView(program).ends_with(L".exe")) << ToUtf8(program);
   EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 2), S_OK);
   EXPECT_TRUE(testing_files::Exists(Menu(L"My Game (2).lnk"))) << "one that is there stays";
   EXPECT_EQ(Make(L"My Game", url, icon, strings, message, 8), S_OK) << "a pin without its place makes nothing";
@@ -179,6 +177,8 @@ DWORD WINAPI Tick() {
 
 class DesktopShortcuts : public Shortcuts {
  protected:
+  static constexpr const wchar_t* kRedirector =
+      L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=";
   DesktopShortcuts() { g_tick += 100000; }  // far from the calls of the test before
   ~DesktopShortcuts() override {
     for (const wchar_t* const name : {L"My_Game.url", L"My_Game (2).url"}) DeleteFileW(Desktop(name).c_str());
@@ -187,44 +187,35 @@ class DesktopShortcuts : public Shortcuts {
   static WideString Desktop(const wchar_t* name) {
     return testing_files::Folder(CSIDL_DESKTOPDIRECTORY) + L"\\" + name;
   }
-  HRESULT MakeOnDesktop(DWORD later, ULONG flags = 1, const wchar_t* name = L"My_Game", const wchar_t* tail = L"x") {
+  HRESULT MakeOnDesktop(DWORD later, ULONG flags = 1, const wchar_t* name = L"My_Game",
+                        const WideString& address = WideString(kRedirector) + L"x") {
     g_tick += later;
-    const WideString address = WideString(kRedirector) + tail;
     return broker->BrokerCreateDesktopShortcut(BString(name).Get(), BString(WideView(address)).Get(),
                                                BString(L"C:\\game.ico").Get(), flags);
   }
-  static constexpr const wchar_t* kRedirector =
-      L"https://www.corva.example/cn/lumenservice/shortcut/shortcutredirect/?url=";
   shell_fakes::Registered<shell_fakes::InternetShortcut> shortcuts{shell_fakes::kInternetShortcut};
   ImportHook clock{GetModuleHandleW(nullptr), "GetTickCount", Tick};
 };
 
-TEST_F(DesktopShortcuts, AreRealFilesThatLeadToTheRedirector) {
+TEST_F(DesktopShortcuts, AreRealFilesThatLeadToTheRedirectorAndComeOneInThreeSeconds) {
   ASSERT_EQ(MakeOnDesktop(0, 1 | 2), S_OK);
   const std::string file = testing_files::ReadWhole(Desktop(L"My_Game.url"));
-  EXPECT_NE(file.find("URL=" + ToUtf8(kRedirector) + "x"), std::string::npos) << file;
-  EXPECT_NE(file.find("IconFile=C:\\game.ico"), std::string::npos) << file;
-  EXPECT_NE(file.find("IconIndex=0"), std::string::npos) << file;
+  for (const std::string& line :
+       {"URL=" + ToUtf8(kRedirector) + "x", std::string("IconFile=C:\\game.ico"), std::string("IconIndex=0")}) {
+    EXPECT_NE(file.find(line), std::string::npos) << file;
+  }
   EXPECT_TRUE(testing_files::Exists(Menu(L"My_Game.lnk"))) << "the start menu's is named like a link";
+  EXPECT_EQ(MakeOnDesktop(3000), kRefused);
+  EXPECT_EQ(MakeOnDesktop(3000), kRefused) << "the refused call began the wait anew";
   ASSERT_EQ(MakeOnDesktop(3001), S_OK);
   EXPECT_TRUE(testing_files::Exists(Desktop(L"My_Game (2).url")));
 }
 
-TEST_F(DesktopShortcuts, ComeOneInThreeSecondsAndRefusedOnesCount) {
-  EXPECT_EQ(MakeOnDesktop(0), S_OK);
-  EXPECT_EQ(MakeOnDesktop(3000), kRefused);
-  EXPECT_EQ(MakeOnDesktop(3000), kRefused) << "the refused call began the wait anew";
-  EXPECT_EQ(MakeOnDesktop(3001), S_OK);
-  EXPECT_EQ(MakeOnDesktop(3001, 0), kRefused);
-}
-
 TEST_F(DesktopShortcuts, RefusalsAnswerAlikeAndFailuresAsTheyAre) {
   EXPECT_EQ(MakeOnDesktop(3001, 1, L"My Game"), kRefused);
-  EXPECT_EQ(MakeOnDesktop(3001, 1, L""), kRefused);
+  EXPECT_EQ(MakeOnDesktop(3001, 0), kRefused);
   EXPECT_EQ(MakeOnDesktop(3001, 8), S_OK) << "a pin without its place makes nothing";
-  g_tick += 3001;
-  const BString elsewhere(L"https://evil.example/");
-  EXPECT_EQ(broker->BrokerCreateDesktopShortcut(BString(L"My_Game").Get(), elsewhere.Get(), nullptr, 1), kRefused);
+  EXPECT_EQ(MakeOnDesktop(3001, 1, L"My_Game", L"https://evil.example/"), kRefused);
   shell_fakes::g_record = {};
   shell_fakes::g_record.failing = "SetIconLocation";
   EXPECT_EQ(MakeOnDesktop(3001), E_UNEXPECTED);

@@ -112,21 +112,18 @@ TEST_F(Directory, TargetsInBothEncodings) {
 
 TEST_F(Directory, DispatchByVersionAndFormat) {
   const struct {
-    int32_t version;
-    int32_t format;
-    bool listening;
+    int32_t version, format;
+    const char* name;
     LcdDispatch outcome;
     bool stays;
-  } rows[] = {{-1, 5, true, LcdDispatch::Posted, true},  {8, 5, true, LcdDispatch::Posted, true},
-              {10, 5, true, LcdDispatch::Refused, true}, {11, 5, true, LcdDispatch::Refused, false},
-              {11, 2, true, LcdDispatch::Posted, true},  {8, 5, false, LcdDispatch::Refused, false}};
+  } rows[] = {{-1, 5, "a", LcdDispatch::Posted, true},  {8, 5, "a", LcdDispatch::Posted, true},
+              {10, 5, "a", LcdDispatch::Refused, true}, {11, 5, "a", LcdDispatch::Refused, false},
+              {11, 2, "a", LcdDispatch::Posted, true},  {8, 5, "b", LcdDispatch::Refused, false}};
+  ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '2'));
   for (const auto& row : rows) {
-    MemoryLcdAccessor fresh;
-    if (row.listening) ASSERT_TRUE(fresh.TryAddConnection("a", 0, 0, '2'));
-    const auto message = MessageFor("a", "payload");
-    EXPECT_EQ(fresh.DispatchMessage(message.data(), static_cast<int32_t>(message.size()), row.version, row.format, 0),
-              row.outcome);
-    EXPECT_EQ(fresh.At().messageSize != 0, row.stays) << row.version << "/" << row.format;
+    EXPECT_EQ(Send(MessageFor(row.name), row.version, row.format), row.outcome);
+    EXPECT_EQ(accessor.At().messageSize != 0, row.stays) << row.version << "/" << row.format;
+    EXPECT_TRUE(accessor.ClearMessage());
   }
 }
 
@@ -134,18 +131,17 @@ TEST_F(Directory, TheSlotTakesOneMessage) {
   ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '1'));
   EXPECT_EQ(Send({}), LcdDispatch::Posted) << "of no bytes, which leaves the slot free";
   EXPECT_EQ(accessor.At().messageTime, accessor.now);
-  EXPECT_EQ(Send({7}), LcdDispatch::Posted) << "for nobody that can be read";
+  std::vector<uint8_t> largest(LcdSegment::kMessageBytes, 7);
+  EXPECT_EQ(Send(largest), LcdDispatch::Posted) << "for nobody that can be read";
   EXPECT_EQ(Send(MessageFor("a")), LcdDispatch::NotPosted);
-  EXPECT_TRUE(accessor.ClearMessage());
-  const std::vector<uint8_t> largest(LcdSegment::kMessageBytes, 7);
-  EXPECT_EQ(Send(largest), LcdDispatch::Posted);
   const uint8_t* data = nullptr;
   int32_t size = 0;
   EXPECT_TRUE(accessor.GetMessageData(&data, &size));
   EXPECT_EQ(std::vector<uint8_t>(data, data + size), largest);
   EXPECT_TRUE(accessor.ClearMessage());
-  EXPECT_EQ(accessor.DispatchMessage(largest.data(), LcdSegment::kMessageBytes + 1, 8, 1, 0), LcdDispatch::NotPosted);
-  EXPECT_EQ(accessor.DispatchMessage(largest.data(), -1, 8, 1, 0), LcdDispatch::NotPosted);
+  for (const int32_t wrong : {40961, -1}) {
+    EXPECT_EQ(accessor.DispatchMessage(largest.data(), wrong, 8, 1, 0), LcdDispatch::NotPosted);
+  }
   for (const uint32_t hostile : {0x80000000u, 0xFFFFFFFFu, 40961u}) {
     accessor.At().messageSize = hostile;
     EXPECT_FALSE(accessor.GetMessageData(&data, &size)) << hostile;
@@ -188,12 +184,12 @@ TEST_F(Directory, WithoutTheLockOrASegmentNothingIsTouched) {
 }
 
 // A directory as anyone would describe it: names with a realm and a format, and at most one message.
+struct Entry {
+  std::string name;
+  uint32_t realm;
+  int format;
+};
 struct Model {
-  struct Entry {
-    std::string name;
-    uint32_t realm;
-    int format;
-  };
   std::vector<Entry> entries;
   std::optional<std::pair<std::string, uint32_t>> message;  // target, stamp
   size_t used = 0;

@@ -42,15 +42,10 @@ class MemoryLcdAccessor final : public CoreLcdAccessor {
 
 // A message for `target`, in the encoding with a two-byte or a four-byte length.
 inline std::vector<uint8_t> MessageFor(const std::string& target, const std::string& payload = "", bool wide = false) {
-  std::vector<uint8_t> message;
-  const auto length = static_cast<uint32_t>(target.size());
-  if (wide) {
-    message = {12, static_cast<uint8_t>(length >> 24), static_cast<uint8_t>(length >> 16)};
-  } else {
-    message = {2};
-  }
-  message.push_back(static_cast<uint8_t>(length >> 8));
-  message.push_back(static_cast<uint8_t>(length));
+  std::vector<uint8_t> message{uint8_t{2}};
+  if (wide) message = {12, 0, 0};
+  message.push_back(static_cast<uint8_t>(target.size() >> 8));
+  message.push_back(static_cast<uint8_t>(target.size()));
   message.insert(message.end(), target.begin(), target.end());
   message.insert(message.end(), payload.begin(), payload.end());
   return message;

@@ -2,9 +2,9 @@
 
 #include <tlhelp32.h>
 
-#include <iterator>
 #include <string>
 
+#include "tests/support/ImportHook.h"
 #include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"
 
@@ -12,35 +12,19 @@ namespace broker_process {
 
 namespace {
 
-constexpr wchar_t kServerName[] = L"LumenHost.exe";
-
 WideString Quoted(const WideString& text) {
   return L"\"" + text + L"\"";
-}
-
-bool RegisterProxy() {
-  const LibraryHandle proxy(LoadLibraryW((BuildFolder() + L"\\tests\\LumenBrokerProxy.dll").c_str()));
-  if (!proxy) return false;
-  using RegisterFunction = HRESULT WINAPI();
-  auto* const registerServer =
-      reinterpret_cast<RegisterFunction*>(reinterpret_cast<void*>(GetProcAddress(proxy.Get(), "DllRegisterServer")));
-  return registerServer != nullptr && SUCCEEDED(registerServer());
 }
 
 }  // namespace
 
 WideString BuildFolder() {
-  wchar_t path[1040] = {};
-  const DWORD length = GetModuleFileNameW(nullptr, path, static_cast<DWORD>(std::size(path)));
-  const WideString own(path, length);
-  const size_t tests = own.find_last_of(L'\\');
-  return own.substr(0, own.find_last_of(L'\\', tests - 1));
+  const WideString tests = testing_files::Beside(L"");
+  return tests.substr(0, tests.find_last_of(L'\\', tests.size() - 2));
 }
 
 DWORD RunToEnd(const WideString& commandLine, std::string* said) {
-  wchar_t temp[MAX_PATH] = {};
-  GetTempPathW(MAX_PATH, temp);
-  const WideString file = temp + WidenAscii("said" + std::to_string(GetCurrentProcessId()));
+  const WideString file = testing_files::Beside(L"said") + WidenAscii(std::to_string(GetCurrentProcessId()));
   FileHandle output;
   if (said != nullptr) {
     SECURITY_ATTRIBUTES inherit = {sizeof(inherit), nullptr, TRUE};
@@ -61,7 +45,11 @@ DWORD RunToEnd(const WideString& commandLine, std::string* said) {
 
 bool Register() {
   // In this order: the product names the platform's marshaller, and the proxy takes its place.
-  return RunToEnd(Quoted(BuildFolder() + L"\\bin\\LumenHost.exe") + L" -register activex") == 0 && RegisterProxy();
+  if (RunToEnd(Quoted(BuildFolder() + L"\\bin\\LumenHost.exe") + L" -register activex") != 0) return false;
+  const WideString proxy = BuildFolder() + L"\\tests\\LumenBrokerProxy.dll";
+  const LibraryHandle library(LoadLibraryW(proxy.c_str()));
+  auto* const enter = Own<HRESULT WINAPI()>(proxy.c_str(), "DllRegisterServer");
+  return enter != nullptr && SUCCEEDED(enter());
 }
 
 HRESULT Activate(ComPtr<ILumenBroker6>& broker) {
@@ -74,7 +62,7 @@ KernelHandle FindServer() {
   PROCESSENTRY32W entry = {};
   entry.dwSize = sizeof(entry);
   for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more; more = Process32NextW(snapshot.Get(), &entry)) {
-    if (lstrcmpiW(entry.szExeFile, kServerName) != 0) continue;
+    if (lstrcmpiW(entry.szExeFile, L"LumenHost.exe") != 0) continue;
     return KernelHandle(
         OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION | PROCESS_DUP_HANDLE, FALSE, entry.th32ProcessID));
   }

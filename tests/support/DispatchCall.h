@@ -6,6 +6,7 @@
 #include <oleauto.h>
 
 #include <algorithm>
+#include <type_traits>
 #include <vector>
 
 // `arguments` in the method's own order; what is by reference in them is filled. DISP_E_EXCEPTION comes back as the
@@ -26,27 +27,19 @@
   return called == DISP_E_EXCEPTION ? exception.scode : called;
 }
 
-inline VARIANT Argument(BSTR text) {
-  VARIANT value = {};
-  value.vt = VT_BSTR;
-  value.bstrVal = text;
-  return value;
-}
-inline VARIANT Argument(LONG number) {
-  VARIANT value = {};
-  value.vt = VT_I4;
-  value.lVal = number;
-  return value;
-}
-inline VARIANT Argument(ULONG number) {
-  VARIANT value = {};
-  value.vt = VT_UI4;
-  value.ulVal = number;
-  return value;
-}
-inline VARIANT Argument(ULONG* number) {
-  VARIANT value = {};
-  value.vt = VT_UI4 | VT_BYREF;
-  value.pulVal = number;
-  return value;
+// A BSTR, LONG, ULONG or ULONG*.
+template <class Value>
+VARIANT Argument(Value value) {
+  VARIANT variant = {};
+  if constexpr (std::is_same_v<Value, BSTR>) {
+    variant.vt = VT_BSTR;
+    variant.bstrVal = value;
+  } else if constexpr (std::is_pointer_v<Value>) {
+    variant.vt = VT_UI4 | VT_BYREF;
+    variant.pulVal = value;
+  } else {
+    variant.vt = std::is_same_v<Value, LONG> ? VT_I4 : VT_UI4;
+    variant.ulVal = static_cast<ULONG>(value);
+  }
+  return variant;
 }
