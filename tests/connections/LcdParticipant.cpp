@@ -16,24 +16,21 @@ constexpr DWORD kPatience = 60000;
 
 int Send(uint8_t number, int count, const std::vector<std::string>& names) {
   Win32LcdAccessor directory;
-  std::vector<uint32_t> next(names.size());
   const DWORD begin = GetTickCount();
   for (int sent = 0; sent < count;) {
     if (GetTickCount() - begin > kPatience) return 6;
-    const size_t to = static_cast<size_t>(sent) % names.size();
-    std::vector<uint8_t> message = {2, 0, static_cast<uint8_t>(names[to].size())};
-    message.insert(message.end(), names[to].begin(), names[to].end());
-    message.push_back(number);
-    for (int shift = 0; shift < 32; shift += 8) message.push_back(static_cast<uint8_t>(next[to] >> shift));
-    const LcdDispatch outcome =
-        directory.DispatchMessage(message.data(), static_cast<int32_t>(message.size()), 8, 1, 0);
+    const auto all = static_cast<int>(names.size());
+    const std::string& to = names[static_cast<size_t>(sent % all)];
+    const int32_t next = sent / all;
+    std::string message = std::string("\2\0", 2) + static_cast<char>(to.size()) + to + static_cast<char>(number);
+    message.append(reinterpret_cast<const char*>(&next), 4);
+    const LcdDispatch outcome = directory.DispatchMessage(reinterpret_cast<const uint8_t*>(message.data()),
+                                                          static_cast<int32_t>(message.size()), 8, 1, 0);
     if (outcome == LcdDispatch::Refused) return 7;
-    if (outcome == LcdDispatch::Posted) {
-      ++next[to];
+    if (outcome == LcdDispatch::Posted)
       ++sent;
-    } else {
+    else
       SwitchToThread();
-    }
   }
   return 0;
 }

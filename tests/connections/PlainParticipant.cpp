@@ -15,19 +15,13 @@ namespace {
 
 constexpr DWORD kList = 40976;
 
-void Listen(unsigned char* segment, const char* name) {
-  unsigned char* at = segment + kList;
-  while (*at != 0) at += std::strlen(reinterpret_cast<char*>(at)) + 1;
-  std::strcpy(reinterpret_cast<char*>(at), name);  // no suffixes: format 1, every realm
-  at[std::strlen(name) + 1] = 0;
-}
-
 // Takes the message if it is ours: its bytes behind the name, or null.
 const unsigned char* Ours(unsigned char* segment, const char* name, DWORD* rest) {
   const unsigned char* const message = segment + 16;
   const size_t length = std::strlen(name);
   std::memcpy(rest, segment + 12, 4);
-  if (*rest < 3 + length || *rest > 40960 || message[0] != 2 || message[1] != 0 || message[2] != length) return nullptr;
+  const unsigned char head[] = {2, 0, static_cast<unsigned char>(length)};
+  if (*rest < 3 + length || *rest > 40960 || std::memcmp(message, head, 3) != 0) return nullptr;
   if (std::memcmp(message + 3, name, length) != 0) return nullptr;
   *rest -= static_cast<DWORD>(3 + length);
   std::memset(segment + 8, 0, 8);
@@ -62,7 +56,10 @@ int main(int argc, char** argv) {
     segment[0] = segment[4] = 1;
     segment[kList] = 0;
   }
-  Listen(segment, argv[1]);
+  unsigned char* at = segment + kList;
+  while (*at != 0) at += std::strlen(reinterpret_cast<char*>(at)) + 1;
+  std::memcpy(at, argv[1], std::strlen(argv[1]) + 1);  // no suffixes: format 1, every realm
+  at[std::strlen(argv[1]) + 1] = 0;
   ReleaseMutex(mutex);
   SetEvent(CreateEventA(nullptr, TRUE, FALSE, (argv[1])));
 
