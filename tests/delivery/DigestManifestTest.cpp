@@ -35,19 +35,4 @@ TEST(DigestManifest, Lines) {
   for (const auto& [text, parsed] : rows) EXPECT_EQ(Parsed(text), parsed) << text.substr(0, 100);
 }
 
-TEST(DigestManifest, TheStoreGrowsByItsRule) {
-  DigestManifest manifest;
-  const std::tuple<size_t, uint64_t, uint64_t> rows[] = {
-      {1000, 1001, 1024},   // the first block
-      {21, 1023, 1024},     // fills it to the last byte: 1,001 + 21 + 2
-      {1, 1025, 2048},      // doubles
-      {5000, 6026, 12054},  // twice what is needed when double is not enough
-  };
-  for (const auto& [length, used, capacity] : rows) {
-    manifest.AddReference(std::string(length, 'n'));
-    EXPECT_EQ(manifest.used, used);
-    EXPECT_EQ(manifest.capacity, capacity);
-  }
-}
-
 }  // namespace

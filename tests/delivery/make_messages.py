@@ -18,7 +18,7 @@ os.chdir(FOLDER)
 ALWAYS = ('20200101000000Z', '20991231235959Z')
 PAST = ('20200101000000Z', '20210101000000Z')
 FUTURE = ('20900101000000Z', '20991231235959Z')
-CONFIG = '''[ca]
+CONFIG = b'''[ca]
 default_ca = a
 [a]
 database = index.txt
@@ -33,6 +33,9 @@ commonName = supplied
 basicConstraints = critical, CA:TRUE
 [signer]
 basicConstraints = critical, CA:FALSE
+[server]
+subjectAltName = DNS:*.corva.example
+extendedKeyUsage = serverAuth
 '''
 
 
@@ -43,6 +46,11 @@ def run(*words):
 def write(name, content):
     with open(name, 'wb') as file:
         file.write(content)
+
+
+def read(name):
+    with open(name, 'rb') as file:
+        return file.read()
 
 
 def certify(name, issuer=None, extensions='authority', valid=ALWAYS, subject=None, elliptic=False):
@@ -56,10 +64,7 @@ def certify(name, issuer=None, extensions='authority', valid=ALWAYS, subject=Non
 
 
 def sign(message, content, *signers, chain=(), options=('-nodetach',)):
-    with open('chain', 'wb') as file:
-        for certificate in chain:
-            with open(certificate + '.pem', 'rb') as source:
-                file.write(source.read())
+    write('chain', b''.join(read(certificate + '.pem') for certificate in chain))
     words = ['cms', '-sign', '-binary', '-noattr', '-md', 'sha256', '-outform', 'DER', '-in', content, *options]
     for signer in signers:
         words += ['-signer', signer + '.pem', '-inkey', signer + '.key']
@@ -69,11 +74,10 @@ def sign(message, content, *signers, chain=(), options=('-nodetach',)):
 def make_chain_messages():
     """Messages over one content, for the walk of the certificates."""
     write('content', b'what was signed, ' * 40)
-    certify('anchor')
-    run('x509', '-in', 'anchor.pem', '-outform', 'DER', '-out', 'anchor.der')
-    certify('stranger')
-    run('x509', '-in', 'stranger.pem', '-outform', 'DER', '-out', 'stranger.der')
     write('empty.der', b'')
+    for root in ('anchor', 'stranger', 'tls-authority'):
+        certify(root)
+        run('x509', '-in', root + '.pem', '-outform', 'DER', '-out', root + '.der')
     links = ['anchor']
     for number in range(1, 10):
         certify(f'link{number}', links[-1])
@@ -119,24 +123,31 @@ def make_packages():
     """Packages signed by the anchor's own signer; the executable in them is PROGRAM."""
     program = b''.join(hashlib.sha256(bytes([n])).digest() * 2 for n in range(160))  # packs to about a half
     write('program', program)
-    stream = zlib.compress(program)
     short = zlib.compress(b'short')
-    good = b'Troy' + struct.pack('<I', len(program)) + stream
-    for name, content, signer in (('good', good, 'signer1'),
-                                  ('untrusted', good, 'strange-signer'),
-                                  ('other-magic', b't' + good[1:], 'signer1'),
-                                  ('corrupt', good[:30] + bytes(8) + good[38:], 'signer1'),
-                                  ('at-bound', b'Troy' + struct.pack('<I', 10 * (8 + len(short))) + short, 'signer1'),
-                                  ('nothing', b'Troy' + bytes(4) + zlib.compress(b''), 'signer1'),
-                                  ('empty', b'', 'signer1')):
-        write('package', content)
+    bound = 10 * (8 + len(short))
+
+    def package(name, size, stream, signer='signer1', magic=b'Troy'):
+        write('package', magic + struct.pack('<I', size) + stream)
         sign(name, 'package', signer, chain=['link1'])
+
+    stream = zlib.compress(program)
+    package('good', len(program), stream)
+    package('untrusted', len(program), stream, 'strange-signer')
+    package('other-magic', len(program), stream, magic=b'troy')
+    package('corrupt', len(program), stream[:20] + bytes(8) + stream[28:])
+    package('cut', len(program), stream[:-1])
+    package('header', 0, b'')
+    package('at-bound', bound, short)
+    package('below-bound', bound - 1, short)
+    package('too-long', 4, short)
+    package('nothing', 0, zlib.compress(b''))
+    write('package', b'')
+    sign('empty', 'package', 'signer1', chain=['link1'])
 
 
 def make_digests():
     """Digests of a product Demo whose executable is PROGRAM and whose data.txt holds "data"."""
-    with open('program', 'rb') as file:
-        contents = {'Demo.exe': file.read(), 'data.txt': b'data', 'sub\\more.txt': b'more'}
+    contents = {'Demo.exe': read('program'), 'data.txt': b'data', 'sub\\more.txt': b'more'}
 
     def digest(name, files, *, hashed=None, end='\r\n', signer='signer1'):
         whole = b''.join(contents.get(file, b'') for file in (files if hashed is None else hashed))
@@ -164,20 +175,12 @@ def make_digests():
 
 def make_server_certificate():
     """Certificates for the vendor's hosts, under an authority that only the tests trust, and under one that nobody does."""
-    certify('tls-authority')
-    run('x509', '-in', 'tls-authority.pem', '-outform', 'DER', '-out', 'tls-authority.der')
-    with open('ca.cnf', 'a', encoding='ascii') as config:
-        config.write('[server]\nsubjectAltName = DNS:*.corva.example\nextendedKeyUsage = serverAuth\n')
     for name, issuer in (('tls', 'tls-authority'), ('tls-untrusted', 'stranger')):
         certify('server', issuer, 'server', subject='get.corva.example')
-        with open(name + '.pem', 'wb') as out:
-            for part in ('server.pem', 'server.key'):
-                with open(part, 'rb') as source:
-                    out.write(source.read())
+        write(name + '.pem', read('server.pem') + read('server.key'))
 
 
-with open('ca.cnf', 'w', encoding='ascii') as out_config:
-    out_config.write(CONFIG)
+write('ca.cnf', CONFIG)
 write('index.txt', b'')
 write('serial', b'01')
 make_chain_messages()

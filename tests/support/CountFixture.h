@@ -18,16 +18,10 @@ namespace counts {
 
 // The platform's published layouts, which the toolchain's headers lack.
 struct SystemHandle {
-  void* object;
-  ULONG_PTR process;
-  ULONG_PTR handle;
-  ULONG access;
-  USHORT creator, type;
-  ULONG attributes, reserved;
+  ULONG_PTR object, process, others[3];
 };
 struct SystemHandles {
-  ULONG_PTR count;
-  ULONG_PTR reserved;
+  ULONG_PTR count, reserved;
   SystemHandle entries[1];
 };
 struct GdiEntry {
