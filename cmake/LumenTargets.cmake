@@ -57,9 +57,10 @@ endfunction()
 # LOCK names what the tests share with others: registry, broker, display, printer, proxy, services.
 # NEEDS names what must be set up first, beside the Wine prefix: broker.
 # DISPLAY runs the test with a display of its own, for windows that have pixels; see tests/support/TestDesktop.h.
+# UNDER runs it by that command, to which the program is added.
 # BARE gives no main of its own: the file list holds one.
 function(lumen_test name)
-  cmake_parse_arguments(T "BARE;DISPLAY" "TIMEOUT" "PORTABLE;WINDOWS;LINK;LOCK;NEEDS" ${ARGN})
+  cmake_parse_arguments(T "BARE;DISPLAY" "TIMEOUT" "PORTABLE;WINDOWS;LINK;LOCK;NEEDS;UNDER" ${ARGN})
   set(sources ${T_PORTABLE})
   if(WIN32)
     list(APPEND sources ${T_WINDOWS})
@@ -75,7 +76,10 @@ function(lumen_test name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   set(command ${name})
   if(WIN32 AND T_DISPLAY)
-    set(command ${CMAKE_SOURCE_DIR}/tools/with-display $<TARGET_FILE:${name}>)
+    set(T_UNDER ${CMAKE_SOURCE_DIR}/tools/with-display)
+  endif()
+  if(WIN32 AND T_UNDER)
+    set(command ${T_UNDER} $<TARGET_FILE:${name}>)
   endif()
   add_test(NAME ${name} COMMAND ${command} --gtest_brief=1 --gtest_output=xml:results/${name}.xml
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})

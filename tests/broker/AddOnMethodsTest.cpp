@@ -1,5 +1,5 @@
-// The add-on methods of a broker object, with a real server behind the vendor's name, which misbehaves on request. A
-// product's whole life is played by tools/account-addons.
+// The add-on methods of a broker object. Runs under tests/support/web_server.py, which stands behind the vendor's name
+// and misbehaves on request. A product's whole life is played by tools/account-addons.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include "tests/delivery/AddOnMaterial.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RecordingHost.h"
-#include "tests/support/WebServer.h"
+#include "tests/support/Texts.h"
 
 namespace {
 
@@ -49,8 +49,6 @@ Lines ClosedAfter(const char* event) {
 
 class AddOnMethods : public testing::Test {
  protected:
-  static void SetUpTestSuite() { server = new WebServer(addon::Folder(L"server")); }
-  static void TearDownTestSuite() { delete server; }
   void SetUp() override { host.downloadSettings = MString(addon::Folder(L"authority\\root.der").c_str()); }
 
   // The cookie, or 0.
@@ -77,14 +75,12 @@ class AddOnMethods : public testing::Test {
     return result;
   }
 
-  static WebServer* server;
   ComInitializer apartment;
   RecordingHost host;
   const testing_files::CleanDirectory clean{addon::ProductsFolder()};
   ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(&host));
   const ImportHook closing{GetModuleHandleW(nullptr), "InternetCloseHandle", CloseAndTell};
 };
-WebServer* AddOnMethods::server = nullptr;
 
 TEST_F(AddOnMethods, AnswersGoodAndBadAndWhatIsClosedAfterThem) {
   const ImportHook telling(GetModuleHandleW(nullptr), "OutputDebugStringA", TellDebugger);

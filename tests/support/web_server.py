@@ -4,22 +4,21 @@
 It is a proxy that answers every request itself, so that any host name leads here without touching the resolver: plain
 requests come with their whole address, HTTPS ones as CONNECT and then a TLS handshake.
 
-    web_server.py FOLDER --lifeline PORT      tells its port to 127.0.0.1:PORT and ends with that connection
-    web_server.py FOLDER --port-file FILE     writes its port there and runs until it is killed
+    web_server.py FOLDER COMMAND...      runs COMMAND while this server is the proxy of the prefix's user
 
 FOLDER holds files/ (what /files/NAME gives), tls.pem (certificate and key) and
 tls-untrusted.pem (the same for the host untrusted), and gets requests.txt, a line a request.
 """
 import http.server
 import os
-import socket
 import ssl
+import subprocess
 import sys
 import threading
 import time
 from urllib.parse import urlsplit
 
-FOLDER, MODE, VALUE = sys.argv[1:]
+FOLDER, *COMMAND = sys.argv[1:]
 
 
 class Vendor(http.server.BaseHTTPRequestHandler):
@@ -73,14 +72,20 @@ class Server(http.server.ThreadingHTTPServer):
         pass  # the client went away
 
 
+def proxy(action, name, *value):
+    run = os.path.join(os.path.dirname(__file__), '../../tools/wine-run')
+    key = r'HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings'
+    subprocess.run([run, 'reg', action, key, '/v', name, *value, '/f'], check=True, stdout=subprocess.DEVNULL)
+
+
 server = Server(('127.0.0.1', 0), Vendor)
 threading.Thread(target=server.serve_forever, daemon=True).start()
-if MODE == '--lifeline':
-    with socket.create_connection(('127.0.0.1', int(VALUE))) as lifeline:
-        lifeline.sendall(f'{server.server_port}\n'.encode())
-        lifeline.recv(1)  # until the test closes it or ends
-else:
-    with open(VALUE + '.new', 'w', encoding='ascii') as out:
-        out.write(str(server.server_port))
-    os.rename(VALUE + '.new', VALUE)
-    threading.Event().wait()
+here = f'127.0.0.1:{server.server_port}'
+proxy('add', 'ProxyServer', '/d', f'http={here};https={here}')
+proxy('add', 'ProxyEnable', '/t', 'REG_DWORD', '/d', '1')
+try:
+    code = subprocess.call(COMMAND)
+finally:
+    proxy('delete', 'ProxyEnable')
+    proxy('delete', 'ProxyServer')
+sys.exit(code)
