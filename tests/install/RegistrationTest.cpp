@@ -1,8 +1,6 @@
 // What registering a kind leaves on the machine, and what still runs when any one of its steps fails.
 #include "install/Registration.h"
 
-#include <algorithm>
-
 #include "install/ControlRegistration.h"
 #include "tests/install/InstallFixture.h"
 #include "tests/support/CountFixture.h"
@@ -31,58 +29,6 @@ class Registration : public InstallFixture {
   }
 };
 
-class RegistrationOfKind : public Registration, public testing::WithParamInterface<KindRow> {};
-
-// Steps of one series end with its first failure; a step of no series ends alone.
-std::string SeriesOf(const std::string& step) {
-  if (step.find("\\Uninstall\\") != std::string::npos) return "uninstall entry";
-  if (step.find("Halcyonics") != std::string::npos || step.find("Compatibility") != std::string::npos) {
-    return "inventory";
-  }
-  if (step.find("MozillaPlugins") != std::string::npos) return "plug-in entry";
-  if (step.starts_with("attributes ") || step.starts_with("security C:")) {
-    return "protection of" + step.substr(step.rfind('\\'));
-  }
-  return "";
-}
-
-bool EndsRegistration(const std::string& step) {
-  return step.starts_with("load ") || step.starts_with("entry ");
-}
-
-// The broker's registration keeps a key open whose value it could not write.
-bool LeavesKeyOpen(const std::string& step) {
-  const bool value = step.starts_with("text ") || step.starts_with("number ");
-  return value && SeriesOf(step).empty() && step.find("Image File") == std::string::npos;
-}
-
-// What is left of `all` when the step at `at` fails.
-Lines StepsWhenFailing(const Lines& all, size_t at) {
-  Lines left(all.begin(), all.begin() + static_cast<ptrdiff_t>(at) + 1);
-  if (EndsRegistration(all[at])) return left;
-  const std::string series = SeriesOf(all[at]);
-  for (size_t i = at + 1; i < all.size(); ++i) {
-    const bool ended = series.empty() ? i == at + 1 && all[at].starts_with("create ") : SeriesOf(all[i]) == series;
-    if (!ended) left.push_back(all[i]);
-  }
-  return left;
-}
-
-// The one report of a failed value; the broker's registration, which comes first, is silent.
-Lines ReportWhenFailing(const Lines& all, size_t at) {
-  const std::string& step = all[at];
-  const size_t rest = step.find(' ') + 1;
-  if (step.starts_with("load ")) return {"2 1033 " + step.substr(rest) + " 5"};
-  if (step.starts_with("entry ")) return {"2 1034 C:\\lumen tests\\LumenPlayer.ocx 5"};
-  const std::string& write = step.starts_with("create ") && at + 1 < all.size() ? all[at + 1] : step;
-  const bool number = write.starts_with("number ");
-  if (!number && !write.starts_with("text ")) return {};
-  if (SeriesOf(write).empty() && write.find("Image File") == std::string::npos) return {};
-  std::string text = write.substr(write.find("HKLM\\") + 5);
-  text.replace(text.find(" | "), 3, "/");
-  return {"1 1035 " + text + (number ? "5" : " 5")};
-}
-
 }  // namespace
 
 // Each kind begins on the same machine, so all are compared with one reading of it.
@@ -107,38 +53,41 @@ TEST_F(Registration, LeavesWhatTheGoldenTextsSay) {
   }
 }
 
-TEST_P(RegistrationOfKind, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
-  const KindRow& row = GetParam();
-  (void)Player(row.player);
-  (void)File("LumenUtil.exe");
+TEST_F(Registration, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
   FaultSteps faults;
-  bool result = false;
-  const auto registering = [&] { result = Register(row); };
-  const auto fresh = [&] {
-    ClearMachine();
-    for (const char* const file : {row.player, "LumenUtil.exe"}) SetFileAttributesW(PathOf(file).Data(), 0);
-    host.Forget();
-  };
-  fresh();
-  const Lines all = faults.Run(0, registering);
-  ASSERT_GT(all.size(), 20u);
-  for (size_t at = 0; at < all.size(); ++at) {
-    // The repairs of the class keys are many and alike; the first stands for all.
-    const auto repairs = [&](size_t step) { return all[step].starts_with("security MACHINE"); };
-    if (at > 0 && repairs(at) && repairs(at - 1)) continue;
+  for (const KindRow& row : kKindRows) {
+    bool result = false;
+    const auto registering = [&] { result = Register(row); };
+    const auto fresh = [&] {
+      ClearMachine();
+      for (const char* const file : {row.player, "LumenUtil.exe"}) SetFileAttributesW(PathOf(file).Data(), 0);
+      host.Forget();
+    };
+    (void)Player(row.player);
+    (void)File("LumenUtil.exe");
     fresh();
-    const DWORD handles = counts::KernelHandles();
-    const Lines steps = faults.Run(at + 1, registering);
-    EXPECT_EQ(counts::KernelHandles() - handles, LeavesKeyOpen(all[at]) ? 1u : 0u) << all[at];
-    EXPECT_EQ(steps, StepsWhenFailing(all, at)) << all[at];
-    EXPECT_EQ(host.Reports(), ReportWhenFailing(all, at)) << all[at];
-    EXPECT_EQ(result, !EndsRegistration(all[at])) << all[at];
-    EXPECT_EQ(shim->WasRegistrationReached(), result ? 1 : 0) << all[at];
+    const Lines all = faults.Run(0, registering);
+    Lines lines;
+    for (size_t at = 0; at < all.size(); ++at) {
+      // The repairs of the class keys are many and alike; the first stands for all.
+      const auto repairs = [&](size_t step) { return all[step].starts_with("security MACHINE"); };
+      if (at > 0 && repairs(at) && repairs(at - 1)) continue;
+      fresh();
+      const DWORD handles = counts::KernelHandles();
+      const Lines steps = faults.Run(at + 1, registering);
+      lines.push_back(all[at] + (result ? "" : " => fails"));
+      if (counts::KernelHandles() != handles) lines.back() += " => leaves a key open";
+      for (const std::string& report : host.Reports()) lines.back() += " + " + report;
+      EXPECT_EQ(shim->WasRegistrationReached(), result ? 1 : 0) << all[at];
+      if (all.size() == steps.size()) continue;
+      lines.back() += " without the next " + std::to_string(all.size() - steps.size());
+      Lines left(all.begin(), all.begin() + static_cast<ptrdiff_t>(at) + 1);
+      left.insert(left.end(), all.end() - static_cast<ptrdiff_t>(steps.size() - left.size()), all.end());
+      EXPECT_EQ(steps, left) << all[at];
+    }
+    ExpectGolden("registration-faults-" + std::string(row.name) + ".txt", lines);
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(EachKind, RegistrationOfKind, testing::ValuesIn(kKindRows),
-                         [](const auto& row) { return row.param.name; });
 
 TEST_F(InstallFixture, DebuggersPackagesAndAMissingPayloadShow) {
   struct {
