@@ -3,10 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/DllHelpers.h"
-#include "engine/ProductKeys.h"
 #include "engine/ProductKind.h"
-#include "engine/Registry.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/Texts.h"
 
@@ -55,18 +52,6 @@ TEST_F(Host, AnswersFromTheSettings) {
   ASSERT_TRUE(host.GetUpdateDialogData(&data));
   EXPECT_EQ(Text(FindSetting(&data, L"message")->values->name), "two words");
   EXPECT_EQ(Text(FindSetting(&data, L"size")->values->next->name), "200");
-}
-
-TEST_F(Host, RemembersWhichVersionWasThereBefore) {
-  const std::string key = GetProductKey(product_kind::Pepper);
-  (void)DeleteKeyTree(HKEY_LOCAL_MACHINE, WidenAscii(key).c_str());
-  ReferenceHost earlier(product_kind::Pepper);
-  ASSERT_EQ(WriteText(CreateKey(HKEY_LOCAL_MACHINE, key.c_str(), KEY_ALL_ACCESS).Get(), "Version", "11.2.0.1"), 0);
-  ReferenceHost later(product_kind::Pepper);
-  ASSERT_EQ(DeleteKeyTree(HKEY_LOCAL_MACHINE, WidenAscii(key).c_str()), 0);
-  MString text;
-  EXPECT_EQ(Text(*later.GetPreviousPepperVersion(&text)), "11.2.0.1");
-  EXPECT_EQ(Text(*earlier.GetPreviousPepperVersion(&text)), "");
 }
 
 TEST_F(Host, KeepsReportsInMemoryAndInAFile) {

@@ -14,7 +14,6 @@ namespace {
 const std::string kClasses = "Software\\Classes\\";
 const std::string kProgramId = kClasses + "TidewaterLumen.TidewaterLumen";
 const std::string kFirstBroker = kClasses + "CLSID\\" LUMEN_BROKER_CLASS_ID_1;
-const std::string kControl = kClasses + "CLSID\\" LUMEN_CONTROL_CLASS_ID;
 const std::string kFactory = kClasses + "CLSID\\" LUMEN_FACTORY_CLASS_ID;
 const std::string kFileType = kClasses + ".fgl";
 
@@ -24,18 +23,6 @@ bool Exists(const std::string& path) {
 RegistryKey Make(const std::string& path) {
   return CreateKey(HKEY_LOCAL_MACHINE, path.c_str(), KEY_ALL_ACCESS);
 }
-// Gives the key a list of one entry that denies users writing, or of none at all.
-void SetList(const RegistryKey& key, bool deniesUsers) {
-  char room[256] = {};
-  auto* const list = reinterpret_cast<ACL*>(room);
-  BYTE users[SECURITY_MAX_SID_SIZE] = {};
-  DWORD size = sizeof(users);
-  ASSERT_TRUE(InitializeAcl(list, sizeof(room), ACL_REVISION));
-  ASSERT_TRUE(CreateWellKnownSid(WinBuiltinUsersSid, nullptr, users, &size));
-  if (deniesUsers) ASSERT_TRUE(AddAccessDeniedAce(list, ACL_REVISION, KEY_SET_VALUE, users));
-  ASSERT_EQ(SetSecurityInfo(key.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, list, nullptr), 0u);
-}
-
 }  // namespace
 
 TEST(DeleteClassKeys, EachSelectionTakesItsOwn) {
@@ -55,20 +42,16 @@ TEST(DeleteClassKeys, EachSelectionTakesItsOwn) {
   EXPECT_TRUE(DeleteClassKeys(ClassKeySelection::Control)) << "nothing left is a success";
 }
 
-TEST(DeleteClassKeys, AKeyThatStaysDoesNotStopTheWalk) {
-  RegistryKey denied = Make(kFirstBroker);
-  ASSERT_TRUE(Make(kControl));
-  SetList(denied, false);
-  EXPECT_FALSE(DeleteClassKeys(ClassKeySelection::Machine));
-  EXPECT_FALSE(Exists(kControl));
-  ASSERT_EQ(SetSecurityInfo(denied.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, nullptr, nullptr), 0u);
-  denied.Reset();
-  EXPECT_TRUE(DeleteClassKeys(ClassKeySelection::Machine));
-}
-
 TEST(RepairClassKeyAccess, GrantsToTheKeysThereAreAndKeepsTheirDenials) {
   const RegistryKey key = Make(kFactory);
-  SetList(key, true);
+  char room[256] = {};
+  auto* const denial = reinterpret_cast<ACL*>(room);
+  BYTE users[SECURITY_MAX_SID_SIZE] = {};
+  DWORD size = sizeof(users);
+  ASSERT_TRUE(InitializeAcl(denial, sizeof(room), ACL_REVISION));
+  ASSERT_TRUE(CreateWellKnownSid(WinBuiltinUsersSid, nullptr, users, &size));
+  ASSERT_TRUE(AddAccessDeniedAce(denial, ACL_REVISION, KEY_SET_VALUE, users));
+  ASSERT_EQ(SetSecurityInfo(key.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, denial, nullptr), 0u);
   RepairClassKeyAccess();
   ACL* list = nullptr;
   PSECURITY_DESCRIPTOR descriptor = nullptr;

@@ -1,10 +1,8 @@
-// The control registers itself: by its real library, and by scripted entry points for the answers a real one rarely
-// gives.
+// The control registers itself, by a scripted entry point for the answers that a real one rarely gives.
 #include "install/ControlRegistration.h"
 
 #include <deque>
 
-#include "install/FileProtection.h"
 #include "tests/install/InstallFixture.h"
 #include "tests/support/ImportHook.h"
 
@@ -23,20 +21,7 @@ FARPROC WINAPI FindScripted(HMODULE /*module*/, LPCSTR name) {
   return wanted ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&AnswerNext)) : nullptr;
 }
 
-bool IsReadOnly(const MString& path) {
-  const DWORD attributes = GetFileAttributesW(path.Data());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
-}
-
 }  // namespace
-
-TEST_F(InstallFixture, LibraryThatIsNoControlIsNotRegisteredNorProtected) {
-  const MString plugin = Player("nplumen.dll");
-  EXPECT_FALSE(shim->RegisterActiveXControl(plugin));
-  EXPECT_EQ(host.Reports(), Lines{"2 1034 " + Text(plugin) + " 7F"});
-  EXPECT_FALSE(IsReadOnly(plugin));
-  EXPECT_EQ(GetModuleHandleW(plugin.Data()), nullptr) << "it is freed";
-}
 
 TEST_F(InstallFixture, RefusedRegistrationIsTriedOnceMoreAfterThePlayersStopped) {
   const MString control = Player("LumenPlayer.ocx");
@@ -58,14 +43,4 @@ TEST_F(InstallFixture, RefusedRegistrationIsTriedOnceMoreAfterThePlayersStopped)
     EXPECT_EQ(host.Reports(), row.reports);
     EXPECT_EQ(g_answers.size(), row.answers.size() > 2 ? 1u : 0u) << "never a third time";
   }
-}
-
-TEST_F(InstallFixture, ProtectionComesAndGoesWhole) {
-  const MString file = File("server.exe");
-  EXPECT_TRUE(ProtectFile(file, true));
-  EXPECT_TRUE(IsReadOnly(file));
-  EXPECT_TRUE(ProtectFile(file, false));
-  EXPECT_FALSE(IsReadOnly(file));
-  EXPECT_TRUE(DeleteFileW(file.Data()));
-  for (const bool on : {true, false}) EXPECT_FALSE(ProtectFile(file, on)) << "there is none";
 }
