@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,9 +15,7 @@ namespace addon {
 
 inline WideString Folder(const wchar_t* name) {
   WideString path = L"Z:" + WidenAscii(LUMEN_BUILD_DIR "/tests/addon/") + name;
-  for (wchar_t& unit : path) {
-    if (unit == L'/') unit = L'\\';
-  }
+  std::replace(path.begin(), path.end(), L'/', L'\\');
   return path;
 }
 

@@ -17,14 +17,14 @@ using testing_files::WriteWhole;
 
 class ProductStore : public testing::Test {
  protected:
-  static StoreResult Install(const wchar_t* name, const std::string& message, const wchar_t* anchor = L"anchor.der") {
-    return InstallSignedPackage(name, addon::MessageBytes(message), (addon::Folder(L"messages\\") + anchor).c_str());
+  static StoreResult Install(const std::string& message, const wchar_t* anchor = L"anchor.der") {
+    return InstallSignedPackage(L"Demo", addon::MessageBytes(message), (addon::Folder(L"messages\\") + anchor).c_str());
   }
   static StoreResult StoreDigest(const std::string& message) {
     return StoreProductDigest(L"Demo", addon::MessageBytes("digest-" + message + ".p7m"));
   }
-  static bool Verify(ProductFolder folder = ProductFolder::PerUser) {
-    return VerifyProductDigest(L"Demo", addon::Folder(L"messages\\anchor.der").c_str(), folder);
+  static bool Verify() {
+    return VerifyProductDigest(L"Demo", addon::Folder(L"messages\\anchor.der").c_str(), ProductFolder::PerUser);
   }
 
   const testing_files::CleanDirectory clean{addon::ProductsFolder()};
@@ -33,33 +33,23 @@ class ProductStore : public testing::Test {
 };
 
 TEST_F(ProductStore, PackagesAndWhatBecomesOfThem) {
-  const struct {
-    const char* message;
-    StoreResult result;
-    std::string content = "(no file)";
-    const wchar_t* anchor = L"anchor.der";
-  } rows[] = {
-      {"good.p7m", StoreResult::Stored, program},
-      {"nothing.p7m", StoreResult::Stored, ""},
-      {"at-bound.p7m", StoreResult::NotWritten},
-      {"below-bound.p7m", StoreResult::Stored, "short"},
-      {"too-long.p7m", StoreResult::NotWritten},
-      {"cut.p7m", StoreResult::NotWritten},
-      {"header.p7m", StoreResult::NotWritten},
-      {"corrupt.p7m", StoreResult::NotWritten},
-      {"other-magic.p7m", StoreResult::NotTrusted},
-      {"empty.p7m", StoreResult::NotTrusted},
-      {"untrusted.p7m", StoreResult::NotTrusted},
-      {"content", StoreResult::NotTrusted},
-      {"good.p7m", StoreResult::NotTrusted, "(no file)", L"stranger.der"},
-      {"good.p7m", StoreResult::NotTrusted, "(no file)", L"empty.der"},
-      {"good.p7m", StoreResult::NotTrusted, "(no file)", L"none.der"},
-  };
-  for (const auto& row : rows) {
-    // What stood there before goes with a refused package too: the place is emptied before the package is judged.
-    ASSERT_EQ(Install(L"Demo", "good.p7m"), StoreResult::Stored);
-    EXPECT_EQ(Install(L"Demo", row.message, row.anchor), row.result) << row.message;
-    EXPECT_EQ(ReadWhole(executable), row.content) << row.message;
+  const std::string none = "(no file)";
+  const std::tuple<StoreResult, std::string, std::vector<const char*>> rows[] = {
+      {StoreResult::Stored, program, {"good.p7m"}},
+      {StoreResult::Stored, "", {"nothing.p7m"}},
+      {StoreResult::Stored, "short", {"below-bound.p7m"}},
+      {StoreResult::NotWritten, none, {"at-bound.p7m", "too-long.p7m", "corrupt.p7m", "cut.p7m", "header.p7m"}},
+      {StoreResult::NotTrusted, none, {"other-magic.p7m", "empty.p7m", "untrusted.p7m", "content"}}};
+  for (const auto& [result, content, messages] : rows) {
+    for (const char* const message : messages) {
+      // What stood there before goes with a refused package too: the place is emptied before the package is judged.
+      ASSERT_EQ(Install("good.p7m"), StoreResult::Stored);
+      EXPECT_EQ(Install(message), result) << message;
+      EXPECT_EQ(ReadWhole(executable), content) << message;
+    }
+  }
+  for (const wchar_t* const anchor : {L"stranger.der", L"empty.der", L"none.der"}) {
+    EXPECT_EQ(Install("good.p7m", anchor), StoreResult::NotTrusted) << ToUtf8(anchor);
   }
 }
 
@@ -67,6 +57,9 @@ TEST_F(ProductStore, WhatTheBuiltInAnchorSignedNeedsNoFile) {
   EXPECT_EQ(InstallSignedPackage(L"DemoAddOn", addon::CommittedBytes("package.p7m"), L""), StoreResult::Stored);
   EXPECT_EQ(StoreProductDigest(L"DemoAddOn", addon::CommittedBytes("digest.p7m")), StoreResult::Stored);
   EXPECT_TRUE(VerifyProductDigest(L"DemoAddOn", nullptr, ProductFolder::PerUser));
+  EXPECT_FALSE(VerifyProductDigest(L"DemoAddOn", nullptr, ProductFolder::ProgramFiles));
+  EXPECT_EQ(ToUtf8(*ProductDigestPath(L"Demo", ProductFolder::ProgramFiles)),
+            "C:\\Program Files\\Corva\\\\Lumen Player\\\\AddIns\\Demo\\digest.s");
   EXPECT_EQ(InstallSignedPackage(L"DemoAddOn", addon::MessageBytes("good.p7m"), nullptr), StoreResult::NotTrusted);
 }
 
@@ -83,22 +76,22 @@ TEST_F(ProductStore, FailuresOfThePlatformLeaveNoFile) {
   {
     g_refusedBlock = program.size();
     const ImportHook hook(GetModuleHandleW(nullptr), "malloc", RefuseOneSize);
-    EXPECT_EQ(Install(L"Demo", "good.p7m"), StoreResult::NoMemory);
+    EXPECT_EQ(Install("good.p7m"), StoreResult::NoMemory);
   }
   EXPECT_FALSE(Exists(executable));
   RemoveDirectoryW(addon::ProductFile(L"Demo", L"").c_str());
   EXPECT_EQ(StoreDigest("good"), StoreResult::NotWritten) << "no folder";
   testing_files::MakeDirectories(executable);  // a folder in the executable's place
-  EXPECT_EQ(Install(L"Demo", "good.p7m"), StoreResult::NotWritten);
+  EXPECT_EQ(Install("good.p7m"), StoreResult::NotWritten);
   RemoveDirectoryW(executable.c_str());
   const ImportHook hook(GetModuleHandleW(nullptr), "WriteFile", WriteOneLess);
-  EXPECT_EQ(Install(L"Demo", "good.p7m"), StoreResult::NotWritten);
+  EXPECT_EQ(Install("good.p7m"), StoreResult::NotWritten);
   EXPECT_FALSE(Exists(executable));
   EXPECT_EQ(StoreDigest("good"), StoreResult::NotWritten);
 }
 
 TEST_F(ProductStore, DigestsHoldTheProductToWhatWasSigned) {
-  ASSERT_EQ(Install(L"Demo", "good.p7m"), StoreResult::Stored);
+  ASSERT_EQ(Install("good.p7m"), StoreResult::Stored);
   const WideString data = addon::ProductFile(L"Demo", L"data.txt");
   WriteWhole(data, "data");
   EXPECT_FALSE(Verify()) << "no digest yet";
@@ -126,17 +119,6 @@ TEST_F(ProductStore, DigestsHoldTheProductToWhatWasSigned) {
   }
   DeleteFileW(data.c_str());
   EXPECT_FALSE(Verify()) << "a listed file is gone";
-}
-
-TEST_F(ProductStore, TheMachinesProductsLieBesideThePlayer) {
-  EXPECT_EQ(ToUtf8(*ProductDigestPath(L"Demo", ProductFolder::ProgramFiles)),
-            "C:\\Program Files\\Corva\\\\Lumen Player\\\\AddIns\\Demo\\digest.s");
-  const testing_files::CleanDirectory folder(L"C:\\Program Files\\Corva\\Lumen Player\\AddIns\\Demo");
-  WriteWhole(folder.Path() + L"\\Demo.exe", program);
-  WriteWhole(folder.Path() + L"\\data.txt", "data");
-  WriteWhole(folder.Path() + L"\\digest.s", addon::MessageText("digest-good.p7m"));
-  EXPECT_TRUE(Verify(ProductFolder::ProgramFiles));
-  EXPECT_FALSE(Verify(ProductFolder::PerUser));
 }
 
 }  // namespace

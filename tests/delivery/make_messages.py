@@ -11,10 +11,10 @@ import struct
 import subprocess
 import sys
 import zlib
+from pathlib import Path
 
-FOLDER = sys.argv[1]
-os.makedirs(FOLDER, exist_ok=True)
-os.chdir(FOLDER)
+os.makedirs(sys.argv[1], exist_ok=True)
+os.chdir(sys.argv[1])
 ALWAYS = ('20200101000000Z', '20991231235959Z')
 PAST = ('20200101000000Z', '20210101000000Z')
 FUTURE = ('20900101000000Z', '20991231235959Z')
@@ -43,16 +43,6 @@ def run(*words):
     subprocess.run(['openssl', *words], check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-def write(name, content):
-    with open(name, 'wb') as file:
-        file.write(content)
-
-
-def read(name):
-    with open(name, 'rb') as file:
-        return file.read()
-
-
 def certify(name, issuer=None, extensions='authority', valid=ALWAYS, subject=None, elliptic=False):
     """A certificate NAME.pem with its key NAME.key, issued by `issuer` or by itself."""
     algorithm = ['EC', '-pkeyopt', 'ec_paramgen_curve:P-256'] if elliptic else ['RSA', '-pkeyopt', 'rsa_keygen_bits:2048']
@@ -64,7 +54,7 @@ def certify(name, issuer=None, extensions='authority', valid=ALWAYS, subject=Non
 
 
 def sign(message, content, *signers, chain=(), options=('-nodetach',)):
-    write('chain', b''.join(read(certificate + '.pem') for certificate in chain))
+    Path('chain').write_bytes(b''.join(Path(certificate + '.pem').read_bytes() for certificate in chain))
     words = ['cms', '-sign', '-binary', '-noattr', '-md', 'sha256', '-outform', 'DER', '-in', content, *options]
     for signer in signers:
         words += ['-signer', signer + '.pem', '-inkey', signer + '.key']
@@ -73,8 +63,8 @@ def sign(message, content, *signers, chain=(), options=('-nodetach',)):
 
 def make_chain_messages():
     """Messages over one content, for the walk of the certificates."""
-    write('content', b'what was signed, ' * 40)
-    write('empty.der', b'')
+    Path('content').write_bytes(b'what was signed, ' * 40)
+    Path('empty.der').write_bytes(b'')
     for root in ('anchor', 'stranger', 'tls-authority'):
         certify(root)
         run('x509', '-in', root + '.pem', '-outform', 'DER', '-out', root + '.der')
@@ -122,12 +112,12 @@ def make_chain_messages():
 def make_packages():
     """Packages signed by the anchor's own signer; the executable in them is PROGRAM."""
     program = b''.join(hashlib.sha256(bytes([n])).digest() * 2 for n in range(160))  # packs to about a half
-    write('program', program)
+    Path('program').write_bytes(program)
     short = zlib.compress(b'short')
     bound = 10 * (8 + len(short))
 
     def package(name, size, stream, signer='signer1', magic=b'Troy'):
-        write('package', magic + struct.pack('<I', size) + stream)
+        Path('package').write_bytes(magic + struct.pack('<I', size) + stream)
         sign(name, 'package', signer, chain=['link1'])
 
     stream = zlib.compress(program)
@@ -141,19 +131,18 @@ def make_packages():
     package('below-bound', bound - 1, short)
     package('too-long', 4, short)
     package('nothing', 0, zlib.compress(b''))
-    write('package', b'')
-    sign('empty', 'package', 'signer1', chain=['link1'])
+    sign('empty', 'empty.der', 'signer1', chain=['link1'])
 
 
 def make_digests():
     """Digests of a product Demo whose executable is PROGRAM and whose data.txt holds "data"."""
-    contents = {'Demo.exe': read('program'), 'data.txt': b'data', 'sub\\more.txt': b'more'}
+    contents = {'Demo.exe': Path('program').read_bytes(), 'data.txt': b'data', 'sub\\more.txt': b'more'}
 
     def digest(name, files, *, hashed=None, end='\r\n', signer='signer1'):
         whole = b''.join(contents.get(file, b'') for file in (files if hashed is None else hashed))
         text = base64.b64encode(hashlib.sha256(whole).digest()).decode()
         lines = [*(f'<Reference URI="{file}" />' for file in files), f'<DigestValue>{text}</DigestValue>', '']
-        write('digest', end.join(lines).encode())
+        Path('digest').write_bytes(end.join(lines).encode())
         sign('digest-' + name, 'digest', signer, chain=['link1'])
 
     both = ['Demo.exe', 'data.txt']
@@ -168,22 +157,22 @@ def make_digests():
     digest('untrusted', both, signer='strange-signer')
     digest('many', [f'{"n" * 200}{number}' for number in range(3000)] + both)
     # For the benchmark: four files of 64 MiB each, of the bytes from 0 to 255 over and over.
-    quarter = bytes(range(256)) * (1 << 18)
-    contents.update({'Large.exe': quarter, '1.dat': quarter, '2.dat': quarter, '3.dat': quarter})
-    digest('large', ['Large.exe', '1.dat', '2.dat', '3.dat'])
+    large = ['Large.exe', '1.dat', '2.dat', '3.dat']
+    contents.update(dict.fromkeys(large, bytes(range(256)) * (1 << 18)))
+    digest('large', large)
 
 
-def make_server_certificate():
+def make_server_certificates():
     """Certificates for the vendor's hosts, under an authority that only the tests trust, and under one that nobody does."""
     for name, issuer in (('tls', 'tls-authority'), ('tls-untrusted', 'stranger')):
         certify('server', issuer, 'server', subject='get.corva.example')
-        write(name + '.pem', read('server.pem') + read('server.key'))
+        Path(name + '.pem').write_bytes(Path('server.pem').read_bytes() + Path('server.key').read_bytes())
 
 
-write('ca.cnf', CONFIG)
-write('index.txt', b'')
-write('serial', b'01')
+Path('ca.cnf').write_bytes(CONFIG)
+Path('index.txt').write_bytes(b'')
+Path('serial').write_bytes(b'01')
 make_chain_messages()
 make_packages()
 make_digests()
-make_server_certificate()
+make_server_certificates()

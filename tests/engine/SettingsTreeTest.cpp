@@ -101,13 +101,3 @@ TEST(FindSetting, FollowsDottedKeysAndLaterTextWins) {
   EXPECT_EQ(FindSetting(nullptr, MString(L"top")), nullptr);
   EXPECT_EQ(FindSetting(&tree, MString()), nullptr);
 }
-
-TEST(LoadStringList, AppendsTheValuesInOrder) {
-  SettingsTree tree;
-  ParseSettings(&tree, MString(L"Files b a; Empty; Group { Files c; };"));
-  MStringList list;
-  const std::pair<const wchar_t*, bool> rows[] = {
-      {L"Files", true}, {L"Group.Files", true}, {L"Empty", true}, {L"Missing", false}};
-  for (const auto& [key, found] : rows) EXPECT_EQ(LoadStringList(&list, &tree, MString(key)), found) << Text(key);
-  EXPECT_EQ(Keys(&list), (Lines{"b", "a", "c"}));
-}

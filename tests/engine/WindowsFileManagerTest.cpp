@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr uint64_t kUnitsPerSecond = 10'000'000;
-
 class FileManager : public testing::Test {
  protected:
   // Below the directory of the test; UTF-8 as the file manager takes it.
@@ -22,7 +20,7 @@ class FileManager : public testing::Test {
     testing_files::WriteWhole(path, std::string(bytes, 'x'));
     ULARGE_INTEGER written = {};
     GetSystemTimeAsFileTime(reinterpret_cast<FILETIME*>(&written));
-    written.QuadPart -= ageInSeconds * kUnitsPerSecond;
+    written.QuadPart -= ageInSeconds * 10000000ULL;
     const FILETIME time = {written.LowPart, written.HighPart};
     const FileHandle file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     ASSERT_TRUE(SetFileTime(file.Get(), nullptr, nullptr, &time));

@@ -5,30 +5,20 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
-#include <unknwn.h>
 
-class UnavailableClass final : public IClassFactory {
+#include "engine/ComSupport.h"
+
+class UnavailableClass {
  public:
   explicit UnavailableClass(REFCLSID id) {
-    EXPECT_EQ(CoRegisterClassObject(id, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_), S_OK);
+    ComPtr<IStream> noFactory;
+    EXPECT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, noFactory.GetAddressOf()), S_OK);
+    EXPECT_EQ(CoRegisterClassObject(id, noFactory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_),
+              S_OK);
   }
   UnavailableClass(const UnavailableClass&) = delete;
   UnavailableClass& operator=(const UnavailableClass&) = delete;
-  virtual ~UnavailableClass() { CoRevokeClassObject(registration_); }
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    const bool known = iid == IID_IUnknown || iid == IID_IClassFactory;
-    *out = known ? this : nullptr;
-    return known ? S_OK : E_NOINTERFACE;
-  }
-  // Owned by its scope.
-  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID, void** out) override {
-    *out = nullptr;
-    return REGDB_E_CLASSNOTREG;
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+  ~UnavailableClass() { CoRevokeClassObject(registration_); }
 
  private:
   DWORD registration_ = 0;
