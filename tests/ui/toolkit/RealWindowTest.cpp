@@ -190,6 +190,9 @@ TEST_F(RealWindow, TabGoesRoundBothWaysAndEnterAndSpacePress) {
   driver::Click(window.handle, {390, 150});
   EXPECT_FALSE(window.ringVisible) << "a click on nothing ends it";
   EXPECT_EQ(GetFocus(), window.handle);
+  for (MRegion* const region : order) region->SetVisible(false);
+  driver::Stroke(window.handle, VK_TAB);
+  EXPECT_EQ(window.focusRegion, nullptr);
 }
 
 TEST_F(RealWindow, ClosingTellsTheHostAndEndsTheLoop) {
@@ -216,12 +219,11 @@ TEST_F(RealWindow, ClosingTellsTheHostAndEndsTheLoop) {
 
 TEST_F(RealWindow, ATooltipIsThereExactlyWhileItIsActive) {
   MTooltipArea tip(&window, window.handle, other->nativeWindow, ui.resourceModule);
-  const auto ask = [&](UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
-    return SendMessageW(tip.tooltipHandle, message, wParam, lParam);
+  const auto ask = [&](UINT message, WPARAM wParam = 0) {
+    return SendMessageW(tip.tooltipHandle, message, wParam, reinterpret_cast<LPARAM>(tip.toolInfo.get()));
   };
   EXPECT_EQ(ask(TTM_GETDELAYTIME, TTDT_INITIAL), 100);
   EXPECT_EQ(ask(TTM_GETDELAYTIME, TTDT_AUTOPOP), 30000);
-  tip.bounds = {0, 0, 140, 33};
   tip.SetText(MString(L"first"));
   EXPECT_EQ(ask(TTM_GETTOOLCOUNT), 0);
   tip.SetActive(true);
@@ -230,13 +232,12 @@ TEST_F(RealWindow, ATooltipIsThereExactlyWhileItIsActive) {
   tip.SetText(MString(L"accept the license"));
   tip.bounds = {0, 0, 100, 20};
   tip.Layout();
-  wchar_t buffer[80] = {};
-  TOOLINFOW info = *tip.toolInfo;
-  info.lpszText = buffer;
-  ask(TTM_GETTEXTW, 80, reinterpret_cast<LPARAM>(&info));
-  EXPECT_STREQ(buffer, L"accept the license");
-  ASSERT_TRUE(ask(TTM_GETTOOLINFOW, 0, reinterpret_cast<LPARAM>(&info)));
-  EXPECT_EQ(info.rect.right, 100);
+  wchar_t text[80] = {};
+  tip.toolInfo->lpszText = text;
+  tip.toolInfo->rect = {};
+  ASSERT_TRUE(ask(TTM_GETTOOLINFOW));
+  EXPECT_STREQ(text, L"accept the license");
+  EXPECT_EQ(tip.toolInfo->rect.right, 100);
   driver::MoveTo(window.handle, {250, 30});
   EXPECT_TRUE(driver::PumpUntil([&] { return IsWindowVisible(tip.tooltipHandle) != FALSE; }));
   tip.SetActive(false);

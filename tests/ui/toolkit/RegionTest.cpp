@@ -1,4 +1,4 @@
-// The region tree: who is whose child, what is drawn where, who is asked about the pointer.
+// The region tree and its window: who is whose child, what is drawn where, who is asked about the pointer, its size.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -53,6 +53,7 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
       if (region == nullptr) {
         region = std::make_unique<MSkinnedSection>();
         if (pick(2) == 0) region->drawFlags |= kNativeChild;
+        region->controlId = static_cast<int32_t>(pick(2));
         region->bounds = {0, 0, 9, 9};
       }
       bool below = false;  // nothing may be attached beneath itself
@@ -72,7 +73,10 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
         if (each == nullptr) continue;
         each->Invalidate();
         EXPECT_TRUE(each->next == nullptr || each->next->prev == each.get());
-        EXPECT_TRUE(each->nativeWindow == nullptr || each->owner == &window);
+        if (each->nativeWindow == nullptr) continue;
+        EXPECT_EQ(each->owner, &window);
+        const MRegion* const next = window.NextFocus(each->nativeWindow, step % 2 == 0);
+        EXPECT_TRUE(next != nullptr ? next->IsFocusable() && next->owner == &window : !each->IsFocusable());
       }
     }
     if (round % 2 == 0) {
@@ -96,30 +100,26 @@ TEST(RegionTree, AnySequenceOfChangesLeavesATree) {
 
 TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
   const struct {
-    const char* reason;
-    void (*act)(MRegion&, RecordingPlatform&);
+    void (MRegion::*act)(bool);
+    bool on, keyboard;  // whether this program has the keyboard
     Lines expected;
-  } rows[] = {
-      {"hidden", [](auto& region, auto&) { region.SetVisible(false); }, {"focus none", "hide"}},
-      {"hidden while another program has the keyboard",
-       [](auto& region, auto& platform) {
-         platform.focus = nullptr;
-         region.SetVisible(false);
-       },
-       {"focus none", "hide"}},
-      {"shown", [](auto& region, auto&) { region.SetVisible(true); }, {"show"}},
-      {"disabled", [](auto& region, auto&) { region.SetEnabled(false); }, {"focus none"}},
-      {"detached", [](auto& region, auto&) { region.Detach(); }, {"focus none", "destroy"}},
-  };
+  } rows[] = {{&MRegion::SetVisible, false, true, {"focus none", "hide"}},
+              {&MRegion::SetVisible, false, false, {"focus none", "hide"}},
+              {&MRegion::SetVisible, true, true, {"show"}},
+              {&MRegion::SetEnabled, false, true, {"focus none"}}};
   for (const auto& row : rows) {
     Family family;
     family.a.drawFlags |= kNativeChild;
     family.parent.bounds = {10, 20, 210, 220};
     family.parent.Attach(&family.a);
     family.window.PlaceFocus(&family.a, false, nullptr);
+    if (!row.keyboard) family.window.Platform().focus = nullptr;
     EXPECT_EQ(family.window.Take(), Lines{"child 10,20,10,20"});
-    row.act(family.a, family.window.Platform());
-    EXPECT_EQ(family.window.Take(), row.expected) << row.reason;
+    (family.a.*row.act)(row.on);
+    EXPECT_EQ(family.window.Take(), row.expected);
+    family.window.PlaceFocus(&family.a, false, nullptr);
+    family.a.Detach();
+    EXPECT_EQ(family.window.Take(), (Lines{"focus none", "destroy"}));
   }
 }
 
@@ -244,6 +244,21 @@ TEST(Drawing, ThePartOfAnImageNeverLeavesItsSource) {
        }) {
     EXPECT_EQ(Spell(ClippedSource(row.source, row.place, row.clip)), row.expected) << row.reason;
   }
+}
+
+TEST(Animation, HalvesTheWayAndArrives) {
+  for (const auto& [difference, step] : {std::pair{-1, -1}, {-2, -1}, {-3, -2}, {3, 1}}) {
+    EXPECT_EQ(AnimationStep(difference), step) << difference;
+  }
+  RecordingWindow window;
+  window.rect = {0, 0, 100, 345};
+  window.targetRect = {0, 0, 730, 345};
+  for (const int32_t width : {415, 572, 651, 690, 710, 720, 725, 727, 728, 729, 730}) {
+    window.Tick();
+    EXPECT_EQ(window.Take(), (Lines{Spell("resize", width, 345), "event 2 2", "event 2 4"})) << "the height stays";
+  }
+  window.Tick();
+  EXPECT_EQ(window.Take(), (Lines{"event 2 4"})) << "an idle window only counts frames";
 }
 
 }  // namespace

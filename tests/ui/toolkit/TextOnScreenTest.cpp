@@ -55,20 +55,16 @@ TEST_F(TextOnScreen, IsWhiteOverAShadowAndALinkHasItsColourAndUnderline) {
 
 TEST_F(TextOnScreen, FontsFollowTheThreadsLocale) {
   const LCID before = GetThreadLocale();
-  const struct {
-    LCID locale;
-    LONG height;
-    const char* face;
-  } rows[] = {
+  const std::tuple<LCID, LONG, const char*> rows[] = {
       {1028, 17, "Mingliu"}, {1041, 18, "Mincho"}, {2052, 17, "SimSun"}, {1042, 20, "Arial"}, {1033, 20, "Arial"}};
-  for (const auto& row : rows) {
-    SetThreadLocale(row.locale);
+  for (const auto& [locale, height, face] : rows) {
+    SetThreadLocale(locale);
     const MTextArea area(&window, 20, false, false);
     for (const HFONT font : {area.normalFont, area.boldFont}) {
       LOGFONTA data = {};
       ASSERT_NE(GetObjectA(font, sizeof(data), &data), 0);
-      EXPECT_STREQ(data.lfFaceName, row.face) << row.locale;
-      EXPECT_EQ(data.lfHeight, row.height);
+      EXPECT_STREQ(data.lfFaceName, face) << locale;
+      EXPECT_EQ(data.lfHeight, height) << locale;
       EXPECT_EQ(data.lfWeight, font == area.boldFont ? 700 : 400);
       EXPECT_EQ((std::array{data.lfCharSet, data.lfQuality, data.lfPitchAndFamily}), (std::array<BYTE, 3>{1, 2, 2}));
     }
