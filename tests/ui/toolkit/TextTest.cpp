@@ -46,10 +46,6 @@ class GridCanvas final : public TextCanvas {
   bool lastBold = false;
 };
 
-MString Wide(const char* text) {
-  return MString(WideView(FromUtf8(text)));
-}
-
 // Each chunk as text in brackets behind its marks: n begins a line, b bold, +8 spacing, a=target or ncp.
 std::string Spelled(const MTextChunk* chunk) {
   std::string all;
@@ -66,57 +62,57 @@ std::string Spelled(const MTextChunk* chunk) {
 
 struct MarkupRow {
   const char* reason;
-  const char* text;
+  const wchar_t* text;
   const char* chunks;
 };
 constexpr MarkupRow kMarkup[] = {
-    {"plain, entities stay", "one &amp; two", "[one &amp; two]"},
-    {"both forms of a break", "a<br/>b<br>c</br>d", "[a]n[b]n[c]n[d]"},
-    {"a tag up to its end, however odd", "a<br/<br/>b", "[a]n[b]"},
-    {"a line feed breaks before what precedes it", "a\nb", "n[a][b]"},
-    {"bold from the next stretch", "a<strong>b</strong>c", "[a]b[b][c]"},
-    {"names in any case, other words ignored", "<STRONG class='x'>a</Strong\t>b", "b[a][b]"},
-    {"either quote", "<a href='x\"y'>l</a><A HREF=\"z'\">m</a>n", "a=x\"y[l]a=z'[m][n]"},
-    {"the first quoted value, whatever its name", "<a id='1' href='2'>l", "a=1[l]"},
-    {"an unclosed quote goes to the tag's end", "<a href='u>l</a>m", "a=u[l][m]"},
-    {"a target outlasts a settings link", "<a href='u'>l<ncp>m</ncp>n", "a=u[l]ncp[m][n]"},
-    {"a list", "<ul><li>x</li><li>y</li></ul>z", "n+8[\xE2\x80\xA2 x]n+8[\xE2\x80\xA2 y]n+8[z]"},
-    {"unknown and empty tags", "a<x>b<>c</>d<//a>e", "[a][b][c][d][e]"},
-    {"a tag that never ends", "a<br", "[a]"},
+    {"plain, entities stay", L"one &amp; two", "[one &amp; two]"},
+    {"both forms of a break", L"a<br/>b<br>c</br>d", "[a]n[b]n[c]n[d]"},
+    {"a tag up to its end, however odd", L"a<br/<br/>b", "[a]n[b]"},
+    {"a line feed breaks before what precedes it", L"a\nb", "n[a][b]"},
+    {"bold from the next stretch", L"a<strong>b</strong>c", "[a]b[b][c]"},
+    {"names in any case, other words ignored", L"<STRONG class='x'>a</Strong\t>b", "b[a][b]"},
+    {"either quote", L"<a href='x\"y'>l</a><A HREF=\"z'\">m</a>n", "a=x\"y[l]a=z'[m][n]"},
+    {"the first quoted value, whatever its name", L"<a id='1' href='2'>l", "a=1[l]"},
+    {"an unclosed quote goes to the tag's end", L"<a href='u>l</a>m", "a=u[l][m]"},
+    {"a target outlasts a settings link", L"<a href='u'>l<ncp>m</ncp>n", "a=u[l]ncp[m][n]"},
+    {"a list", L"<ul><li>x</li><li>y</li></ul>z", "n+8[\xE2\x80\xA2 x]n+8[\xE2\x80\xA2 y]n+8[z]"},
+    {"unknown and empty tags", L"a<x>b<>c</>d<//a>e", "[a][b][c][d][e]"},
+    {"a tag that never ends", L"a<br", "[a]"},
 };
 
 TEST(Markup, IsCutIntoChunks) {
   for (const MarkupRow& row : kMarkup) {
-    EXPECT_EQ(Spelled(ParseMarkup(Wide(row.text)).get()), row.chunks) << row.reason;
+    EXPECT_EQ(Spelled(ParseMarkup(MString(row.text)).get()), row.chunks) << row.reason;
   }
 }
 
 struct LayoutRow {
   const char* reason;
-  const char* text;
+  const wchar_t* text;
   int32_t width;  // of the frame; a unit is 10 wide, a line 12 high
   int32_t lines;
   Lines drawn;
 };
 const LayoutRow kLayouts[] = {
-    {"broken at blanks", "one two three", 80, 2, {"0 0 one two", "0 12 three"}},
-    {"a blank just behind what fits does not count", "ab cd efg", 50, 3, {"0 0 ab", "0 12 cd", "0 24 efg"}},
-    {"a word too wide is cut, not lost", "abcdefgh", 30, 3, {"0 0 abc", "0 12 def", "0 24 gh"}},
-    {"runs on one line", "ab<strong>cd</strong>ef", 100, 1, {"0 0 ab", "20 0 cd bold", "48 0 ef"}},
+    {"broken at blanks", L"one two three", 80, 2, {"0 0 one two", "0 12 three"}},
+    {"a blank just behind what fits does not count", L"ab cd efg", 50, 3, {"0 0 ab", "0 12 cd", "0 24 efg"}},
+    {"a word too wide is cut, not lost", L"abcdefgh", 30, 3, {"0 0 abc", "0 12 def", "0 24 gh"}},
+    {"runs on one line", L"ab<strong>cd</strong>ef", 100, 1, {"0 0 ab", "20 0 cd bold", "48 0 ef"}},
     {"a run that goes on wraps to the line's start",
-     "abc<strong>d e</strong>",
+     L"abc<strong>d e</strong>",
      60,
      2,
      {"0 0 abc", "30 0 d bold", "0 12 e bold"}},
-    {"no room for one unit of the next run", "abc<x>def", 39, 2, {"0 0 abc", "0 12 def"}},
-    {"no room at all drops what follows", "abc<x>def", 30, 1, {"0 0 abc"}},
-    {"a frame without width", "abc", 0, 1, {}},
-    {"narrower than a later, bolder unit ends", "a<strong>b</strong>c", 12, 2, {"0 0 a"}},
-    {"an empty line is as high as the last", "a<br/><br/>b", 100, 3, {"0 0 a", "0 24 b"}},
-    {"spacing moves every line of a wrapped run", "<li>ab cd", 50, 3, {"0 8 \xE2\x80\xA2 ab", "0 28 cd"}},
-    {"blanks at the very end of a full line wrap once more", "abc <x>d", 30, 2, {"0 0 abc", "0 12 d"}},
+    {"no room for one unit of the next run", L"abc<x>def", 39, 2, {"0 0 abc", "0 12 def"}},
+    {"no room at all drops what follows", L"abc<x>def", 30, 1, {"0 0 abc"}},
+    {"a frame without width", L"abc", 0, 1, {}},
+    {"narrower than a later, bolder unit ends", L"a<strong>b</strong>c", 12, 2, {"0 0 a"}},
+    {"an empty line is as high as the last", L"a<br/><br/>b", 100, 3, {"0 0 a", "0 24 b"}},
+    {"spacing moves every line of a wrapped run", L"<li>ab cd", 50, 3, {"0 8 \xE2\x80\xA2 ab", "0 28 cd"}},
+    {"blanks at the very end of a full line wrap once more", L"abc <x>d", 30, 2, {"0 0 abc", "0 12 d"}},
     {"links in their colour",
-     "a <a href='u'>b</a>",
+     L"a <a href='u'>b</a>",
      100,
      1,
      {"0 0 a ", "20 0 b colour 77", "link u 20,0,30,12", "underline 20,11,30,12"}},
@@ -130,7 +126,7 @@ TEST(TextLayout, BreaksLinesAsDocumented) {
       drawn.push_back(Spell("link", Text(chunk.href), at));
     };
     const int32_t lines =
-        LayoutText(ParseMarkup(Wide(row.text)).get(), {row.width, 100, 0, 262144, 77}, canvas, placeLink);
+        LayoutText(ParseMarkup(MString(row.text)).get(), {row.width, 100, 0, 262144, 77}, canvas, placeLink);
     EXPECT_EQ(drawn, row.drawn) << row.reason;
     EXPECT_EQ(lines, row.lines) << row.reason;
     EXPECT_EQ(canvas.lastFlags, drawn.empty() ? 0 : 262144u + 288);
@@ -166,8 +162,8 @@ struct Area {
     window.Attach(&area);
     drawn.clear();
   }
-  Lines Render(const char* text) {
-    area.SetText(Wide(text));
+  Lines Render(const wchar_t* text) {
+    area.SetText(MString(text));
     EXPECT_EQ(drawn, Lines{}) << "it draws at the layout and not before";
     area.Layout();
     return std::exchange(drawn, {});
@@ -180,13 +176,13 @@ struct Area {
 
 TEST(TextArea, ShowsPlainTextWithItsMarkupAndStaysAsItWasWithoutAnyText) {
   Area plain(false, true);
-  EXPECT_EQ(plain.Render("<br>x"), Lines{"0 0 <br>x bold"});
+  EXPECT_EQ(plain.Render(L"<br>x"), Lines{"0 0 <br>x bold"});
   EXPECT_EQ(Text(plain.area.label), "<br>x");
   EXPECT_EQ(Spell(plain.area.sourceRect), "[0,0,100,50]");
   Area area(true);
-  EXPECT_EQ(area.Render("a"), Lines{"0 0 a"});
+  EXPECT_EQ(area.Render(L"a"), Lines{"0 0 a"});
   EXPECT_EQ(area.window.Take(true), Lines{"invalidate 10,20,110,70"});
-  EXPECT_EQ(area.Render(""), Lines{});
+  EXPECT_EQ(area.Render(L""), Lines{});
   EXPECT_EQ(Text(area.area.label), "a");
   EXPECT_EQ(area.window.Take(true), Lines{});
   EXPECT_EQ(area.area.pixels[0], 0u) << "its bitmap is cleared all the same";
@@ -199,14 +195,14 @@ TEST(TextArea, TheBitmapGrowsInStepsOnBothSidesAtOnce) {
                                           {{129, 10}, {"bitmap 256 128"}}, {{-300, 200}, {"bitmap 128 256"}}};
   for (const auto& [size, made] : rows) {
     area.area.bounds = Rect::Of(0, 0, size.x, size.y);
-    EXPECT_EQ(area.Render(""), made) << size.x << " by " << size.y;
+    EXPECT_EQ(area.Render(L""), made) << size.x << " by " << size.y;
   }
 }
 
 TEST(TextArea, LinksBecomeRegionsThatOpenTheirTargetAndDropOutAtTheNextLayout) {
   Area area(true);
   area.area.verticalOffset = 3;
-  area.Render("x <a href='u'>link</a> <ncp>set</ncp>");
+  area.Render(L"x <a href='u'>link</a> <ncp>set</ncp>");
   MRegion* const first = area.area.firstChild;
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(Spell(first->bounds, first->firstChild->bounds), "20,3,60,15 0,11,40,12");
@@ -218,7 +214,7 @@ TEST(TextArea, LinksBecomeRegionsThatOpenTheirTargetAndDropOutAtTheNextLayout) {
   EXPECT_EQ(area.window.Take(),
             (Lines{"capture", "hand", "open u", "release", "arrow", "capture", "hand", "settings"}));
   MRegion* const second = first->Next();
-  area.Render("<a href='w'>c</a>");
+  area.Render(L"<a href='w'>c</a>");
   EXPECT_EQ(Text(static_cast<MHTMLLink*>(area.area.firstChild)->url), "w");
   EXPECT_EQ(area.area.firstChild->Next(), nullptr);
   EXPECT_EQ(second->parent, nullptr);
