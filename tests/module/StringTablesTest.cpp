@@ -1,8 +1,7 @@
-// The texts of the built module, read from its resources language by language as they lie there, and through the shim.
+// The texts of the built module, read from its resources language by language as they lie there.
 #include <algorithm>
 
 #include "tests/module/LoadedModule.h"
-#include "tests/support/Texts.h"
 
 namespace {
 
@@ -65,17 +64,4 @@ TEST(StringTables, EveryLanguageHasTheSameIdsTagsPlaceholdersAndNames) {
               std::string("https://update.corva.example") + row.addressSegment + "/lumenplayer/update/");
   }
   EXPECT_EQ(FrameOf(TextOf(1033, 65)), L"<br/<br/>") << "two tags that are read as one line break, as they always were";
-}
-
-TEST_F(ModuleFixture, TheThreadsLocaleChoosesTheLanguageAndAnUnknownOneGivesEnglish) {
-  host.resourceModule = LoadedModule();
-  const LCID before = GetThreadLocale();
-  for (const auto& [locale, close] : {std::pair{1041, "閉じる"}, {1029, "ZAVŘÍT"}, {2052, "关闭"}, {1035, "CLOSE"}}) {
-    SetThreadLocale(static_cast<LCID>(locale));
-    MString text;
-    shim->LoadString(&text, 35, 1);
-    EXPECT_EQ(Text(text), close) << "and the terminator is not shown";
-  }
-  SetThreadLocale(before);
-  EXPECT_EQ(host.events, Lines{});
 }

@@ -92,12 +92,7 @@ class RecordingHost final : public HostCallbacks {
   }
   MessageLog* GetMessageLog() override { return &log; }
   uint32_t GetFlags() override { return flags; }
-  bool DecompressImage(void* output, uint32_t outputSize, const void* /*input*/, uint32_t inputSize) override {
-    events.push_back("DecompressImage " + std::to_string(outputSize) + " " + std::to_string(inputSize));
-    if (unpackedImage.empty() || unpackedImage.size() != outputSize) return false;
-    std::copy(unpackedImage.begin(), unpackedImage.end(), static_cast<uint8_t*>(output));
-    return true;
-  }
+  bool DecompressImage(void*, uint32_t, const void*, uint32_t) override { return false; }
   MString* GetPayloadPath(MString* out) override { return &(*out = payloadPath); }
   bool ConflictCheckIsOptional() override { return conflictCheckIsOptional; }
   bool ConflictsBlockInstall() override { return conflictsBlockInstall; }
@@ -149,8 +144,6 @@ class RecordingHost final : public HostCallbacks {
   MString previousActiveXVersion, previousPluginVersion;
   // Settings text of GetUpdateDialogData; a null text makes the operation fail.
   MString updateDialogData;
-  // What every image unpacks to; DecompressImage fails when the size asked for is another.
-  std::vector<uint8_t> unpackedImage;
   // Whether LoadStringFallback asks the module's own tables first, as a window's texts want it.
   bool usesModuleTexts = false;
   // Texts of LoadStringFallback; any other id gives "fallback <id>".

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/CountFixture.h"
-#include "tests/support/RecordingHost.h"
 #include "ui/toolkit/MImage.h"
 
 namespace {
@@ -13,6 +12,8 @@ TEST(Image, IsReadFromTheModuleBottomRowFirstAndGivenBack) {
   const size_t before = counts::GdiObjects();
   for (int i = 0; i < 100; ++i) {
     MImage image;
+    image.Load(GetModuleHandleW(nullptr), 9999);
+    EXPECT_EQ(image.Ref().Context(), nullptr) << "there is none";
     image.Load(GetModuleHandleW(nullptr), image_id::Skin);
     image.Load(GetModuleHandleW(nullptr), image_id::Skin);
     ASSERT_NE(image.Ref().Context(), nullptr);
@@ -21,18 +22,6 @@ TEST(Image, IsReadFromTheModuleBottomRowFirstAndGivenBack) {
     EXPECT_EQ(GetPixel(image.Ref().Context(), 1, 0), RGB(3, 2, 1));
   }
   EXPECT_EQ(counts::GdiObjects(), before);
-}
-
-TEST(Image, ThatIsMissingOrRefusedStaysEmpty) {
-  RecordingHost host;
-  constexpr auto kUnknown = static_cast<ImageForm>(2);
-  for (const auto& [id, form] :
-       {std::pair{9999, ImageForm::Plain}, {8, ImageForm::Plain}, {161, kUnknown}, {7, ImageForm::Compressed}}) {
-    MImage image;
-    image.Load(GetModuleHandleW(nullptr), id, form, &host);
-    EXPECT_EQ(image.Ref().Context(), nullptr) << id;
-  }
-  EXPECT_EQ(host.events, Lines{"DecompressImage 26 6"});
 }
 
 }  // namespace
