@@ -24,37 +24,30 @@ struct Stock {
   SAFEARRAY* array;
 };
 
-SAFEARRAY* MakeArray(VARTYPE type, std::vector<SAFEARRAYBOUND> bounds, int fill = 0) {
-  SAFEARRAY* const array = SafeArrayCreate(type, static_cast<UINT>(bounds.size()), bounds.data());
-  if (array != nullptr && fill != 0) FillMemory(array->pvData, bounds[0].cElements * array->cbElements, fill);
+const WideString kTexts[] = {L"",
+                             L"x",
+                             WideString(70000, L'A'),
+                             L"<LOCAL_APPDATA>" + WideString(300, L'\\'),
+                             L"\\\\?\\C:\\..\\..\\x.sol",
+                             WideString(L"a\0b\0", 4) + static_cast<wchar_t>(0xD800),
+                             L"\\\\.\\nosuchdevice",
+                             L"C:*?|<>\"\\%2E.\\::$DATA"};
+
+struct ArrayShape {
+  VARTYPE type;
+  SAFEARRAYBOUND bounds[2];  // the second only where it has elements
+  int fill;
+};
+constexpr ArrayShape kArrays[] = {
+    {VT_UI1, {{0, 0}}, 0},         {VT_UI1, {{1, 0}}, 0xFF},     {VT_UI1, {{16, 0}}, 0xFF},
+    {VT_UI1, {{44, 0}}, 0xFF},     {VT_UI1, {{48, 0}}, 0x28},    {VT_UI1, {{24, 0}}, 0x7F},
+    {VT_UI1, {{92, 0}}, 0x7F},     {VT_UI1, {{40961, 0}}, 0x4D}, {VT_UI1, {{8, LONG_MIN}}, 0},
+    {VT_UI1, {{4, 0}, {4, 0}}, 0}, {VT_I4, {{16, 0}}, 0xFF},     {VT_BSTR, {{8, 0}}, 0}};
+
+SAFEARRAY* MakeArray(ArrayShape shape) {
+  SAFEARRAY* const array = SafeArrayCreate(shape.type, shape.bounds[1].cElements == 0 ? 1 : 2, shape.bounds);
+  if (shape.fill != 0) FillMemory(array->pvData, shape.bounds[0].cElements * array->cbElements, shape.fill);
   return array;
-}
-
-std::vector<WideString> HostileTexts() {
-  return {L"",
-          L"x",
-          WideString(70000, L'A'),
-          L"<LOCAL_APPDATA>" + WideString(300, L'\\'),
-          L"\\\\?\\C:\\..\\..\\x.sol",
-          WideString(L"a\0b\0", 4) + static_cast<wchar_t>(0xD800),
-          L"\\\\.\\nosuchdevice",
-          L"C:*?|<>\"\\%2E.\\::$DATA"};
-}
-
-std::vector<SAFEARRAY*> HostileArrays() {
-  return {nullptr,
-          MakeArray(VT_UI1, {{0, 0}}),
-          MakeArray(VT_UI1, {{1, 0}}, 0xFF),
-          MakeArray(VT_UI1, {{16, 0}}, 0xFF),
-          MakeArray(VT_UI1, {{44, 0}}, 0xFF),
-          MakeArray(VT_UI1, {{48, 0}}, 0x28),
-          MakeArray(VT_UI1, {{24, 0}}, 0x7F),
-          MakeArray(VT_UI1, {{92, 0}}, 0x7F),
-          MakeArray(VT_UI1, {{40961, 0}}, 0x4D),
-          MakeArray(VT_UI1, {{8, LONG_MIN}}),
-          MakeArray(VT_UI1, {{4, 0}, {4, 0}}),
-          MakeArray(VT_I4, {{16, 0}}, 0xFF),
-          MakeArray(VT_BSTR, {{8, 0}})};
 }
 
 // What COM says when the server, rather than the method, has given up. The last is a fault that the marshaller of some
@@ -72,61 +65,38 @@ bool TellsOfAFall(HRESULT result) {
   return std::find(std::begin(kFalls), std::end(kFalls), result) != std::end(kFalls);
 }
 
-// The arguments of one call, made from the type library's word for them.
-class Call {
- public:
-  Call(const FUNCDESC& function, const std::string& name, const Stock& stock) : offset(function.oVft) {
-    for (SHORT i = 0; i < function.cParams; ++i) {
-      const TYPEDESC& type = function.lprgelemdescParam[i].tdesc;
-      VARIANT value = {};
-      value.vt = VT_I8;
-      if (type.vt == VT_PTR) {
-        Out& out = outs.at(static_cast<size_t>(i));
-        out.type = type.lptdesc->vt;
-        // Read only where the argument also goes in; of print flags none may bring up a dialog.
-        if (out.type == VT_UI4) out.value.ulVal = stock.number;
-        if (name == "BrokerPrintDialog" && i == 3) out.value.ulVal |= kQuietPrinting;
-        value.llVal =
-            reinterpret_cast<LONG_PTR>(out.type == VT_VARIANT ? static_cast<void*>(&out.value) : &out.value.llVal);
-      } else if (type.vt == VT_BSTR || type.vt == VT_LPWSTR) {
-        value.llVal = reinterpret_cast<LONG_PTR>(stock.text);
-      } else if (type.vt == VT_SAFEARRAY) {
-        value.llVal = reinterpret_cast<LONG_PTR>(stock.array);
-      } else {
-        value.llVal = type.vt == VT_I8 ? static_cast<LONG_PTR>(static_cast<LONG>(stock.number)) : stock.number;
-      }
-      values.push_back(value);
+// Calls one method with arguments made from the type library's word for them.
+HRESULT Call(IUnknown* object, const FUNCDESC& function, const std::string& name, const Stock& stock) {
+  std::array<VARIANT, 16> values{}, outs{};
+  std::array<VARIANTARG*, 16> pointers{};
+  std::array<VARTYPE, 16> types{};
+  types.fill(VT_I8);
+  for (size_t i = 0; i < static_cast<size_t>(function.cParams); ++i) {
+    const TYPEDESC& type = function.lprgelemdescParam[i].tdesc;
+    VARIANT& out = outs.at(i);
+    LONG_PTR& value = (pointers.at(i) = &values.at(i))->llVal;
+    if (type.vt == VT_PTR) {
+      // The type serves to free what came; a variant tells its own.
+      const VARTYPE of = type.lptdesc->vt;
+      value = reinterpret_cast<LONG_PTR>(of == VT_VARIANT ? static_cast<void*>(&out) : &out.llVal);
+      if (of != VT_VARIANT) out.vt = of == VT_SAFEARRAY ? VARTYPE{VT_ARRAY | VT_UI1} : of;
+      // Read only where the argument also goes in; of print flags none may bring up a dialog.
+      if (of == VT_UI4) out.ulVal = stock.number;
+      if (name == "BrokerPrintDialog" && i == 3) out.ulVal |= kQuietPrinting;
+    } else if (type.vt == VT_BSTR || type.vt == VT_LPWSTR) {
+      value = reinterpret_cast<LONG_PTR>(stock.text);
+    } else if (type.vt == VT_SAFEARRAY) {
+      value = reinterpret_cast<LONG_PTR>(stock.array);
+    } else {
+      value = type.vt == VT_I8 ? static_cast<LONG_PTR>(static_cast<LONG>(stock.number)) : stock.number;
     }
   }
-  ~Call() {
-    for (Out& out : outs) {
-      if (out.type == VT_BSTR) SysFreeString(out.value.bstrVal);
-      if (out.type == VT_SAFEARRAY && out.value.parray != nullptr) SafeArrayDestroy(out.value.parray);
-      if (out.type == VT_VARIANT) VariantClear(&out.value);
-    }
-  }
-  Call(const Call&) = delete;
-  Call& operator=(const Call&) = delete;
-
-  HRESULT Perform(IUnknown* object) {
-    std::vector<VARTYPE> types(values.size(), VT_I8);
-    std::vector<VARIANTARG*> pointers;
-    for (VARIANT& value : values) pointers.push_back(&value);
-    VARIANT result = {};
-    const HRESULT called = DispCallFunc(object, static_cast<ULONG_PTR>(offset), CC_STDCALL, VT_I4,
-                                        static_cast<UINT>(values.size()), types.data(), pointers.data(), &result);
-    return FAILED(called) ? called : result.lVal;
-  }
-
- private:
-  struct Out {
-    VARTYPE type = VT_EMPTY;
-    VARIANT value = {};
-  };
-  SHORT offset;
-  std::array<Out, 16> outs;
-  std::vector<VARIANT> values;
-};
+  VARIANT result = {};
+  const HRESULT called = DispCallFunc(object, static_cast<ULONG_PTR>(function.oVft), CC_STDCALL, VT_I4,
+                                      static_cast<UINT>(function.cParams), types.data(), pointers.data(), &result);
+  for (VARIANT& out : outs) VariantClear(&out);
+  return FAILED(called) ? called : result.lVal;
+}
 
 class HostileClient : public BrokerSuiteTest {
  protected:
@@ -166,7 +136,7 @@ class HostileClient : public BrokerSuiteTest {
     every_method::ForEach(library.Get(), [&](ITypeInfo* info, const FUNCDESC& function, int, int) {
       const std::string name = every_method::NameOf(info, function.memid);
       const Stock stock = next();
-      const HRESULT result = Call(function, name, stock).Perform(broker.Get());
+      const HRESULT result = Call(broker.Get(), function, name, stock);
       ++called;
       ASSERT_TRUE(IsRunning() && !TellsOfAFall(result))
           << name << " with " << stock.number << " answered " << std::hex << result;
@@ -180,18 +150,14 @@ class HostileClient : public BrokerSuiteTest {
 
 TEST_F(HostileClient, NothingThatAMethodIsGivenBringsTheServerDown) {
   constexpr ULONG kNumbers[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 8193, 0x20000001, 0xFFFF0000};
-  std::vector<BString> texts(1);  // the first is null
-  for (const WideString& text : HostileTexts()) texts.emplace_back(WideView(text));
-  std::vector<SAFEARRAY*> arrays = HostileArrays();
-  // The lists are walked in steps that make each item of one meet most of the others.
+  // The lists are walked in steps that make each item of one meet most of the others; the first of either is null.
   for (size_t round = 0; round < 16 && !HasFatalFailure(); ++round) {
+    const size_t textAt = round * 3 % (std::size(kTexts) + 1), arrayAt = round * 5 % (std::size(kArrays) + 1);
+    const BString text(textAt == 0 ? WideView() : WideView(kTexts[textAt - 1]));
+    const ByteArray array(arrayAt == 0 ? nullptr : MakeArray(kArrays[arrayAt - 1]));
     CallAll([&] {
-      return Stock{kNumbers[round % std::size(kNumbers)], texts[round * 3 % texts.size()].Get(),
-                   arrays[round * 5 % arrays.size()]};
+      return Stock{kNumbers[round % std::size(kNumbers)], textAt == 0 ? nullptr : text.Get(), array.Get()};
     });
-  }
-  for (SAFEARRAY* const array : arrays) {
-    if (array != nullptr) SafeArrayDestroy(array);
   }
   EXPECT_EQ(called, 16u * 102u);
   ExpectService();
@@ -231,7 +197,7 @@ TEST_F(HostileClient, ScriptsMayPassAnything) {
   null.vt = VT_NULL;
   VARIANT wrongArray = {};
   wrongArray.vt = VT_ARRAY | VT_BSTR;
-  const ByteArray texts(MakeArray(VT_BSTR, {{4, 0}}));
+  const ByteArray texts(MakeArray({VT_BSTR, {{4, 0}}, 0}));
   wrongArray.parray = texts.Get();
   const BString text(L"x");
   for (const wchar_t* name : {L"BrokerCreateFile", L"BrokerWriteFile", L"BrokerReadFile", L"BrokerLcdDispatchMessage",
