@@ -53,15 +53,14 @@ class Audio : public testing::Test {
  protected:
   Audio() { g_devices = {}; }
 
-  // Calls back from another thread and tells which of the two events came.
+  // Calls back from another thread and tells which of the two events came: of the default device, of a device's state.
   template <class Call>
   std::string Signalled(Call call) {
     std::thread([&] {
       if (g_devices.client != nullptr) call(g_devices.client);
     }).join();
     std::string seen;
-    if (WaitForSingleObject(changed.Get(), 0) == WAIT_OBJECT_0) seen += "default ";
-    if (WaitForSingleObject(state.Get(), 0) == WAIT_OBJECT_0) seen += "state ";
+    for (const KernelHandle& event : events) seen += WaitForSingleObject(event.Get(), 0) == WAIT_OBJECT_0 ? '+' : '-';
     return seen;
   }
   std::string DefaultChanges(EDataFlow flow, ERole role) {
@@ -69,40 +68,41 @@ class Audio : public testing::Test {
   }
   LONG_PTR Create() {
     LONG_PTR cookie = 0;
-    EXPECT_EQ(broker->BrokerMMNotificationClientCreate(reinterpret_cast<LONG_PTR>(GetCurrentProcess()), &cookie), S_OK);
+    EXPECT_EQ(broker->BrokerMMNotificationClientCreate(ToNumber(GetCurrentProcess()), &cookie), S_OK);
     return cookie;
   }
   HRESULT SetBoth(LONG_PTR cookie) {
-    const HRESULT first = broker->BrokerMMNotificationClientSetDefaultDeviceChangeEvent(
-        cookie, reinterpret_cast<LONG_PTR>(changed.Get()));
+    const HRESULT first =
+        broker->BrokerMMNotificationClientSetDefaultDeviceChangeEvent(cookie, ToNumber(events[0].Get()));
     const HRESULT second =
-        broker->BrokerMMNotificationClientSetDeviceStateChangeEvent(cookie, reinterpret_cast<LONG_PTR>(state.Get()));
+        broker->BrokerMMNotificationClientSetDeviceStateChangeEvent(cookie, ToNumber(events[1].Get()));
     return first == second ? first : E_UNEXPECTED;
   }
+  static LONG_PTR ToNumber(HANDLE handle) { return reinterpret_cast<LONG_PTR>(handle); }
 
   ComInitializer apartment;
   shell_fakes::Registered<Enumerator> enumerator{__uuidof(MMDeviceEnumerator)};
-  KernelHandle changed{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
-  KernelHandle state{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+  const KernelHandle events[2] = {KernelHandle(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
+                                  KernelHandle(CreateEventW(nullptr, FALSE, FALSE, nullptr))};
   ComPtr<ILumenBroker6> broker = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
 };
 
 TEST_F(Audio, WhichChangesSignal) {
   const LONG_PTR cookie = Create();
-  EXPECT_EQ(DefaultChanges(eRender, eConsole), "") << "no event is set";
+  EXPECT_EQ(DefaultChanges(eRender, eConsole), "--") << "no event is set";
   ASSERT_EQ(SetBoth(cookie), S_OK);
-  EXPECT_EQ(DefaultChanges(eRender, eCommunications), "default ");
-  EXPECT_EQ(DefaultChanges(eCapture, eConsole), "");
-  EXPECT_EQ(DefaultChanges(eCapture, eMultimedia), "default ");
+  EXPECT_EQ(DefaultChanges(eRender, eCommunications), "+-");
+  EXPECT_EQ(DefaultChanges(eCapture, eConsole), "--");
+  EXPECT_EQ(DefaultChanges(eCapture, eMultimedia), "+-");
   const auto stateChanges = [](IMMNotificationClient* client) {
     EXPECT_EQ(client->OnDeviceStateChanged(L"id", 1), S_OK);
   };
-  EXPECT_EQ(Signalled(stateChanges), "state ");
+  EXPECT_EQ(Signalled(stateChanges), "-+");
   g_devices.flow = eCapture;
-  EXPECT_EQ(Signalled(stateChanges), "");
+  EXPECT_EQ(Signalled(stateChanges), "--");
   g_devices.flow = eRender;
   g_devices.device = E_FAIL;
-  EXPECT_EQ(Signalled(stateChanges), "");
+  EXPECT_EQ(Signalled(stateChanges), "--");
 }
 
 TEST_F(Audio, CookiesAndEventsThatAreNone) {
@@ -115,7 +115,7 @@ TEST_F(Audio, CookiesAndEventsThatAreNone) {
   for (const LONG_PTR none : {0, 0x7ffff0}) {
     EXPECT_EQ(broker->BrokerMMNotificationClientSetDefaultDeviceChangeEvent(cookie, none), S_FALSE);
   }
-  EXPECT_EQ(broker->BrokerMMNotificationClientCreate(reinterpret_cast<LONG_PTR>(GetCurrentProcess()), nullptr), S_OK);
+  EXPECT_EQ(broker->BrokerMMNotificationClientCreate(ToNumber(GetCurrentProcess()), nullptr), S_OK);
   EXPECT_EQ(SetBoth(cookie), S_OK);
   EXPECT_EQ(SetBoth(cookie), S_OK) << "an event may be replaced";
   EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
@@ -129,9 +129,9 @@ TEST_F(Audio, DestroyingTwiceIsAnsweredAndTouchesNothingThatIsGone) {
     const LONG_PTR cookie = Create();
     ASSERT_EQ(SetBoth(cookie), S_OK);
     EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
-    EXPECT_EQ(DefaultChanges(eRender, eConsole), counts ? "default " : "") << "the enumerator may still hold it";
+    EXPECT_EQ(DefaultChanges(eRender, eConsole), counts ? "+-" : "--") << "the enumerator may still hold it";
     for (int i = 0; i < 5; ++i) EXPECT_EQ(broker->BrokerMMNotificationClientDestroy(cookie), S_OK);
-    EXPECT_EQ(DefaultChanges(eRender, eConsole), "");
+    EXPECT_EQ(DefaultChanges(eRender, eConsole), "--");
     EXPECT_EQ(SetBoth(cookie), S_FALSE) << "a client that has ended takes no events";
   }
   g_devices = {};

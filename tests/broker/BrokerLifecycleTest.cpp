@@ -1,11 +1,11 @@
 // The server's life as clients see it: COM starts it, its last release ends it, and nothing else does.
 #include "tests/support/BrokerProcess.h"
 #include "tests/support/DispatchCall.h"
+#include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
 
-using broker_process::Client;
 using broker_process::EndsByItself;
 using broker_process::FindServer;
 
@@ -50,9 +50,14 @@ TEST_F(BrokerLifecycle, ScriptReachesTheSecondGenerationByName) {
 }
 
 TEST_F(BrokerLifecycle, KilledClientLeavesTheServerServingOthers) {
-  Client other(PlayerFile(L"killed.sol"));
-  ASSERT_TRUE(other.IsHolding());
-  other.Kill();
+  const KernelHandle client =
+      StartProcess(L"\"" + broker_process::BuildFolder() + L"\\bin\\lumenctl.exe\" lcd listen doomed");
+  LONG format = 0;
+  while (broker->BrokerLcdFindConnectionFormat(BString(L"doomed").Get(), 0, &format) != S_OK) {
+    ASSERT_EQ(WaitForSingleObject(client.Get(), 1), static_cast<DWORD>(WAIT_TIMEOUT));
+  }
+  TerminateProcess(client.Get(), 1);
+  ASSERT_TRUE(EndsByItself(client));
   ULONG cookie = 0;
   EXPECT_EQ(broker->BrokerCreateFile(BString(PlayerFile(L"living.sol").c_str()).Get(), FALSE, TRUE, &cookie), S_OK);
   EXPECT_EQ(cookie, 1u);
@@ -74,13 +79,14 @@ TEST_F(BrokerLifecycle, QuitMessageCarriesTheExitCodeAndStopsForNoObject) {
 
 TEST_F(BrokerLifecycle, TwoClientsShareTheServerAndNoCookies) {
   const WideString file = PlayerFile(L"second.sol");
+  ComPtr<ILumenBroker6> other;
+  ASSERT_EQ(broker_process::Activate(other), S_OK);
   ULONG cookie = 0;
+  ASSERT_EQ(other->BrokerCreateFile(BString(WideView(file)).Get(), FALSE, TRUE, &cookie), S_OK);
   ASSERT_EQ(broker->BrokerCreateFile(BString(PlayerFile(L"first.sol").c_str()).Get(), FALSE, TRUE, &cookie), S_OK);
-  EXPECT_EQ(cookie, 1u);
-  Client other(file);
-  ASSERT_TRUE(other.IsHolding());
+  EXPECT_EQ(cookie, 1u) << "the other's is its own first";
   EXPECT_EQ(broker->BrokerCloseHandle(2), E_INVALIDARG);
-  EXPECT_EQ(other.Finish(), 1u) << "the first cookie of another client's object";
+  other.Reset();
   const auto opens = [&file] {
     return FileHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr)).IsValid();
   };

@@ -142,15 +142,6 @@ TEST(PathPolicy, LinksOfTheObjectManagerAndAtTheTopAreFollowed) {
   }
 }
 
-TEST(PathPolicy, AServerAloneHasNothingToResolve) {
-  for (const WideView path : {L"\\\\server", L"\\\\server\\", L"//server"}) {
-    EXPECT_TRUE(BrokerPathPolicy::IsUncServerRoot(path)) << ToUtf8(path);
-  }
-  for (const WideView path : {L"\\\\", L"\\\\s\\t", L"\\\\\\server", L"\\server", L"C:\\"}) {
-    EXPECT_FALSE(BrokerPathPolicy::IsUncServerRoot(path)) << ToUtf8(path);
-  }
-}
-
 TEST(ReparseData, EveryTruncationIsNoLink) {
   for (const uint32_t tag : {0xA000000Cu, 0xA0000003u}) {
     const std::vector<uint8_t> whole = MakeReparseData(tag, L"\\??\\C:\\x");

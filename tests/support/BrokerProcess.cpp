@@ -84,30 +84,6 @@ void TellToQuit(const KernelHandle& server, WPARAM exitCode) {
   }
 }
 
-Client::Client(const WideString& file) {
-  static int count = 0;
-  const std::string name = "LumenClient" + std::to_string(GetCurrentProcessId()) + "n" + std::to_string(++count);
-  const KernelHandle ready(CreateEventA(nullptr, TRUE, FALSE, (name + "ready").c_str()));
-  go.Reset(CreateEventA(nullptr, TRUE, FALSE, (name + "go").c_str()));
-  process = StartProcess(Quoted(BuildFolder() + L"\\tests\\BrokerClient.exe") + L" " + WidenAscii(name) + L" " +
-                         Quoted(file));
-  const HANDLE either[] = {ready.Get(), process.Get()};
-  holding = process && WaitForMultipleObjects(2, either, FALSE, kPatience) == WAIT_OBJECT_0;
-}
-
-DWORD Client::Finish() {
-  SetEvent(go.Get());
-  DWORD exitCode = STILL_ACTIVE;
-  if (WaitForSingleObject(process.Get(), kPatience) == WAIT_OBJECT_0) GetExitCodeProcess(process.Get(), &exitCode);
-  return exitCode;
-}
-
-void Client::Kill() {
-  if (!process) return;
-  TerminateProcess(process.Get(), 1);
-  WaitForSingleObject(process.Get(), kPatience);
-}
-
 }  // namespace broker_process
 
 void BrokerProcessTest::SetUp() {

@@ -36,28 +36,6 @@ constexpr DWORD kPatience = 30000;  // milliseconds; far more than anything here
 // Wine's activation service goes on handing out a class object that was not withdrawn.
 void TellToQuit(const KernelHandle& server, WPARAM exitCode = 0);
 
-// A second client in a process of its own: it activates the broker, opens `file` through it if one is named, and then
-// holds what it has until it is told to finish.
-class Client {
- public:
-  explicit Client(const WideString& file = {});
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
-  ~Client() { Kill(); }
-
-  // Whether it got as far as holding.
-  [[nodiscard]] bool IsHolding() const { return holding; }
-  // Lets it release everything and end. The cookie of its file, 0 without one, or the HRESULT of what failed.
-  [[nodiscard]] DWORD Finish();
-  // Ends it with all its references held, as a crash would.
-  void Kill();
-
- private:
-  KernelHandle process;
-  KernelHandle go;
-  bool holding = false;
-};
-
 }  // namespace broker_process
 
 // A test with one client and its server. At the test's end the client's reference goes, and the server must end by
