@@ -116,14 +116,6 @@ TEST_F(BrokerObject, TheServerNeedsItsOwnApartmentAndPublication) {
   EXPECT_EQ(exitCode, kFailed);
 }
 
-TEST_F(BrokerObject, TypeInformationHasOneIndex) {
-  ComPtr<ITypeInfo> info;
-  EXPECT_EQ(Create()->GetTypeInfo(0, LOCALE_NEUTRAL, &info), S_OK);
-  auto* none = reinterpret_cast<ITypeInfo*>(this);
-  EXPECT_EQ(Create()->GetTypeInfo(1, LOCALE_NEUTRAL, &none), DISP_E_BADINDEX);
-  EXPECT_EQ(none, nullptr);
-}
-
 TEST_F(BrokerObject, ObjectWithoutATypeLibraryStillServes) {
   const LONG removed = RegDeleteKeyA(
       HKEY_LOCAL_MACHINE, "Software\\Classes\\TypeLib\\{FAB3E735-69C7-453B-A446-B6823C6DF1C9}\\1.0\\0\\win32");

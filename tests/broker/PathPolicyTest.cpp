@@ -5,7 +5,6 @@
 
 #include <random>
 
-#include "broker/ReparseData.h"
 #include "tests/support/MemoryPathOperations.h"
 #include "tests/support/PathCorpus.h"
 
@@ -139,16 +138,6 @@ TEST(PathPolicy, LinksOfTheObjectManagerAndAtTheTopAreFollowed) {
     std::optional<WideString> target;
     EXPECT_EQ(subject.policy.ResolveOneLink(path, target), leads != std::string("none")) << ToUtf8(path);
     EXPECT_EQ(ToUtf8(target.value_or(L"none")), leads);
-  }
-}
-
-TEST(ReparseData, EveryTruncationIsNoLink) {
-  for (const uint32_t tag : {0xA000000Cu, 0xA0000003u}) {
-    const std::vector<uint8_t> whole = MakeReparseData(tag, L"\\??\\C:\\x");
-    ASSERT_EQ(ToUtf8(ParseReparseTarget(whole).value_or(L"none")), "\\??\\C:\\x");
-    for (size_t size = 0; size < whole.size(); ++size) {
-      EXPECT_FALSE(ParseReparseTarget({whole.data(), size}).has_value()) << size;
-    }
   }
 }
 

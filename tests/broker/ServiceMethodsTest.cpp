@@ -62,13 +62,6 @@ TEST_F(Services, TheDialogSizeNeedsBothValues) {
   EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, nullptr), E_INVALIDARG);
 }
 
-TEST_F(Services, AnUpdateIsMarkedThroughTheBroker) {
-  EXPECT_EQ(broker->BrokerPrefMarkAutoUpdaterForRun(BString(L"<update version=\"29.0\">").Get()), S_OK);
-  EXPECT_EQ(ReadText(HKEY_CURRENT_USER, "Software\\Halcyonics\\LumenPlayerUpdate", "description").value_or(""),
-            "<update version=\"29.0\">");
-  (void)DeleteValue(HKEY_CURRENT_USER, kRunOnceKey, "LumenPlayerUpdate");
-}
-
 TEST_F(Services, DrivesByTheirLetterAlone) {
   const std::pair<const wchar_t*, HRESULT> rows[] = {
       {L"c:\\some\\path", S_OK}, {L"Y:", S_FALSE}, {L"C", E_INVALIDARG}, {L"", E_INVALIDARG}};
