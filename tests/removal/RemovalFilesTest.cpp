@@ -3,7 +3,8 @@
 
 #include <shellapi.h>
 
-#include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "broker/BrokerRegistration.h"
 #include "engine/InstallEngine.h"
@@ -12,7 +13,8 @@
 #include "engine/SystemPaths.h"
 #include "removal/UninstallEntries.h"
 #include "tests/install/InstallFixture.h"
-#include "tests/support/ImportHook.h"
+#include "tests/support/FaultSteps.h"
+#include "tests/support/RegistrySnapshot.h"
 
 namespace {
 
@@ -37,16 +39,9 @@ class RemovalFiles : public InstallFixture {
     }
     return codes;
   }
-  // Of these, the ones that are there.
-  Lines There(const Lines& names) const {
-    Lines there;
-    for (const std::string& name : names) {
-      if (FileIsThere(name.c_str())) there.push_back(name);
-    }
-    return there;
-  }
-  void MakeFiles(const Lines& names) const {
-    for (const std::string& name : names) (void)File(name.c_str());
+  bool Remove(uint32_t kind) {
+    host.Forget();
+    return shim->RemoveProductKind(kind, Folder(), 0, 0);
   }
   MString Folder() const { return MString(WideView(folder->Path())); }
 };
@@ -75,33 +70,29 @@ DWORD WINAPI Wait(HANDLE object, DWORD milliseconds) {
 
 TEST_F(RemovalFiles, WithoutPathsTheRestIsStillCleaned) {
   for (const uint32_t kind : kAllKinds) {
-    host.Forget();
     SetText(GetReleaseTypeKey(kind), "x", "x");
-    EXPECT_FALSE(shim->RemoveProductKind(kind, Folder(), 0, 0));
+    EXPECT_FALSE(Remove(kind));
     EXPECT_EQ(Codes(), (Lines{"1 1018", "1 1019", "1 1020", "1 1021"}));
     EXPECT_FALSE(KeyExists(GetReleaseTypeKey(kind)));
   }
 }
 
 TEST_F(RemovalFiles, WhatTheInventoryLacksTheRegistrationsTell) {
-  const MString player = Player("LumenPlayer.ocx");
-  MakeFiles({"LumenUtil.exe", "LumenUtil.dll", "np.dll"});
-  ASSERT_TRUE(shim->RegisterActiveXControl(player));
+  const char* const files[] = {"LumenUtil.exe", "LumenUtil.dll", "np.dll"};
+  for (const char* const file : files) (void)File(file);
+  ASSERT_TRUE(shim->RegisterActiveXControl(Player("LumenPlayer.ocx")));
   WriteBrokerRegistration(PathOf("LumenUtil.exe").Narrow().get(), true);
-  host.Forget();
-  EXPECT_FALSE(shim->RemoveProductKind(ActiveX, Folder(), 0, 0)) << "the missing inventory counts";
+  EXPECT_FALSE(Remove(ActiveX)) << "the missing inventory counts";
   EXPECT_EQ(Codes(), (Lines{"1 1018", "1 1021"}));
-  EXPECT_EQ(There({"LumenPlayer.ocx", "LumenUtil.exe", "LumenUtil.dll"}), Lines());
+  EXPECT_FALSE(FileIsThere("LumenPlayer.ocx") || FileIsThere(files[0]) || FileIsThere(files[1]));
   EXPECT_FALSE(KeyExists(kControlServer));
-  host.Forget();
   SetText("SOFTWARE\\MozillaPlugins", "@corva.example/LumenPlayer", Text(PathOf("np.dll")).c_str());
-  EXPECT_FALSE(shim->RemoveProductKind(Plugin, Folder(), 0, 0));
+  EXPECT_FALSE(Remove(Plugin));
   EXPECT_EQ(Codes(), (Lines{"1 1018", "1 1020", "1 1021"}));
   EXPECT_FALSE(FileIsThere("np.dll"));
 }
 
 TEST_F(RemovalFiles, UnregisteringTellsWhetherAControlWasThere) {
-  EXPECT_FALSE(shim->UnregisterActiveXControl(0, L""));
   SetNumber(kSafeVersionsKey, "28.0", 127);
   const MString player = Player("LumenPlayer.ocx");
   ASSERT_TRUE(shim->RegisterActiveXControl(player));
@@ -115,32 +106,20 @@ TEST_F(RemovalFiles, UnregisteringTellsWhetherAControlWasThere) {
 
 TEST_F(RemovalFiles, UninstallingAnswersForTheKindsOwnRegistration) {
   EXPECT_TRUE(shim->UninstallProduct(Pepper, L"", 0));
-  EXPECT_FALSE(shim->UninstallProduct(Plugin, L"", 0)) << "no entry";
-  EXPECT_TRUE(shim->RegisterPluginEntry(L"C:\\np.dll"));
-  SetText(GetUninstallEntryKey(Plugin), "DisplayName", "x");
-  EXPECT_TRUE(shim->UninstallProduct(Plugin, L"", 0));
-  EXPECT_FALSE(KeyExists(GetUninstallEntryKey(Plugin)));
   EXPECT_TRUE(shim->UninstallProduct(ActiveX, L"", 0)) << "nothing left is a success";
-  WriteBrokerRegistration("C:\\u.exe", true);
-  SetText("Software\\Classes\\CLSID\\" LUMEN_BROKER_CLASS_ID_5, "", "x");
-  SetText(GetUninstallEntryKey(ActiveX), "DisplayName", "x");
-  EXPECT_TRUE(shim->UninstallProduct(ActiveX, L"", 0));
-  for (const std::string& key :
-       {std::string("Software\\Classes\\CLSID\\" LUMEN_BROKER_CLASS_ID_6),
-        std::string("Software\\Classes\\CLSID\\" LUMEN_BROKER_CLASS_ID_5), GetUninstallEntryKey(ActiveX)}) {
-    EXPECT_FALSE(KeyExists(key)) << key;
-  }
+  EXPECT_FALSE(shim->UninstallProduct(Plugin, L"", 0)) << "but not here";
+  EXPECT_TRUE(shim->RegisterPluginEntry(L"C:\\np.dll"));
+  EXPECT_TRUE(shim->UninstallProduct(Plugin, L"", 0));
 }
 
 TEST_F(RemovalFiles, ALockedSystemFileIsToldAndAnEmptyOneQueued) {
   host.osClass = 2;
   host.controlPanelAppletName = MString(L"applet.cpl");
   for (const size_t size : {size_t{10}, size_t{0}}) {
-    host.Forget();
     const MString path = File("applet.cpl", size);
     const FileHandle reader(
         CreateFileW(path.Data(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_FALSE(shim->RemoveProductKind(Plugin, Folder(), 0, 0));
+    EXPECT_FALSE(Remove(Plugin));
     Lines codes = Codes();
     codes.erase(codes.begin(), codes.begin() + 4);  // no paths
     EXPECT_EQ(codes, size > 0 ? (Lines{"1 1048", "0 20", "2 1048"}) : (Lines{"1 1048", "0 20", "1 1046", "2 1047"}));
@@ -150,79 +129,61 @@ TEST_F(RemovalFiles, ALockedSystemFileIsToldAndAnEmptyOneQueued) {
                      L"PendingFileRenameOperations");
 }
 
-TEST_F(RemovalFiles, NamedFilesGoFromTheDirectoryAndThePluginsPlaces) {
-  host.UseSettings(L"FilenamesAX old.ocx LumenUtil_9.exe readme.txt missing.txt; FilenamesPlugin np.dll np.xpt;");
-  (void)shim->LoadEngineLists();
-  MakeFiles({"old.ocx", "LumenUtil_9.exe", "readme.txt", "other.txt", "np.dll", "np.xpt"});
-  const MString opera = PathOf("opera");
-  testing_files::MakeDirectories(opera.Data() + WideString(L"\\Program\\Plugins"));
-  testing_files::WriteWhole(opera.Data() + WideString(L"\\Program\\Plugins\\np.dll"), "x");
-  SetText("Software\\Opera Software", "Last CommandLine", Text(PathOf("opera\\opera.exe")).c_str());
-  EXPECT_TRUE(shim->RemoveNamedFiles(ActiveX, Folder()));
-  const Lines kept = {"other.txt", "np.dll", "opera\\Program\\Plugins\\np.dll"};
-  EXPECT_EQ(There({"old.ocx", "LumenUtil_9.exe", "readme.txt", kept[0], kept[1], kept[2]}), kept);
-  EXPECT_TRUE(shim->RemoveNamedFiles(Plugin | Pepper, Folder()));
-  EXPECT_EQ(There({"np.xpt", kept[0], kept[1], kept[2]}), Lines{"other.txt"});
-  EXPECT_EQ(host.events, (Lines{"FileRemovalFinished 0", "FileRemovalFinished 0"}));
-}
-
-TEST_F(RemovalFiles, OneFileGoesByItsName) {
-  struct {
-    const wchar_t* name;
-    bool unregisters, unprotects;
-  } const rows[] = {{L"any.ocx", true, true},         {L"any.OCX", false, false},
-                    {L"LumenUtil1.exe", false, true}, {L"GetLumen_1.exe", false, true},
-                    {L"LumenUtil.dll", false, false}, {L"MyLumenUtil.exe", false, false},
-                    {L"LumenUtil:.exe", false, true}};
-  for (const auto& row : rows) {
-    const MString path = File("file.bin");
-    SetFileAttributesW(path.Data(), FILE_ATTRIBUTE_READONLY);
-    SetText("Software\\Classes\\TidewaterLumen.TidewaterLumen", "", "x");
-    host.Forget();
-    EXPECT_TRUE(shim->RemoveOneFile(row.name, path));
-    EXPECT_FALSE(FileIsThere("file.bin"));
-    EXPECT_EQ(KeyExists("Software\\Classes\\TidewaterLumen.TidewaterLumen"), !row.unregisters) << ToUtf8(row.name);
-    // A file that is still protected goes at the second try.
-    EXPECT_EQ(Codes(), row.unprotects ? Lines{} : Lines{"1 1015"}) << ToUtf8(row.name);
-  }
-}
-
-TEST_F(RemovalFiles, PatternsTakeTheLastMatchAndProductDirectoriesOnlyWithAllKinds) {
+TEST_F(RemovalFiles, FilesGoByNameAndByPattern) {
   // The engine lists the player's system directory and the user's product directory when it is filled.
   const WideString system = *GetSystem32Path() + L"\\Halcyons\\Lumen";
   const testing_files::CleanDirectory systemFolder(system);
   const testing_files::CleanDirectory products(*ProductDirectory());
-  const auto inSystem = [&system](const char* name) { return system + L"\\" + WidenAscii(name); };
-  for (const char* name : {"Lumen1.ocx", "Lumen2.ocx", "LumenUtil64.exe", "np64.dll", "pep64.dll", "keep.txt"}) {
-    testing_files::WriteWhole(inSystem(name), "x");
+  const WideString beside = products.Path() + L"\\..\\beside";
+  for (const wchar_t* name :
+       {L"Lumen1.ocx", L"Lumen2.ocx", L"LumenUtil64.exe", L"np64.dll", L"pep64.dll", L"keep.txt"}) {
+    testing_files::WriteWhole(system + L"\\" + name, "x");
   }
-  testing_files::MakeDirectories(products.Path() + L"\\addon1\\deep");
-  testing_files::WriteWhole(products.Path() + L"\\addon1\\deep\\file", "x");
-  testing_files::MakeDirectories(products.Path() + L"\\other");
-  testing_files::WriteWhole(products.Path() + L"\\..\\beside", "x");
-  SetNumber(kImageOptions + "LumenUtil64.exe", "DisableExceptionChainValidation", 0);
+  for (const wchar_t* name : {L"addon1", L"other"}) {
+    testing_files::MakeDirectories(products.Path() + L"\\" + name + L"\\deep");
+  }
+  testing_files::WriteWhole(beside, "the parent matches \".\" and is passed by");
+  testing_files::MakeDirectories(folder->Path() + L"\\opera\\Program\\Plugins");
+  for (const char* name : {"old.ocx", "LumenUtil_9.exe", "readme.txt", "other.txt", "np.dll", "np.xpt",
+                           "opera\\Program\\Plugins\\np.dll"}) {
+    (void)File(name);
+  }
+  SetText("Software\\Opera Software", "Last CommandLine", Text(PathOf("opera\\opera.exe")).c_str());
   host.UseSettings(
+      L"FilenamesAX old.ocx LumenUtil_9.exe readme.txt missing.txt; FilenamesPlugin np.dll np.xpt;"
       L"AXFilenamePatterns Lumen:.ocx LumenUtil:.exe . none:.x; PluginFilenamePatterns np:.dll; "
       L"PepperFilenamePatterns pep:.dll; ProductManagerDirectoryPatterns addon: .;");
   (void)shim->LoadEngineLists();
-  host.Forget();
+
+  FaultSteps faults;
+  Lines lines;
+  const auto record = [&](const std::string& what, const std::function<void()>& act) {
+    host.Forget();
+    lines.push_back(what);
+    bool inClassKeys = false;
+    for (const std::string& step : faults.Run(0, act)) {
+      const bool isClassKey = step.starts_with("delete key HKLM\\Software\\");
+      if (!isClassKey || !std::exchange(inClassKeys, isClassKey)) lines.push_back("  " + step);  // one for all
+    }
+    for (const std::string& report : host.Reports()) lines.push_back("  reports " + report);
+  };
+  record("named, the control's", [&] { EXPECT_TRUE(shim->RemoveNamedFiles(ActiveX, Folder())); });
+  record("named, the others'", [&] { EXPECT_TRUE(shim->RemoveNamedFiles(Plugin | Pepper, Folder())); });
+  EXPECT_EQ(host.events, Lines{"FileRemovalFinished 0"});
+  for (const char* const name : {"any.ocx", "any.OCX", "LumenUtil1.exe", "GetLumen_1.exe", "LumenUtil.dll",
+                                 "MyLumenUtil.exe", "LumenUtil:.exe"}) {
+    const MString path = File("file.bin");
+    SetFileAttributesW(path.Data(), FILE_ATTRIBUTE_READONLY);
+    record(name, [&] { EXPECT_TRUE(shim->RemoveOneFile(MString::FromNarrow(name), path)); });
+    EXPECT_FALSE(FileIsThere("file.bin"));
+  }
   const MString directory{WideView(system)};
-  EXPECT_TRUE(shim->RemovePatternFiles(ActiveX | Plugin, directory));
-  const auto there = [&](const char* name) { return testing_files::Exists(inSystem(name)); };
-  EXPECT_NE(there("Lumen1.ocx"), there("Lumen2.ocx")) << "one match a pattern";
-  EXPECT_FALSE(there("LumenUtil64.exe"));
-  EXPECT_FALSE(KeyExists(kImageOptions + "LumenUtil64.exe"));
-  EXPECT_FALSE(there("np64.dll"));
-  EXPECT_TRUE(there("pep64.dll"));
-  EXPECT_TRUE(testing_files::Exists(products.Path() + L"\\addon1"));
-  EXPECT_TRUE(shim->RemovePatternFiles(ActiveX | Plugin | Pepper, directory));
-  EXPECT_FALSE(there("pep64.dll"));
-  EXPECT_TRUE(there("keep.txt"));
+  record("by pattern, two kinds", [&] { EXPECT_TRUE(shim->RemovePatternFiles(ActiveX | Plugin, directory)); });
+  record("by pattern, all kinds", [&] { EXPECT_TRUE(shim->RemovePatternFiles(ActiveX | Plugin | Pepper, directory)); });
+  ExpectGolden("removed-files.txt", lines);
   EXPECT_FALSE(testing_files::Exists(products.Path() + L"\\addon1"));
   EXPECT_TRUE(testing_files::Exists(products.Path() + L"\\other"));
-  EXPECT_TRUE(testing_files::Exists(products.Path() + L"\\..\\beside")) << "the parent matches \".\" and is passed by";
-  EXPECT_EQ(Codes(), Lines{});
-  DeleteFileW((products.Path() + L"\\..\\beside").c_str());
+  EXPECT_TRUE(DeleteFileW(beside.c_str()));
 }
 
 TEST_F(RemovalFiles, PackagesThatAreInstalledGoByTheSystemsInstaller) {
@@ -235,8 +196,6 @@ TEST_F(RemovalFiles, PackagesThatAreInstalledGoByTheSystemsInstaller) {
   SetText(plain + "{A-1}", "DisplayName", "x");
   SetText(other + "{A-3}", "DisplayName", "x");
   SetText(plain + "{P-1}", "DisplayName", "x");
-  g_started.clear();
-  g_waitedFor.clear();
   {
     const ImportHook execute(GetModuleHandleW(nullptr), "ShellExecuteExW", &Execute);
     const ImportHook wait(GetModuleHandleW(nullptr), "WaitForSingleObject", &Wait);
