@@ -28,33 +28,13 @@ HRESULT Record::Note(const std::string& call) {
 
 namespace {
 
-enum class Kind : uint8_t {
-  None,
-  Service,
-  Folder,
-  Registered,
-  Definition,
-  Settings,
-  Registration,
-  Triggers,
-  Trigger,
-  Repetition,
-  Actions,
-  Action,
-  OldScheduler,
-  OldItem,
-  OldTrigger,
-  OldFile,
-};
-
 using Arguments = std::array<uintptr_t, 8>;
 
 struct Row {
-  Kind kind;
   size_t slot;
-  const char* name;
+  std::string_view name;        // with the interface, as which an object is known
   std::string_view noted = "";  // pairs: t(ext), n(umber), v(ariant) or r(ecord), and the argument's place
-  Kind given = Kind::None;      // hands out an object of this kind
+  std::string_view given = "";  // hands out an object of this interface
   size_t givenAt = 0;           // by the pointer in this argument
   HRESULT (*effect)(const Arguments& arguments) = nullptr;
 };
@@ -89,57 +69,56 @@ HRESULT FillRecord(const Arguments& arguments) {
 #define METHOD(type, name) SlotOf(&type::name), #type "::" #name
 
 const std::vector<Row>& Rows() {
-  using enum Kind;
   static const std::vector<Row> rows = {
-      {Service, METHOD(ITaskService, Connect), "v0v1v2v3"},
-      {Service, METHOD(ITaskService, GetFolder), "t0", Folder, 1},
-      {Service, METHOD(ITaskService, NewTask), "n0", Definition, 1},
-      {Folder, METHOD(ITaskFolder, GetTask), "t0", Registered, 1, FindExisting},
-      {Folder, METHOD(ITaskFolder, DeleteTask), "t0", None, 0, FindExisting},
-      {Folder, METHOD(ITaskFolder, RegisterTaskDefinition), "t0n2v3v4n5v6", Registered, 7},
-      {Registered, METHOD(IRegisteredTask, get_Definition), "", Definition},
-      {Definition, METHOD(ITaskDefinition, get_Settings), "", Settings},
-      {Definition, METHOD(ITaskDefinition, get_RegistrationInfo), "", Registration},
-      {Definition, METHOD(ITaskDefinition, get_Triggers), "", Triggers},
-      {Definition, METHOD(ITaskDefinition, get_Actions), "", Actions},
-      {Settings, METHOD(ITaskSettings, put_StartWhenAvailable), "n0"},
-      {Settings, METHOD(ITaskSettings, put_Compatibility), "n0"},
-      {Settings, METHOD(ITaskSettings, put_DisallowStartIfOnBatteries), "n0"},
-      {Settings, METHOD(ITaskSettings, put_RunOnlyIfNetworkAvailable), "n0"},
-      {Registration, METHOD(IRegistrationInfo, put_Author), "t0"},
-      {Registration, METHOD(IRegistrationInfo, put_Description), "t0"},
-      {Triggers, METHOD(ITriggerCollection, get_Count), "", None, 0, CountTriggers},
-      {Triggers, METHOD(ITriggerCollection, get_Item), "n0", Trigger, 1},
-      {Triggers, METHOD(ITriggerCollection, Create), "n0", Trigger, 1},
-      {Trigger, 0, "ITrigger::QueryInterface", "", Trigger, 1},
-      {Trigger, METHOD(ITrigger, put_Id), "t0"},
-      {Trigger, METHOD(ITrigger, put_StartBoundary), "t0"},
-      {Trigger, METHOD(ITrigger, get_Repetition), "", Repetition},
-      {Trigger, METHOD(IDailyTrigger, put_DaysInterval), "n0"},
-      {Repetition, METHOD(IRepetitionPattern, put_Duration), "t0"},
-      {Repetition, METHOD(IRepetitionPattern, put_Interval), "t0"},
-      {Actions, METHOD(IActionCollection, Clear)},
-      {Actions, METHOD(IActionCollection, Create), "n0", Action, 1},
-      {Action, 0, "IAction::QueryInterface", "", Action, 1},
-      {Action, METHOD(IExecAction, put_Path), "t0"},
-      {Action, METHOD(IExecAction, put_Arguments), "t0"},
+      {METHOD(ITaskService, Connect), "v0v1v2v3"},
+      {METHOD(ITaskService, GetFolder), "t0", "ITaskFolder", 1},
+      {METHOD(ITaskService, NewTask), "n0", "ITaskDefinition", 1},
+      {METHOD(ITaskFolder, GetTask), "t0", "IRegisteredTask", 1, FindExisting},
+      {METHOD(ITaskFolder, DeleteTask), "t0", "", 0, FindExisting},
+      {METHOD(ITaskFolder, RegisterTaskDefinition), "t0n2v3v4n5v6", "IRegisteredTask", 7},
+      {METHOD(IRegisteredTask, get_Definition), "", "ITaskDefinition"},
+      {METHOD(ITaskDefinition, get_Settings), "", "ITaskSettings"},
+      {METHOD(ITaskDefinition, get_RegistrationInfo), "", "IRegistrationInfo"},
+      {METHOD(ITaskDefinition, get_Triggers), "", "ITriggerCollection"},
+      {METHOD(ITaskDefinition, get_Actions), "", "IActionCollection"},
+      {METHOD(ITaskSettings, put_StartWhenAvailable), "n0"},
+      {METHOD(ITaskSettings, put_Compatibility), "n0"},
+      {METHOD(ITaskSettings, put_DisallowStartIfOnBatteries), "n0"},
+      {METHOD(ITaskSettings, put_RunOnlyIfNetworkAvailable), "n0"},
+      {METHOD(IRegistrationInfo, put_Author), "t0"},
+      {METHOD(IRegistrationInfo, put_Description), "t0"},
+      {METHOD(ITriggerCollection, get_Count), "", "", 0, CountTriggers},
+      {METHOD(ITriggerCollection, get_Item), "n0", "IDailyTrigger", 1},
+      {METHOD(ITriggerCollection, Create), "n0", "IDailyTrigger", 1},
+      {0, "IDailyTrigger::QueryInterface", "", "IDailyTrigger", 1},
+      {METHOD(IDailyTrigger, put_Id), "t0"},
+      {METHOD(IDailyTrigger, put_StartBoundary), "t0"},
+      {METHOD(IDailyTrigger, get_Repetition), "", "IRepetitionPattern"},
+      {METHOD(IDailyTrigger, put_DaysInterval), "n0"},
+      {METHOD(IRepetitionPattern, put_Duration), "t0"},
+      {METHOD(IRepetitionPattern, put_Interval), "t0"},
+      {METHOD(IActionCollection, Clear)},
+      {METHOD(IActionCollection, Create), "n0", "IExecAction", 1},
+      {0, "IExecAction::QueryInterface", "", "IExecAction", 1},
+      {METHOD(IExecAction, put_Path), "t0"},
+      {METHOD(IExecAction, put_Arguments), "t0"},
 
-      {OldScheduler, METHOD(ITaskScheduler, Activate), "t0", OldItem, 2, FindExisting},
-      {OldScheduler, METHOD(ITaskScheduler, NewWorkItem), "t0", OldItem, 3},
-      {OldScheduler, METHOD(ITaskScheduler, Delete), "t0", None, 0, FindExisting},
-      {OldItem, 0, "ITask::QueryInterface", "", OldFile, 1},
-      {OldItem, METHOD(ITask, SetAccountInformation), "t0t1"},
-      {OldItem, METHOD(ITask, SetCreator), "t0"},
-      {OldItem, METHOD(ITask, SetComment), "t0"},
-      {OldItem, METHOD(ITask, SetApplicationName), "t0"},
-      {OldItem, METHOD(ITask, SetFlags), "n0"},
-      {OldItem, METHOD(ITask, SetParameters), "t0"},
-      {OldItem, METHOD(ITask, CreateTrigger), "", OldTrigger, 1},
-      {OldItem, METHOD(ITask, GetTriggerCount), "", None, 0, CountTriggers},
-      {OldItem, METHOD(ITask, GetTrigger), "n0", OldTrigger, 1},
-      {OldTrigger, METHOD(ITaskTrigger, SetTrigger), "r0"},
-      {OldTrigger, METHOD(ITaskTrigger, GetTrigger), "", None, 0, FillRecord},
-      {OldFile, METHOD(IPersistFile, Save), "t0n1"},
+      {METHOD(ITaskScheduler, Activate), "t0", "ITask", 2, FindExisting},
+      {METHOD(ITaskScheduler, NewWorkItem), "t0", "ITask", 3},
+      {METHOD(ITaskScheduler, Delete), "t0", "", 0, FindExisting},
+      {0, "ITask::QueryInterface", "", "IPersistFile", 1},
+      {METHOD(ITask, SetAccountInformation), "t0t1"},
+      {METHOD(ITask, SetCreator), "t0"},
+      {METHOD(ITask, SetComment), "t0"},
+      {METHOD(ITask, SetApplicationName), "t0"},
+      {METHOD(ITask, SetFlags), "n0"},
+      {METHOD(ITask, SetParameters), "t0"},
+      {METHOD(ITask, CreateTrigger), "", "ITaskTrigger", 1},
+      {METHOD(ITask, GetTriggerCount), "", "", 0, CountTriggers},
+      {METHOD(ITask, GetTrigger), "n0", "ITaskTrigger", 1},
+      {METHOD(ITaskTrigger, SetTrigger), "r0"},
+      {METHOD(ITaskTrigger, GetTrigger), "", "", 0, FillRecord},
+      {METHOD(IPersistFile, Save), "t0n1"},
   };
   return rows;
 }
@@ -172,11 +151,11 @@ std::string NotedText(char as, uintptr_t value) {
 
 // The first field is the table of functions, as COM has it.
 struct Object {
-  explicit Object(Kind k);
+  explicit Object(std::string_view is);
   uintptr_t Call(size_t slot, const Arguments& arguments);
 
   void* const* table;
-  Kind kind;
+  std::string_view interface_;
   ULONG count = 1;
 };
 
@@ -192,7 +171,7 @@ std::array<void*, sizeof...(Slots)> TableOf(std::index_sequence<Slots...> /*slot
   return {reinterpret_cast<void*>(&Thunk<Slots>)...};
 }
 
-Object::Object(Kind k) : kind(k) {
+Object::Object(std::string_view is) : interface_(is) {
   static const auto slots = TableOf(std::make_index_sequence<64>());
   table = slots.data();
   ++g_record.living;
@@ -206,19 +185,20 @@ uintptr_t Object::Call(size_t slot, const Arguments& arguments) {
     if (left == 0) delete this;
     return left;
   }
-  const auto row = std::find_if(Rows().begin(), Rows().end(),
-                                [&](const Row& candidate) { return candidate.kind == kind && candidate.slot == slot; });
+  const auto row = std::find_if(Rows().begin(), Rows().end(), [&](const Row& candidate) {
+    return candidate.slot == slot && candidate.name.substr(0, candidate.name.find(':')) == interface_;
+  });
   if (row == Rows().end()) {
     g_record.Note("slot " + std::to_string(slot) + " that is not expected");
     return static_cast<uintptr_t>(E_NOTIMPL);
   }
-  std::string call = row->name;
+  std::string call(row->name);
   for (size_t i = 0; i < row->noted.size(); i += 2) {
     call += " " + NotedText(row->noted[i], arguments[static_cast<size_t>(row->noted[i + 1] - '0')]);
   }
   HRESULT result = g_record.Note(call);
   if (SUCCEEDED(result) && row->effect != nullptr) result = row->effect(arguments);
-  if (SUCCEEDED(result) && row->given != Kind::None) {
+  if (SUCCEEDED(result) && !row->given.empty()) {
     *reinterpret_cast<Object**>(arguments[row->givenAt]) = new Object(row->given);
   }
   return static_cast<uintptr_t>(result);
@@ -246,7 +226,7 @@ HRESULT WINAPI Create(REFCLSID clsid, IUnknown* /*outer*/, DWORD context, REFIID
   const bool old = IsEqualGUID(clsid, CLSID_CTaskScheduler);
   const char* const name = old ? "old" : IsEqualGUID(clsid, __uuidof(TaskScheduler)) ? "new" : "unknown";
   const HRESULT noted = g_record.Note(std::string("CoCreateInstance ") + name + " " + std::to_string(context));
-  if (SUCCEEDED(noted)) *out = new Object(old ? Kind::OldScheduler : Kind::Service);
+  if (SUCCEEDED(noted)) *out = new Object(old ? "ITaskScheduler" : "ITaskService");
   return noted;
 }
 void WINAPI Debug(const char* text) {

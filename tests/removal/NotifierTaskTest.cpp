@@ -107,56 +107,53 @@ TEST_F(StagedTask, AnExistingTaskWithoutATriggerIsLeft) {
 
 TEST_F(StagedTask, WithoutRandomNumbersTheTaskStartsOnTheHour) {
   EXPECT_TRUE(Create());
-  const std::string start = "ITrigger::put_StartBoundary '2000-01-01T00:00:00Z'";
+  const std::string start = "IDailyTrigger::put_StartBoundary '2000-01-01T00:00:00Z'";
   EXPECT_EQ(std::count(g_record.calls.begin(), g_record.calls.end(), start), 1);
   UseOldSystem();
   EXPECT_FALSE(Create());
   EXPECT_EQ(TakeReports().back(), "1 1723 -2147467259");
 }
 
+// "1+ 4- 7?": an active session, one that is not, one whose state cannot be asked. "!": they cannot be listed.
+std::optional<std::vector<late_functions::Session>> Sessions(std::string_view text) {
+  if (text == "!") return std::nullopt;
+  std::vector<late_functions::Session> sessions;
+  for (size_t i = 0; i < text.size(); i += 3) {
+    sessions.push_back({static_cast<DWORD>(text[i] - '0'), text[i + 1] == '+' ? WTSActive : WTSDisconnected});
+    if (text[i + 1] == '?') sessions.back().state.reset();
+  }
+  return sessions;
+}
+
 TEST_F(NotifierTaskTest, IsTheActiveUsersAsFarAsTheNameFits) {
-  using Sessions = std::vector<late_functions::Session>;
   struct Row {
-    std::optional<Sessions> sessions;  // nothing: they cannot be listed
+    const char* sessions;
     WideString user, domain;
     DWORD userError, domainError;
-    std::string userName;
-    Lines reports;
+    std::string userName, reports;
   };
-  const WideString longDomain(200, L'D'), userOf71(71, L'u'), userOf72(72, L'u');
-  const Sessions lastIsLeft = {{1, WTSActive}, {2, WTSActive}, {4, WTSDisconnected}};
+  const WideString d200(200, L'D'), u71(71, L'u'), u72(72, L'u'), u271(271, L'u'), u272(272, L'u');
   const Row rows[] = {
-      {lastIsLeft,
-       L"ann",
-       L"HOME",
-       0,
-       0,
-       "HOME\\ann",
-       {"0 37 3", "1 39 1", "1 40 1", "1 39 2", "1 40 2", "1 39 4", "1 41 2", "1 36 2"}},
+      {"1+ 2+ 4-", L"a", L"H", 0, 0, "H\\a", "0 37 3, 1 39 1, 1 40 1, 1 39 2, 1 40 2, 1 39 4, 1 41 2, 1 36 2"},
       // A failed question leaves its session in place.
-      {Sessions{{1, WTSActive}, {7, std::nullopt}},
-       L"ann",
-       L"HOME",
-       0,
-       0,
-       "HOME\\ann",
-       {"0 37 2", "1 39 1", "1 40 1", "1 1755 5", "1 36 7"}},
-      {Sessions{{9, WTSListen}}, L"", L"", 0, 0, "", {"0 37 1", "1 39 9", "1 41 0", "1 36 0", "1 1747"}},
-      {std::nullopt, L"ann", L"HOME", 0, 0, "HOME\\ann", {"1 1754 8", "1 36 0"}},
-      {Sessions{}, L"ann", L"HOME", 5, 0, "", {"0 37 0", "1 36 0", "1 1752 5", "1 1747"}},
-      {Sessions{}, L"ann", L"HOME", 0, 6, "ann", {"0 37 0", "1 36 0", "1 1753 6", "1 1746"}},
-      {Sessions{}, userOf71, longDomain, 0, 0, ToUtf8(longDomain + L"\\" + userOf71), {"0 37 0", "1 36 0"}},
-      {Sessions{}, userOf72, longDomain, 0, 0, ToUtf8(userOf72), {"0 37 0", "1 36 0", "1 1746"}},
-      {Sessions{}, WideString(271, L'u'), L"", 0, 0, std::string(271, 'u'), {"0 37 0", "1 36 0", "1 1746"}},
-      {Sessions{}, WideString(272, L'u'), L"", 0, 0, "", {"0 37 0", "1 36 0", "1 1747"}},
+      {"1+ 7?", L"a", L"H", 0, 0, "H\\a", "0 37 2, 1 39 1, 1 40 1, 1 1755 5, 1 36 7"},
+      {"9-", L"", L"", 0, 0, "", "0 37 1, 1 39 9, 1 41 0, 1 36 0, 1 1747"},
+      {"!", L"a", L"H", 0, 0, "H\\a", "1 1754 8, 1 36 0"},
+      {"", L"a", L"H", 5, 0, "", "0 37 0, 1 36 0, 1 1752 5, 1 1747"},
+      {"", L"a", L"H", 0, 6, "a", "0 37 0, 1 36 0, 1 1753 6, 1 1746"},
+      {"", u71, d200, 0, 0, ToUtf8(d200 + L"\\" + u71), "0 37 0, 1 36 0"},
+      {"", u72, d200, 0, 0, ToUtf8(u72), "0 37 0, 1 36 0, 1 1746"},
+      {"", u271, L"", 0, 0, ToUtf8(u271), "0 37 0, 1 36 0, 1 1746"},
+      {"", u272, L"", 0, 0, "", "0 37 0, 1 36 0, 1 1747"},
   };
-  for (Row row : rows) {
-    g_machine = {nullptr, row.sessions, row.user, row.domain, row.userError, row.domainError, 0, 0, {}};
+  for (const Row& row : rows) {
+    g_machine = {nullptr, Sessions(row.sessions), row.user, row.domain, row.userError, row.domainError, 0, 0, {}};
     host.Forget();
     const NotifierTask task(MString(L"path"), MString(L"arguments"), &host);
     EXPECT_EQ(ToUtf8(task.userName), row.userName);
-    row.reports.push_back("1 1106");
-    EXPECT_EQ(host.Reports(), row.reports);
+    std::string reports;
+    for (const std::string& report : host.Reports()) reports += report + ", ";
+    EXPECT_EQ(reports, row.reports + ", 1 1106, ");
     EXPECT_EQ(g_machine.allocations, 0);
   }
 }
