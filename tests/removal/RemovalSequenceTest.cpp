@@ -36,6 +36,7 @@ class RemovalSequence : public InstallFixture, public testing::WithParamInterfac
     SetText(kPlayerKey, "LumenPlayerVersion", "x", HKEY_CURRENT_USER);
     SetText(kPlayerKey, "TwlInstall", "x", HKEY_CURRENT_USER);
     if (row.kind == ActiveX) SetText(kDistributionUnitKey, "x", "x");
+    if (row.kind == ActiveX) SetNumber(kSafeVersionsKey, "28.0", 127);
     if (row.kind != ActiveX) SetText(GetOldUninstallKey(row.kind), "x", "x");
     SetNumber(kAppletCategory, kAppletValue, 0);
     SetNumber(kImageOptions + "LumenManager.exe", "DisableExceptionChainValidation", 0);
@@ -63,7 +64,7 @@ class RemovalSequence : public InstallFixture, public testing::WithParamInterfac
     ClearOptions();
     InstallFixture::TearDown();
   }
-  bool Remove(const KindRow& row) { return shim->RemoveProductKind(row.kind, folder->Path().c_str(), 0, 0); }
+  bool Remove(const KindRow& row) { return shim->RemoveProductKind(row.kind, folder->Path().c_str(), 1, 0); }
 };
 
 // What `lines` has more than `others`, each behind `sign`.
