@@ -1,5 +1,7 @@
-// The file dialogs through the real server, on a real screen, worked by the hand of a user; and whose windows may own
-// them.
+// The dialogs through the real server, on a real screen, worked by the hand of a user; and whose windows may own them.
+#include <windows.h>
+
+#include <commdlg.h>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -13,6 +15,7 @@
 #include "tests/support/DialogDriver.h"
 #include "tests/support/FilterText.h"
 #include "tests/support/TestDesktop.h"
+#include "tests/support/TestPrinter.h"
 
 namespace {
 
@@ -224,6 +227,23 @@ TEST_F(Dialogs, TheCommandLineOpensAndSavesFromAnInstalledFolder) {
   EXPECT_EQ(run(Choose(In(L"saved.txt")), L"save-dialog --name a.txt --text hello --json"), 0u);
   EXPECT_NE(said.find("{\"path\":\"C:\\\\lumen dialogs\\\\saved.txt\"}"), std::string::npos) << said;
   EXPECT_EQ(ReadWhole(In(L"saved.txt")), "hello");
+}
+
+TEST_F(Dialogs, PrintGivesADeviceContextOfThePrinter) {
+  ASSERT_EQ(test_printer::Install(WidenAscii(LUMEN_SOURCE_DIR "/tests/data/test-printer.ppd"), L"/dev/null"), 0u);
+  ULONG from = 2, to = 7, flags = PD_RETURNDC | PD_ALLPAGES, dc = 0, value = 0;
+  const auto print = [&] { return broker->BrokerPrintDialog(0, &from, &to, &flags, &dc); };
+  EXPECT_EQ(With(Cancel, print), E_FAIL);
+  EXPECT_EQ(dc, 0u);
+  EXPECT_EQ(With([](DialogDriver& user) { user.Press(IDOK); }, print), S_OK);
+  EXPECT_EQ(from, 2u);
+  EXPECT_EQ(to, 7u);
+  EXPECT_EQ(broker->BrokerGetDeviceCaps(dc, TECHNOLOGY, &value), S_OK);
+  EXPECT_EQ(value, static_cast<ULONG>(DT_RASPRINTER));
+  for (const ULONG gone : {1u, 0u}) {
+    EXPECT_EQ(broker->BrokerDeleteDC(dc, &value), S_OK) << "the result is in the argument";
+    EXPECT_EQ(value, gone);
+  }
 }
 
 }  // namespace

@@ -2,7 +2,8 @@
 #include <activation.h>
 #include <winstring.h>
 
-#include <thread>
+#include <functional>
+#include <memory>
 
 #include "broker/EnterpriseData.h"
 #include "tests/fakes/FakeControls.h"
@@ -53,8 +54,11 @@ struct Completing final : SlotFake<Operation> {
       const AsyncState state = Fails(kHandler + 1) ? AsyncState::Error : AsyncState::Completed;
       ComPtr<Operation> operation(static_cast<Operation*>(at));
       ComPtr<Handler> kept(handler);
-      std::thread thread([operation, kept, state] { kept->Invoke(operation.Get(), state); });
-      g_controls.onAnotherThread ? thread.detach() : thread.join();
+      // On the platform's own pool: of detached threads of the toolchain's library one in some hundreds never came.
+      using Work = std::function<void()>;
+      const auto run = [](PTP_CALLBACK_INSTANCE, void* work) { (*std::unique_ptr<Work>(static_cast<Work*>(work)))(); };
+      auto* const work = new Work([operation, kept, state] { kept->Invoke(operation.Get(), state); });
+      if (!g_controls.onAnotherThread || !TrySubmitThreadpoolCallback(run, work, nullptr)) run(nullptr, work);
       return S_OK;
     });
     this->On(&Operation::GetResults, [](void*, Results* results) -> HRESULT {

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <atomic>
 #include <cstring>
 #include <tuple>
 #include <type_traits>
