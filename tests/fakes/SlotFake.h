@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <atomic>
 #include <cstring>
 #include <tuple>
 #include <type_traits>
