@@ -13,18 +13,4 @@ TEST(CookieTable, NumbersRunFromOneAndSkipZeroAtTheWrap) {
   EXPECT_EQ(second, 1u);
 }
 
-// A file chosen and not yet opened has no raw handle; an unknown number neither.
-TEST(CookieTable, OnlyAnOpenHandleIsGivenOut) {
-  CookieTable table;
-  uint32_t chosen = 0, refused = 7;
-  ASSERT_TRUE(table.AddFileCookie(0, chosen, false, L"C:\\c", std::make_unique<DeferredOpen>()));
-  for (const intptr_t none : {intptr_t{0}, kNoHandle}) {
-    EXPECT_FALSE(table.AddFileCookie(none, refused, true, L"C:\\d", nullptr));
-    EXPECT_EQ(refused, 0u);
-  }
-  intptr_t handle = 0;
-  EXPECT_FALSE(table.ResolveRawHandle(chosen, handle) || table.ResolveRawHandle(99, handle));
-  EXPECT_EQ(handle, kNoHandle);
-}
-
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "broker/BrokerPathPolicy.h"
 #include "broker/Win32PathOperations.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/RealLinks.h"
 #include "tests/support/TestFiles.h"
 
@@ -67,8 +68,7 @@ TEST_F(RealPaths, AShortNameDoesNotSlipPastARoot) {
 
 TEST_F(RealPaths, AnObjectManagerLinkIsReadAndFollowed) {
   using CreateLink = NTSTATUS WINAPI(HANDLE*, ACCESS_MASK, OBJECT_ATTRIBUTES*, UNICODE_STRING*);
-  auto* const create = reinterpret_cast<CreateLink*>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtCreateSymbolicLinkObject")));
+  auto* const create = Own<CreateLink>(L"ntdll.dll", "NtCreateSymbolicLinkObject");
   wchar_t name[] = L"\\??\\LumenTestLink";
   wchar_t target[] = L"\\??\\C:\\lumen-test-outside";
   UNICODE_STRING nameText = {sizeof(name) - 2, sizeof(name), name};

@@ -9,14 +9,31 @@ namespace {
 
 constexpr WideView kPlayer = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player";
 
+// The directories and links, one between two bars: "NAME>TARGET" is a symbolic link, "NAME=TARGET" a mount point.
+// Without a drive a name lies in the player's directory, which "^" stands for in upper case in targets. Names with a
+// blank or a dot at the end only a verbatim path can make, each beside the plain one that it is mistaken for.
+constexpr WideView kDisk =
+    L"sub|#SharedObjects\\X|corva.example\\sub|corva.examples|corva.exampl|long directory|trap|pit|"
+    L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player\\Icon Cache|C:\\Users\\A\\AppData\\Local\\Temp\\Low\\sub|"
+    L"C:\\Users\\A\\AppData\\Local\\Halcyonics\\Lumen Player\\corva.example|C:\\Users\\A\\AppData\\Roaming\\Other|"
+    L"C:\\Users\\A\\AppData\\Local\\Corva\\Lumen Player|C:\\Windows\\System32\\Halcyons\\Lumen|C:\\Outside\\sub|"
+    L"C:\\Windows\\SysWOW64\\Halcyons\\Lumen|C:\\Users\\A\\AppData\\Roaming\\Halcyonics.\\Lumen Player|"
+    L"link-out>\\??\\C:\\Outside|mount-out=\\??\\C:\\Outside|LINK-UP>\\??\\^\\SUB|mount-up=\\??\\^\\SUB|"
+    L"link-in>\\??\\C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player\\sub|link-settings>\\??\\^\\CORVA.EXAMPLE|"
+    L"cycle-a>^\\CYCLE-B|cycle-b>^\\CYCLE-A|self>^\\SELF|link-share>\\??\\UNC\\server\\share|link-token>^S|"
+    L"link-relative>..\\..\\Outside|trap >\\??\\C:\\Outside|pit.>\\??\\C:\\Outside|link-trap>^\\TRAP |link-pit>^\\PIT.|"
+    L"link-up-dots>^\\SUB\\..\\..\\..|C:\\Users\\A\\AppData\\Local\\Temp\\Low\\link-out>\\??\\C:\\Outside|"
+    L"chain16>^\\K15|chain17>^\\K16|chain16out>^\\O15|chain17out>^\\O16|k1>^\\SUB|o1>C:\\OUTSIDE|t1>^\\CORVA.EXAMPLE|"
+    L"chain17settings>^\\T16|C:\\Users\\A\\AppData\\Local\\Temp\\Low\\chain17out>^\\O16";
+
 bool IsSlash(wchar_t unit) {
   return unit == L'\\' || unit == L'/';
 }
 
-std::vector<WideString> Split(WideView path) {
+std::vector<WideString> Split(WideView path, WideView at = L"\\/") {
   std::vector<WideString> parts;
   while (!path.empty()) {
-    const size_t end = std::min(path.find_first_of(L"\\/"), path.size());
+    const size_t end = std::min(path.find_first_of(at), path.size());
     if (end > 0) parts.emplace_back(path.substr(0, end));
     path.remove_prefix(std::min(end + 1, path.size()));
   }
@@ -105,48 +122,15 @@ MemoryPathOperations::MemoryPathOperations() {
              {ShellFolder::SystemX86, L"C:\\Windows\\SysWOW64"}};
   const WideString player(kPlayer);
   const WideString upper(MemoryPathOperations::kPlayerRoot);
-  for (const WideView below : {L"\\sub", L"\\#SharedObjects\\X", L"\\corva.example\\sub", L"\\corva.examples",
-                               L"\\corva.exampl", L"\\long directory"}) {
-    AddDirectory(player + WideString(below));
-  }
-  for (const WideView path :
-       {L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player\\Icon Cache",
-        L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\sub",
-        L"C:\\Users\\A\\AppData\\Local\\Halcyonics\\Lumen Player\\corva.example",
-        L"C:\\Users\\A\\AppData\\Local\\Corva\\Lumen Player", L"C:\\Windows\\System32\\Halcyons\\Lumen",
-        L"C:\\Windows\\SysWOW64\\Halcyons\\Lumen", L"C:\\Outside\\sub", L"C:\\Users\\A\\AppData\\Roaming\\Other"}) {
-    AddDirectory(path);
-  }
+  for (const WideString& item : Split(kDisk, L"|")) Add(item);
   AddFile(L"C:\\Windows\\System32\\Halcyons\\Lumen\\hms.cfg");
   shortNames = {{L"LUMENP~1", L"LUMEN PLAYER"},
                 {L"HALCYO~1", L"HALCYONICS"},
                 {L"LONGDI~1", L"LONG DIRECTORY"},
                 {L"CORVA~1.EXA", L"CORVA.EXAMPLE"}};
 
-  AddLink(player + L"\\link-out", L"\\??\\C:\\Outside");
-  AddLink(player + L"\\mount-out", L"\\??\\C:\\Outside", true);
-  AddLink(player + L"\\link-in", L"\\??\\" + player + L"\\sub");
-  AddLink(player + L"\\LINK-UP", L"\\??\\" + upper + L"\\SUB");
-  AddLink(player + L"\\mount-up", L"\\??\\" + upper + L"\\SUB", true);
-  AddLink(player + L"\\link-settings", L"\\??\\" + upper + L"\\CORVA.EXAMPLE");
-  AddLink(player + L"\\cycle-a", upper + L"\\CYCLE-B");
-  AddLink(player + L"\\cycle-b", upper + L"\\CYCLE-A");
-  AddLink(player + L"\\self", upper + L"\\SELF");
-  AddLink(player + L"\\link-share", L"\\??\\UNC\\server\\share");
-  AddLink(player + L"\\link-relative", L"..\\..\\Outside");
-  AddLink(player + L"\\link-token", upper + L"S");
-  // Names that only a verbatim path can make, each beside the plain one that it is mistaken for.
-  AddDirectory(player + L"\\trap");
-  AddLink(player + L"\\trap ", L"\\??\\C:\\Outside");
-  AddDirectory(player + L"\\pit");
-  AddLink(player + L"\\pit.", L"\\??\\C:\\Outside");
-  AddLink(player + L"\\link-trap", upper + L"\\TRAP ");
-  AddLink(player + L"\\link-pit", upper + L"\\PIT.");
-  AddLink(player + L"\\link-up-dots", upper + L"\\SUB\\..\\..\\..");
-  AddDirectory(L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics.\\Lumen Player");
   // The object manager takes a name with a null in it, of which the platform's calls see the beginning.
   AddLink(player + L"\\link-null", WideString(L"\\??\\") + upper + L"\\SUB" + WideString(1, L'\0') + L"\\X");
-  AddLink(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\link-out", L"\\??\\C:\\Outside");
   AddReparsePoint(player + L"\\broken", std::nullopt);
   AddReparsePoint(player + L"\\other-tag", MakeReparseData(0x8000001B, L"\\??\\C:\\Outside"));
   std::vector<uint8_t> hostile = MakeReparseData(0xA000000C, L"\\??\\C:\\Outside");
@@ -156,20 +140,22 @@ MemoryPathOperations::MemoryPathOperations() {
   AddReparsePoint(player + L"\\file-link.sol", MakeReparseData(0xA000000C, L"\\??\\C:\\Outside\\evil.sol"), true);
   nodes[Upper(player + L"\\file-link.sol")].target = L"C:\\Outside\\evil.sol";
 
-  // k16 -> k15 -> ... -> k1 -> a directory inside; o16 -> ... -> o1 -> outside.
-  const auto number = [](int n) { return WidenAscii(std::to_string(n)); };
-  for (int n = 1; n <= 16; ++n) {
-    AddLink(player + L"\\k" + number(n), n == 1 ? upper + L"\\SUB" : upper + L"\\K" + number(n - 1));
-    AddLink(player + L"\\o" + number(n), n == 1 ? WideString(L"C:\\OUTSIDE") : upper + L"\\O" + number(n - 1));
+  // k16 -> k15 -> ... -> k1 -> a directory inside; o16 -> ... -> o1 -> outside; t16 -> ... -> t1 -> the settings.
+  for (int n = 2; n <= 16; ++n) {
+    for (const char* const letter : {"K", "O", "T"}) {
+      Add(WidenAscii(letter + std::to_string(n) + ">^\\" + letter + std::to_string(n - 1)));
+    }
   }
-  AddLink(player + L"\\chain16", upper + L"\\K15");
-  AddLink(player + L"\\chain17", upper + L"\\K16");
-  AddLink(player + L"\\chain16out", upper + L"\\O15");
-  AddLink(player + L"\\chain17out", upper + L"\\O16");
-  AddLink(player + L"\\t1", upper + L"\\CORVA.EXAMPLE");
-  for (int n = 2; n <= 16; ++n) AddLink(player + L"\\t" + number(n), upper + L"\\T" + number(n - 1));
-  AddLink(player + L"\\chain17settings", upper + L"\\T16");
-  AddLink(L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\chain17out", upper + L"\\O16");
+}
+
+void MemoryPathOperations::Add(const WideString& item) {
+  const size_t arrow = item.find_first_of(L">=");
+  WideString name = item.substr(0, arrow);
+  if (name.find(L':') == WideString::npos) name = WideString(kPlayer) + L"\\" + name;
+  if (arrow == WideString::npos) return AddDirectory(name);
+  WideString target = item.substr(arrow + 1);
+  if (const size_t inside = target.find(L'^'); inside != WideString::npos) target.replace(inside, 1, kPlayerRoot);
+  AddLink(name, target, item[arrow] == L'=');
 }
 
 void MemoryPathOperations::AddDirectory(WideView path) {

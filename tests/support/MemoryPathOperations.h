@@ -52,6 +52,8 @@ class MemoryPathOperations final : public PathOperations {
     WideString target;
     std::optional<std::vector<uint8_t>> reparseData;
   };
+  // A directory or link as the list of them has it.
+  void Add(const WideString& item);
   // The absolute path, without a prefix, that the platform's calls make of `path`.
   std::optional<WideString> Opened(WideView path);
   // The node's key after links and short names of everything above it, or nothing.
