@@ -1,6 +1,4 @@
 // The look at the first write, against an oracle written from what it is for rather than from how it goes about it.
-#include "broker/ExecutableSniffer.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,26 +10,6 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-// A file whose content precedes what is written.
-class FakeFile final : public FileSniffSource {
- public:
-  explicit FakeFile(Bytes bytes = {}, Result open = result::Ok) : content(std::move(bytes)), openResult(open) {}
-  Result Rewind() override {
-    rewound = true;
-    return result::Ok;
-  }
-  Result Open() override { return openResult; }
-  Result ByteAt(uint32_t position, uint8_t& byte) override {
-    byte = position < content.size() ? content[position] : 0;
-    return result::Ok;
-  }
-  bool rewound = false;
-
- private:
-  Bytes content;
-  Result openResult;
-};
 
 Bytes Image() {
   Bytes image(120, 0x5A);
@@ -56,7 +34,6 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
       for (int32_t seek = -72; seek <= size + 2; ++seek) {
         for (const bool readable : {true, false}) {
           if (!readable && seek <= 0) continue;  // nothing is read back from ahead of the start
-          FakeFile file(content, readable ? result::Ok : result::AccessDenied);
           for (int32_t length = 0; length <= size; length += length % 20 == 3 ? 3 : 1) {
             const int32_t start = std::clamp(seek, 0, size - length);
             for (const int32_t from : {0, start}) {
@@ -64,9 +41,9 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
               BrokerCookieRecord record;
               record.sniffActive = 1;
               record.seekBase = seek;
-              file.rewound = false;
-              (void)SniffSlice(record, slice, file);
               const FirstWrite write{seek, slice, content, readable};
+              WrittenFile file(write);
+              (void)SniffSlice(record, slice, file);
               ASSERT_EQ(record.executableSeen != 0, IsImage(write))
                   << "header " << header << " seek " << seek << " slice " << from << "+" << length << " of "
                   << content.size() << (readable ? "" : " unreadable");
@@ -94,8 +71,9 @@ TEST(ExecutableSniffer, AHeaderAheadOfTheSeekRewindsOnceMore) {
     record.peOffset = 80;
     record.seekBase = row.seek;
     record.lastWriteSize = row.lastWrite;
-    FakeFile file;
-    (void)SniffSlice(record, Image(), file);
+    const Bytes image = Image();
+    WrittenFile file({row.seek, image, {}});
+    (void)SniffSlice(record, image, file);
     EXPECT_EQ(record.executableSeen, 0);
     EXPECT_EQ(file.rewound, row.rewinds) << row.seek << " after " << row.lastWrite;
   }

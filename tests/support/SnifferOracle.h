@@ -8,11 +8,32 @@
 #include <optional>
 #include <span>
 
+#include "broker/ExecutableSniffer.h"
+
 struct FirstWrite {
   int32_t seek = 0;  // how far the client has sought ahead of it
   std::span<const uint8_t> slice;
   std::span<const uint8_t> file;  // what is there already
   bool readable = true;           // a file that cannot be read looks like zeros
+};
+
+// The file as the look at the write reads it back.
+class WrittenFile final : public FileSniffSource {
+ public:
+  explicit WrittenFile(const FirstWrite& write) : write_(write) {}
+  Result Rewind() override {
+    rewound = true;
+    return result::Ok;
+  }
+  Result Open() override { return write_.readable ? result::Ok : result::AccessDenied; }
+  Result ByteAt(uint32_t position, uint8_t& byte) override {
+    byte = position < write_.file.size() ? write_.file[position] : 0;
+    return result::Ok;
+  }
+  bool rewound = false;
+
+ private:
+  FirstWrite write_;
 };
 
 // Nothing behind the slice's end: that part is not there yet.
