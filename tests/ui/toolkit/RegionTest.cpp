@@ -123,65 +123,37 @@ TEST(RegionTree, ARegionThatCannotBeReachedGivesUpTheFocus) {
   }
 }
 
-TEST(HitTesting, OnlyPointsStrictlyInsideAVisibleRegionCount) {
-  struct Row {
-    const char* reason;
-    Point point;
-    bool visible, force, expected;
-  };
-  // The region is 10 wide and 8 high.
-  for (const Row& row :
-       {Row{"first inside", {1, 1}, true, false, true}, Row{"left edge", {0, 5}, true, false, false},
-        Row{"top edge", {5, 0}, true, false, false}, Row{"last inside", {9, 7}, true, false, true},
-        Row{"right edge", {10, 5}, true, false, false}, Row{"bottom edge", {5, 8}, true, false, false},
-        Row{"outside but forced", {50, 50}, true, true, true}, Row{"hidden and forced", {5, 5}, false, true, false}}) {
-    SCOPED_TRACE(row.reason);
-    MSkinnedSection region;
-    region.bounds = Rect::Of(100, 100, 10, 8);
-    region.visible = row.visible;
-    EXPECT_FALSE(HitTest(&region, nullptr, row.point, row.force, kMouseMove)) << "nobody listens";
-    std::pair<Point, bool> seen;
-    region.handlerContext = &seen;
-    region.handler = [](MRegion*, MWindow*, const Point* point, bool inside, uint32_t, void* context) {
-      *static_cast<std::pair<Point, bool>*>(context) = {*point, inside};
-      return true;
-    };
-    EXPECT_EQ(HitTest(&region, nullptr, row.point, row.force, kMouseMove), row.expected);
-    if (row.expected) EXPECT_EQ(seen, std::pair(row.point, !row.force));
-  }
-}
-
-TEST(HitTesting, ChildrenComeFirstAndEarlierSiblingsBeforeLaterOnes) {
+TEST(HitTesting, ChildrenComeFirstEarlierSiblingsBeforeLaterOnesAndEdgesAreOutside) {
   std::string asked;
   MSkinnedSection parent, first, second, inner;
   MRegion* const all[] = {&parent, &first, &second, &inner};
   for (size_t i = 0; i < 4; ++i) {
     all[i]->controlId = "pfsi"[i];
-    all[i]->bounds = {0, 0, 20, 20};
+    all[i]->bounds = {0, 0, 20, 10};
     all[i]->handlerContext = &asked;
-    all[i]->handler = [](MRegion* region, MWindow*, const Point*, bool, uint32_t, void* context) {
-      *static_cast<std::string*>(context) += static_cast<char>(region->controlId);
+    all[i]->handler = [](MRegion* region, MWindow*, const Point*, bool inside, uint32_t, void* context) {
+      *static_cast<std::string*>(context) += static_cast<char>(region->controlId - (inside ? 0 : 32));
       return !region->enabled;  // stands for its answer
     };
   }
   parent.Attach(&first);
   parent.Attach(&second);
   first.Attach(&inner);
-  const auto ask = [&] {
+  const auto ask = [&](Point point, bool force = false) {
     asked.clear();
-    return HitTest(&parent, nullptr, {5, 5}, false, kMouseMove);
+    const bool consumed = HitTest(&parent, nullptr, point, force, kMouseMove);
+    return asked + (consumed ? "!" : "");
   };
-  EXPECT_FALSE(ask());
-  EXPECT_EQ(asked, "ifsp");
+  for (const Point inside : {Point{1, 1}, {19, 9}}) EXPECT_EQ(ask(inside), "ifsp");
+  for (const Point edge : {Point{0, 5}, {5, 0}, {20, 5}, {5, 10}}) EXPECT_EQ(ask(edge), "");
+  EXPECT_EQ(ask({50, 5}, true), "IFSP") << "forced, and told that it is outside";
   first.enabled = false;
-  EXPECT_TRUE(ask());
-  EXPECT_EQ(asked, "if") << "the second, though drawn over it, is not asked";
+  EXPECT_EQ(ask({5, 5}), "if!") << "the second, though drawn over it, is not asked";
   first.visible = false;
-  EXPECT_FALSE(ask());
-  EXPECT_EQ(asked, "sp");
+  EXPECT_EQ(ask({5, 5}, true), "sp") << "hidden, with all below";
   asked.clear();
   WalkTimers(&parent, nullptr);
-  EXPECT_EQ(asked, "pfis") << "a tick reaches all, hidden ones included, whatever they answer";
+  EXPECT_EQ(asked, "PFIS") << "a tick reaches all, hidden ones included, whatever they answer";
 }
 
 TEST(Drawing, ParentsComeFirstAndOnlyTheDirtyPartIsDrawn) {
