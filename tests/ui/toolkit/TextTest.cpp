@@ -208,8 +208,10 @@ TEST(TextArea, LinksBecomeRegionsThatOpenTheirTargetAndDropOutAtTheNextLayout) {
   EXPECT_EQ(Spell(first->bounds, first->firstChild->bounds), "20,3,60,15 0,11,40,12");
   EXPECT_EQ(first->firstChild->image.AsColor(), 14188839u);
   area.window.Take();
-  for (const int32_t x : {50, 100}) {  // the pointer goes from one straight to the other
-    for (const uint32_t message : {kMouseMove, kMousePress, kMouseRelease}) area.window.DispatchMouse(message, {x, 28});
+  for (const int32_t x : {50, 100}) {  // the pointer rests on one, then goes straight to the other
+    for (const uint32_t message : {kMouseMove, kMouseMove, kMousePress, kMouseRelease}) {
+      area.window.DispatchMouse(message, {x, 28});
+    }
   }
   EXPECT_EQ(area.window.Take(),
             (Lines{"capture", "hand", "open u", "release", "arrow", "capture", "hand", "settings"}));
