@@ -115,56 +115,53 @@ TEST_F(Accessibility, FocusAndCheckAreSeenAsTheyChange) {
   EXPECT_NE(ObjectOf(box->nativeWindow).Get(), object.Get()) << "attached anew, it has a proxy of its own";
 }
 
-// What a method may write: as much room as any of them needs.
-union Answer {
-  BSTR text;
-  LONG number;
-  VARIANT variant;
-  IDispatch* object;
+// Where a method is to write, whatever it is.
+struct Out {
+  void* to;
+  template <class Type>
+  operator Type*() const {
+    return static_cast<Type*>(to);
+  }
 };
 const struct {
   const char* name;
-  HRESULT (*call)(IAccessible& object, VARIANT child, Answer* out);
+  HRESULT (*call)(IAccessible& object, VARIANT child, Out out);
   HRESULT otherChild;
 } kMethods[] = {
-    {"name", [](auto& object, auto id, auto* out) { return object.get_accName(id, &out->text); }, E_INVALIDARG},
-    {"value", [](auto& object, auto id, auto* out) { return object.get_accValue(id, &out->text); }, E_INVALIDARG},
-    {"text", [](auto& object, auto id, auto* out) { return object.get_accDescription(id, &out->text); }, E_INVALIDARG},
-    {"keys", [](auto& object, auto id, auto* out) { return object.get_accKeyboardShortcut(id, &out->text); },
+    {"name", [](auto& object, auto id, Out out) { return object.get_accName(id, out); }, E_INVALIDARG},
+    {"value", [](auto& object, auto id, Out out) { return object.get_accValue(id, out); }, E_INVALIDARG},
+    {"description", [](auto& object, auto id, Out out) { return object.get_accDescription(id, out); }, E_INVALIDARG},
+    {"keys", [](auto& object, auto id, Out out) { return object.get_accKeyboardShortcut(id, out); }, E_INVALIDARG},
+    {"action", [](auto& object, auto id, Out out) { return object.get_accDefaultAction(id, out); }, E_INVALIDARG},
+    {"location", [](auto& object, auto id, Out out) { return object.accLocation(out, out, out, out, id); },
      E_INVALIDARG},
-    {"act", [](auto& object, auto id, auto* out) { return object.get_accDefaultAction(id, &out->text); }, E_INVALIDARG},
-    {"location",
-     [](auto& object, auto id, auto* out) {
-       LONG more[3];
-       return object.accLocation(&more[0], &more[1], &out->number, &more[2], id);
-     },
-     E_INVALIDARG},
-    {"children", [](auto& object, auto, auto* out) { return object.get_accChildCount(&out->number); }, S_OK},
-    {"child", [](auto& object, auto id, auto* out) { return object.get_accChild(id, &out->object); }, S_FALSE},
-    {"role", [](auto& object, auto id, auto* out) { return object.get_accRole(id, &out->variant); }, S_OK},
-    {"state", [](auto& object, auto id, auto* out) { return object.get_accState(id, &out->variant); }, S_OK},
-    {"selection", [](auto& object, auto, auto* out) { return object.get_accSelection(&out->variant); }, S_OK},
+    {"children", [](auto& object, auto, Out out) { return object.get_accChildCount(out); }, S_OK},
+    {"child", [](auto& object, auto id, Out out) { return object.get_accChild(id, out); }, S_FALSE},
+    {"role", [](auto& object, auto id, Out out) { return object.get_accRole(id, out); }, S_OK},
+    {"state", [](auto& object, auto id, Out out) { return object.get_accState(id, out); }, S_OK},
+    {"selection", [](auto& object, auto, Out out) { return object.get_accSelection(out); }, S_OK},
 };
 
 TEST_F(Accessibility, EveryMethodAnswersAsDocumentedWithItsRegionAndWithout) {
   auto box = Box(false, L"");
   window.Attach(box.get());
   const ComPtr<IAccessible> object = ObjectOf(box->nativeWindow);
-  Answer out = {};
+  VARIANT written = {};
+  const Out out = {&written};
   for (const auto& row : kMethods) {
     SCOPED_TRACE(row.name);
-    EXPECT_EQ(row.call(*object.Get(), kSelf, &out), S_OK);
-    EXPECT_EQ(row.call(*object.Get(), Child(1), &out), row.otherChild);
-    EXPECT_EQ(row.call(*object.Get(), Child(0, VT_I2), &out), row.otherChild) << "a child of another type";
-    EXPECT_EQ(row.call(*object.Get(), kSelf, nullptr), E_INVALIDARG);
+    EXPECT_EQ(row.call(*object.Get(), kSelf, out), S_OK);
+    EXPECT_EQ(row.call(*object.Get(), Child(1), out), row.otherChild);
+    EXPECT_EQ(row.call(*object.Get(), Child(0, VT_I2), out), row.otherChild) << "a child of another type";
+    EXPECT_EQ(row.call(*object.Get(), kSelf, Out{nullptr}), E_INVALIDARG);
   }
-  EXPECT_EQ(out.variant.vt, VT_EMPTY) << "nothing is selected";
+  EXPECT_EQ(written.vt, VT_EMPTY) << "nothing is selected";
   ComPtr<IDispatch> same;
   EXPECT_EQ(object->get_accChild(kSelf, same.GetAddressOf()), S_OK);
   EXPECT_EQ(same.Get(), object.Get());
   box.reset();
   for (const auto& row : kMethods) {
-    EXPECT_EQ(row.call(*object.Get(), kSelf, &out), CO_E_OBJNOTCONNECTED) << row.name << " after the region";
+    EXPECT_EQ(row.call(*object.Get(), kSelf, out), CO_E_OBJNOTCONNECTED) << row.name << " after the region";
   }
   for (const HRESULT answer : {object->get_accHelp(kSelf, nullptr), object->get_accFocus(nullptr),
                                object->accSelect(1, kSelf), object->accNavigate(1, kSelf, nullptr),
