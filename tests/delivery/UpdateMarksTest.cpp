@@ -58,30 +58,27 @@ TEST_F(UpdateMarks, AnUpdateIsStoredAndRunAtTheNextLogonUnlessItWasRejected) {
 }
 
 TEST_F(UpdateMarks, RemovalTakesTheMarksOfOneKindAndGoesOn) {
-  const auto write = [](HKEY root, const std::string& key, const char* name) {
-    EXPECT_EQ(WriteText(CreateKey(root, key.c_str(), KEY_ALL_ACCESS).Get(), name, "x"), 0);
-  };
   for (const uint32_t kind : {product_kind::ActiveX, product_kind::Plugin, product_kind::Pepper}) {
-    const std::pair<HKEY, std::string> keys[] = {
-        {HKEY_CURRENT_USER, GetProductKey(kind)},
-        {HKEY_LOCAL_MACHINE, GetProductKey(kind)},
-        {HKEY_LOCAL_MACHINE, kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind)}};
-    for (const auto& [root, key] : keys) write(root, key, "");
-    write(HKEY_CURRENT_USER, kPlayerKey, "LumenPlayerVersion");
-    write(HKEY_CURRENT_USER, kPlayerKey, "TwlInstall");
-    EXPECT_FALSE(RemoveUpdateMarks(kind)) << "nothing runs at the next logon";
-    for (const auto& [root, key] : keys) EXPECT_FALSE(OpenKey(root, key.c_str(), KEY_READ)) << key;
-    EXPECT_EQ(Value(kPlayerKey, "LumenPlayerVersion") + Value(kPlayerKey, "TwlInstall"), "(none)(none)");
-    for (const auto& [root, key] : keys) write(root, key, "");
-    write(HKEY_CURRENT_USER, kPlayerKey, "LumenPlayerVersion");
-    write(HKEY_CURRENT_USER, kPlayerKey, "TwlInstall");
-    write(HKEY_CURRENT_USER, kRunOnceKey, kMark);
-    write(HKEY_LOCAL_MACHINE, kSafeVersionsKey, "");
-    EXPECT_TRUE(RemoveUpdateMarks(kind));
-    EXPECT_TRUE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
-    RemoveSafeVersions();
-    EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
+    const std::tuple<HKEY, std::string, const char*> values[] = {
+        {HKEY_CURRENT_USER, GetProductKey(kind), ""},
+        {HKEY_CURRENT_USER, kPlayerKey, "LumenPlayerVersion"},
+        {HKEY_CURRENT_USER, kPlayerKey, "TwlInstall"},
+        {HKEY_LOCAL_MACHINE, GetProductKey(kind), ""},
+        {HKEY_LOCAL_MACHINE, kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind), ""},
+        {HKEY_CURRENT_USER, kRunOnceKey, kMark}};
+    for (const bool whole : {false, true}) {
+      const auto last = std::end(values) - (whole ? 0 : 1);  // without it nothing runs at the next logon
+      for (auto at = values; at != last; ++at) {
+        const auto& [root, key, name] = *at;
+        EXPECT_EQ(WriteText(CreateKey(root, key.c_str(), KEY_ALL_ACCESS).Get(), name, "x"), 0);
+      }
+      EXPECT_EQ(RemoveUpdateMarks(kind), whole) << kind;
+      for (const auto& [root, key, name] : values) EXPECT_FALSE(ReadText(root, key.c_str(), name)) << key << name;
+    }
   }
+  CreateKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_ALL_ACCESS).Reset();
+  RemoveSafeVersions();
+  EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
 }
 
 }  // namespace

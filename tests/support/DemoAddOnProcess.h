@@ -31,12 +31,4 @@ inline void Stop() {
   if (process) EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
 }
 
-// Stops it before and after a test.
-struct Stopped {
-  Stopped() { Stop(); }
-  Stopped(const Stopped&) = delete;
-  Stopped& operator=(const Stopped&) = delete;
-  ~Stopped() { Stop(); }
-};
-
 }  // namespace demo_addon
