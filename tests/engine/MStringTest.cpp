@@ -114,14 +114,12 @@ TEST(MString, Scans) {
     const char *found, *rest;
   };
   // 0x141 is not the member 0x41: a wide unit is outside every set.
-  const Row forwards[] = {
-      {L"key=value", "=;", kMember, "key", "=value"},  {L"key", "=;", kMember, "key", ""},
-      {L"\u0141=b", "\x41=", kMember, "\u0141", "=b"}, {L"\u00e9b", "\xE9", kMember, "", "\u00e9b"},
-      {L"  key ", " \t", kOutsider, "  ", "key "},     {L"aa\u0161a", "a", kOutsider, "aa", "\u0161a"}};
+  const Row forwards[] = {{L"\u0141=b", "\x41=", kMember, "\u0141", "=b"},
+                          {L"\u00e9b", "\xE9", kMember, "", "\u00e9b"},
+                          {L"  key ", " \t", kOutsider, "  ", "key "},
+                          {L"aa\u0161a", "a", kOutsider, "aa", "\u0161a"}};
   const Row backwards[] = {{L"c:\\a\\b.exe", "\\", kMember, "\\b.exe", "c:\\a"},
-                           {L".gz", ".", kMember, ".gz", ""},
                            {L"plain", ".", kMember, "", "plain"},
-                           {L"", ".", kMember, "", ""},
                            {L"ab12", "0123456789", kOutsider, "b12", "a"},
                            {L"1\u01612", "12", kOutsider, "\u01612", "1"}};
   const auto check = [](const Row& row, auto look, auto cut) {
