@@ -15,6 +15,12 @@ constexpr uint32_t kMostRead = 65536;
 constexpr DWORD kFirstErrorStatus = 400;
 constexpr WideView kDigestMark = L"DIGEST#";
 
+// A line break in the path would end the request's first line: what follows would be the client's own headers, or to a
+// proxy a request to any host.
+bool HasControlBytes(const std::string& path) {
+  return std::any_of(path.begin(), path.end(), [](char c) { return (c >= 0 && c < ' ') || c == 127; });
+}
+
 std::optional<DWORD> QueryNumber(HINTERNET request, DWORD header) {
   DWORD number = 0;
   DWORD size = sizeof(number);
@@ -62,7 +68,7 @@ bool ProductDownload::SendRequest(const char* url) {
   std::string host;
   std::string path;
   bool secure = false;
-  if (!ParseProductUrl(url, host, path, secure)) return false;
+  if (!ParseProductUrl(url, host, path, secure) || HasControlBytes(path)) return false;
   internetHandle.Reset(InternetOpenA(kAgent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
   if (!internetHandle) return false;
   const INTERNET_PORT port = secure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;

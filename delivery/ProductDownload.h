@@ -28,7 +28,8 @@ class ProductDownload final : public DownloadSessionBase {
   ~ProductDownload() override { Close(); }
 
   // Sends the request. True when the server answers with a status below 400 and a content length, and there is memory
-  // for that. On failure everything is closed again. `url` is terminated; a foreign address is not asked at all.
+  // for that. On failure everything is closed again. `url` is terminated; a foreign address, or one with control
+  // bytes, is not asked at all.
   [[nodiscard]] bool Open(const wchar_t* url);
   // Reads once, 65,536 bytes at most. A read of nothing is a success that moves nothing: that is how a broken
   // connection looks, and the caller decides how long to go on.

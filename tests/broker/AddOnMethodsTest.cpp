@@ -94,7 +94,8 @@ TEST_F(AddOnMethods, AnswersGoodAndBadAndWhatIsClosedAfterThem) {
       {kVendor + "/slow/20", true, {20000, 20000}},
       {kVendor + "/claims/4294967295/10", false, {}, "no memory " + kClosed},
       {"https://untrusted.corva.example/", false, {}, "HttpSendRequestA fail" + kClosed},
-      {"http://get.other.example/", false, {}, ""},  // not even asked
+      {"http://get.other.example/", false, {}, ""},                  // not even asked
+      {kVendor + "/status/200\r\nX-More: 1\r\nX: ", false, {}, ""},  // a header of the client's own
   };
   for (const auto& row : rows) {
     g_events.clear();
