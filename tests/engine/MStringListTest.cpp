@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
 
 #include "tests/support/Texts.h"
 
@@ -25,17 +24,6 @@ TEST(MStringList, KeepsOrderAndLinksBothWays) {
   EXPECT_EQ(ends[0], list.Head());
   EXPECT_EQ(Text(ends[0]->value) + Text(ends[0]->next->value), "aB") << "a plain text stands as key and value";
   EXPECT_EQ(ends[1]->previous->previous, ends[0]);
-}
-
-TEST(MStringList, IteratorsGiveEmptyTextsPastTheEnd) {
-  MStringList list;
-  list.Add(MString(L"k"), MString(L"v"));
-  const std::unique_ptr<MStringList::Iterator> at(list.Iterate());
-  EXPECT_EQ(Text(at->Key()) + Text(at->Value()), "kv");
-  at->Next();
-  at->Next();
-  EXPECT_TRUE(at->AtEnd() && at->Key().Data() != nullptr);
-  EXPECT_EQ(Text(at->Key()) + Text(at->Value()), "");
 }
 
 TEST(MStringList, ContainsComparesWholeTextsOrTakesEntriesAsPrefixes) {

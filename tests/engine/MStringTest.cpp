@@ -107,12 +107,7 @@ TEST(MString, Replace) {
 
 TEST(MString, Scans) {
   constexpr auto kMember = ScanSense::StopAtMember, kOutsider = ScanSense::StopAtOutsider;
-  struct Row {
-    const wchar_t* text;
-    const char* set;
-    ScanSense sense;
-    const char *found, *rest;
-  };
+  using Row = std::tuple<const wchar_t*, const char*, ScanSense, const char*, const char*>;
   // 0x141 is not the member 0x41: a wide unit is outside every set.
   const Row forwards[] = {{L"\u0141=b", "\x41=", kMember, "\u0141", "=b"},
                           {L"\u00e9b", "\xE9", kMember, "", "\u00e9b"},
@@ -123,13 +118,13 @@ TEST(MString, Scans) {
                            {L"ab12", "0123456789", kOutsider, "b12", "a"},
                            {L"1\u01612", "12", kOutsider, "\u01612", "1"}};
   const auto check = [](const Row& row, auto look, auto cut) {
-    MString text = CutText((WideString(L"X") + row.text).c_str(), 1);
+    const auto& [whole, set, sense, found, rest] = row;
+    MString text = CutText((WideString(L"X") + whole).c_str(), 1);
     const MString holder = text;
-    EXPECT_EQ(Text((text.*look)(row.set, row.sense)), row.found) << Text(row.text);
-    EXPECT_EQ(Text(text), Text(row.text));
-    EXPECT_EQ(Text((text.*cut)(row.set, row.sense)), row.found) << Text(row.text);
-    EXPECT_EQ(Text(text), row.rest);
-    EXPECT_EQ(Text(holder), Text(row.text));
+    EXPECT_EQ(Text((text.*look)(set, sense)), found) << Text(whole);
+    EXPECT_EQ(Text((text.*cut)(set, sense)), found) << Text(whole);
+    EXPECT_EQ(Text(text), rest);
+    EXPECT_EQ(Text(holder), Text(whole));
   };
   for (const Row& row : forwards) check(row, &MString::SpanUntil, &MString::TakeUntil);
   for (const Row& row : backwards) check(row, &MString::TailFrom, &MString::CutTail);

@@ -35,30 +35,16 @@ HRESULT WINAPI NoFolder(HWND, int, HANDLE, DWORD, LPWSTR) {
 UINT WINAPI NoDirectory(LPWSTR, UINT) {
   return 0;
 }
-UINT WINAPI LongDirectory(LPWSTR buffer, UINT size) {
-  for (UINT i = 0; i + 1 < size; ++i) buffer[i] = L'd';
-  buffer[size - 1] = 0;
-  return size - 1;
-}
-
-TEST(SystemPaths, FoldersThatAreMissingOrTooLong) {
-  EXPECT_EQ(GetPlayerRoots(false), FolderPath(ShellFolder::RoamingAppData));
+TEST(SystemPaths, FoldersThatAreMissing) {
   EXPECT_EQ(GetPlayerRoots(true), FolderPath(ShellFolder::LocalAppData));
   EXPECT_EQ(GetSystem32PathNarrow().value_or(""), "C:\\windows\\system32");
-  const HMODULE own = GetModuleHandleW(nullptr);
-  const ImportHook noFolder(own, "SHGetFolderPathW", NoFolder);
+  const ImportHook noWow64(GetModuleHandleW(nullptr), "GetSystemWow64DirectoryW", NoDirectory);
+  EXPECT_EQ(ToUtf8(SystemConfigPath().value_or(L"")), "C:\\windows\\system32\\Halcyons\\Lumen\\hms.cfg");
+  const ImportHook noFolder(GetModuleHandleW(nullptr), "SHGetFolderPathW", NoFolder);
   constexpr const char* kFolders = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
   EXPECT_EQ(ToUtf8(GetPlayerRoots(false).value_or(L"")),
             ReadText(HKEY_CURRENT_USER, kFolders, "AppData").value_or("missing"));
   EXPECT_FALSE(ProductDirectory().has_value());
-
-  const ImportHook noWow64(own, "GetSystemWow64DirectoryW", NoDirectory);
-  EXPECT_EQ(ToUtf8(SystemConfigPath().value_or(L"")), "C:\\windows\\system32\\Halcyons\\Lumen\\hms.cfg");
-  const ImportHook none(own, "GetSystemDirectoryW", NoDirectory);
-  EXPECT_FALSE(SystemConfigPath().has_value());
-  EXPECT_FALSE(GetSystem32Path().has_value());
-  const ImportHook tooLong(own, "GetSystemWow64DirectoryW", LongDirectory);
-  EXPECT_FALSE(SystemConfigPath().has_value()) << "no room for the file's name";
 }
 
 class Missing final : public DynamicLoadLibraryHelper {
