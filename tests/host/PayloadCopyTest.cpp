@@ -46,10 +46,7 @@ TEST_F(PayloadCopy, ReplacesFilesAndTellsHowFarItIs) {
 }
 
 TEST_F(PayloadCopy, RenamesALibraryInUseAndLeavesItToTheNextRestart) {
-  wchar_t own[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, own, MAX_PATH);
-  const WideString build = WideString(own).substr(0, WideString(own).rfind(L"\\tests"));
-  ASSERT_TRUE(CopyFileW((build + L"\\players\\nplumen.dll").c_str(), destination.c_str(), FALSE));
+  ASSERT_TRUE(CopyFileW(L"players\\nplumen.dll", destination.c_str(), FALSE)) << GetLastError();
   WriteWhole(source, "fresh");
   LibraryHandle user(LoadLibraryW(destination.c_str()));
   ASSERT_TRUE(user);

@@ -30,24 +30,16 @@ TEST_F(Host, WithoutSettingsItIsAPlainReleaseHost) {
 }
 
 TEST_F(Host, AnswersFromTheSettings) {
-  testing_files::WriteWhole(
-      file,
-      "\xEF\xBB\xBFHost { ActiveX a.ocx help.exe; Plugin p.dll; Payload C:\\p.exe; InstallSource 2; Debugger yes;"
-      " AnalyticsAllowed yes; ConflictsDoNotBlock yes; UpdateMode 0;"
-      " UpdateDialog { message \"two words\"; size 300 200; autoUpdateMode 1; }; };");
+  testing_files::WriteWhole(file,
+                            "\xEF\xBB\xBFHost { ActiveX a.ocx help.exe; Debugger yes; UpdateMode 0;"
+                            " UpdateDialog { message \"two words\"; size 300 200; autoUpdateMode 1; }; };");
   ASSERT_TRUE(host.ReadSettings(file.c_str()));
   MString control;
   MString helper;
   host.GetBrowserPaths(&control, &helper);
   EXPECT_EQ(Text(control) + "|" + Text(helper), "a.ocx|help.exe");
-  host.GetPluginPaths(&control, &helper);
-  EXPECT_EQ(Text(control) + "|" + Text(helper), "p.dll|");
-  EXPECT_EQ(Text(*host.GetPayloadPath(&control)), "C:\\p.exe");
-  EXPECT_EQ(host.GetInstallSource(), 2u);
   EXPECT_EQ(host.GetFlags(), host_flag::Plugin);
-  EXPECT_FALSE(host.ConflictsBlockInstall());
   EXPECT_EQ(host.SettingNumber(L"Host.UpdateMode", 3), 0u);
-  EXPECT_EQ(host.SettingNumber(L"Host.Missing", 3), 3u);
   SettingsTree data;
   ASSERT_TRUE(host.GetUpdateDialogData(&data));
   EXPECT_EQ(Text(FindSetting(&data, L"message")->values->name), "two words");

@@ -2,34 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
-namespace {
-
-std::vector<std::string> Walk(ClassKeyFamily family) {
-  std::vector<std::string> keys;
-  VisitClassKeys(
-      family,
-      [](const char* key, void* context) { static_cast<std::vector<std::string>*>(context)->emplace_back(key); },
-      &keys);
-  return keys;
-}
-
-}  // namespace
-
-TEST(ClassKeys, FamiliesHoldOneAnotherInOrder) {
-  const auto machine = Walk(ClassKeyFamily::MachineClasses);
-  const auto control = Walk(ClassKeyFamily::Control);
-  const auto root = Walk(ClassKeyFamily::ClassRoot);
-  const auto names = Walk(ClassKeyFamily::ProgramIds);
-  ASSERT_EQ(machine.size(), 13u);
-  ASSERT_EQ(root.size(), 14u + 13 + 4 + 11 + 1 + 2);
-  EXPECT_TRUE(std::equal(control.begin(), control.end(), machine.begin() + 10));
-  EXPECT_TRUE(std::equal(names.begin(), names.end(), root.begin() + 14));
-  EXPECT_EQ(std::count(root.begin(), root.end(), "CLASSES_ROOT\\TidewaterLumen.TidewaterLumen.2"), 0);
-}
+#include <iterator>
 
 TEST(ClassKeys, NumericNamesSortBehindOthersAndByValue) {
   // Each name sorts behind the one before it.

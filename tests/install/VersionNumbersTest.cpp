@@ -46,11 +46,6 @@ TEST(VersionNumbers, InstalledVersionsAreOlderTheSameOrNewer) {
   for (const auto& [text, state] : rows) EXPECT_EQ(StateOfVersion(text), state) << ToUtf8(text);
 }
 
-TEST(VersionNumbers, OnlyALaterSafeRevisionRefusesThisBuild) {
-  EXPECT_TRUE(IsSafeRevision(126));
-  EXPECT_FALSE(IsSafeRevision(127));
-}
-
 TEST(PluginDirectoryText, ProgramsStandForADirectoryBesideThem) {
   const std::pair<const wchar_t*, const char*> rows[] = {
       {L"C:\\Opera\\opera.exe", "C:\\Opera\\Program\\Plugins"},

@@ -4,7 +4,6 @@
 #include <olectl.h>
 
 #include <cwchar>
-#include <iterator>
 
 #include "engine/ProductIds.h"
 
@@ -13,32 +12,24 @@
 
 namespace {
 
-constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\" WIDE(LUMEN_CONTROL_CLASS_ID);
-constexpr wchar_t kNameKey[] = L"Software\\Classes\\TidewaterLumen.TidewaterLumen";
+#define CLASS_KEY L"Software\\Classes\\CLSID\\" WIDE(LUMEN_CONTROL_CLASS_ID)
+#define NAME_KEY L"Software\\Classes\\TidewaterLumen.TidewaterLumen"
 
 wchar_t g_path[MAX_PATH];
 
 struct Row {
   const wchar_t* key;
-  const wchar_t* below;
   const wchar_t* name;
   const wchar_t* data;
 };
 const Row kRows[] = {
-    {kClassKey, nullptr, nullptr, L"Lumen Player Control"},
-    {kClassKey, L"InprocServer32", nullptr, g_path},
-    {kClassKey, L"InprocServer32", L"ThreadingModel", L"Apartment"},
-    {kClassKey, L"ProgID", nullptr, L"TidewaterLumen.TidewaterLumen"},
-    {kNameKey, nullptr, nullptr, L"Lumen Player Control"},
-    {kNameKey, L"CLSID", nullptr, WIDE(LUMEN_CONTROL_CLASS_ID)},
+    {CLASS_KEY, nullptr, L"Lumen Player Control"},
+    {CLASS_KEY L"\\InprocServer32", nullptr, g_path},
+    {CLASS_KEY L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
+    {CLASS_KEY L"\\ProgID", nullptr, L"TidewaterLumen.TidewaterLumen"},
+    {NAME_KEY, nullptr, L"Lumen Player Control"},
+    {NAME_KEY L"\\CLSID", nullptr, WIDE(LUMEN_CONTROL_CLASS_ID)},
 };
-
-bool Write(const Row& row) {
-  wchar_t key[MAX_PATH] = {};
-  std::swprintf(key, std::size(key), row.below == nullptr ? L"%ls" : L"%ls\\%ls", row.key, row.below);
-  const DWORD bytes = static_cast<DWORD>((std::wcslen(row.data) + 1) * sizeof(wchar_t));
-  return RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, row.name, REG_SZ, row.data, bytes) == ERROR_SUCCESS;
-}
 
 bool DeleteWhole(const wchar_t* key) {
   const LONG error = RegDeleteTreeW(HKEY_LOCAL_MACHINE, key);
@@ -54,21 +45,15 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* /*reserved*/) {
 
 STDAPI DllRegisterServer() {
   for (const Row& row : kRows) {
-    if (!Write(row)) return SELFREG_E_CLASS;
+    const auto bytes = static_cast<DWORD>((std::wcslen(row.data) + 1) * sizeof(wchar_t));
+    if (RegSetKeyValueW(HKEY_LOCAL_MACHINE, row.key, row.name, REG_SZ, row.data, bytes) != ERROR_SUCCESS) {
+      return SELFREG_E_CLASS;
+    }
   }
   return S_OK;
 }
 
 STDAPI DllUnregisterServer() {
-  const bool classGone = DeleteWhole(kClassKey);
-  return DeleteWhole(kNameKey) && classGone ? S_OK : SELFREG_E_CLASS;
-}
-
-STDAPI DllCanUnloadNow() {
-  return S_OK;
-}
-
-STDAPI DllGetClassObject(REFCLSID /*classId*/, REFIID /*interfaceId*/, void** object) {
-  *object = nullptr;
-  return CLASS_E_CLASSNOTAVAILABLE;
+  const bool classGone = DeleteWhole(CLASS_KEY);
+  return DeleteWhole(NAME_KEY) && classGone ? S_OK : SELFREG_E_CLASS;
 }
