@@ -18,17 +18,6 @@ class Host : public testing::Test {
   ReferenceHost host{product_kind::Plugin};
 };
 
-TEST_F(Host, WithoutSettingsItIsAPlainReleaseHost) {
-  EXPECT_FALSE(host.ReadSettings(L"C:\\LumenReferenceHost\\missing"));
-  EXPECT_FALSE(host.ReadSettings(kFolder)) << "a directory is there and cannot be read";
-  EXPECT_EQ(host.GetFlags(), host_flag::Plugin | host_flag::ReleasePlayer);
-  EXPECT_TRUE(host.ConflictsBlockInstall());
-  MString text;
-  EXPECT_EQ(Text(*host.GetPayloadPath(&text)), ToUtf8(OwnPath()));
-  SettingsTree data;
-  EXPECT_FALSE(host.GetUpdateDialogData(&data));
-}
-
 TEST_F(Host, AnswersFromTheSettings) {
   testing_files::WriteWhole(file,
                             "\xEF\xBB\xBFHost { ActiveX a.ocx help.exe; Debugger yes; UpdateMode 0;"

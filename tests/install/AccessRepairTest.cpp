@@ -10,7 +10,6 @@
 
 #include <cstring>
 #include <optional>
-#include <tuple>
 
 #include "tests/support/AccessText.h"
 #include "tests/support/ImportHook.h"
@@ -46,7 +45,10 @@ DWORD WINAPI WriteList(LPWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION wh
                        PACL list, PACL /*audit*/) {
   ExpectTheFile(path, type, what);
   ++g_writes;
-  if (g_writeError == 0) g_list = AccessText(list);
+  SECURITY_DESCRIPTOR written = {};
+  InitializeSecurityDescriptor(&written, SECURITY_DESCRIPTOR_REVISION);
+  SetSecurityDescriptorDacl(&written, TRUE, list, FALSE);
+  if (g_writeError == 0) g_list = AccessText(&written);
   return g_writeError;
 }
 
@@ -122,19 +124,15 @@ TEST(EnsureAccess, FailuresAreThePlatformsOwn) {
   const auto ensure = [](const wchar_t* path) {
     return EnsureAccess(path, SecuredObject::File, KnownAccount::Users, kRead);
   };
-  const struct {
-    DWORD readError, writeError;
-    bool hasList;
-    DWORD result;
-    int writes;
-  } rows[] = {{1234, 0, true, 1234, 0},
-              {0, 4321, true, 4321, 1},
-              {0, 0, false, 0, 0}};  // everyone may do everything; a list of one grant would take that away
-  for (const auto& row : rows) {
-    std::tie(g_readError, g_writeError, g_hasList) = std::tie(row.readError, row.writeError, row.hasList);
-    EXPECT_EQ(WithList("D:", ensure), row.result);
-    EXPECT_EQ(g_writes, row.writes) << row.result;
-  }
+  g_readError = 1234;
+  EXPECT_EQ(WithList("D:", ensure), 1234u);
+  g_readError = 0;
+  g_writeError = 4321;
+  EXPECT_EQ(WithList("D:", ensure), 4321u);
+  g_writeError = 0;
+  g_hasList = false;  // everyone may do everything; a list of one grant would take that away
+  EXPECT_EQ(WithList("D:", ensure), 0u);
+  EXPECT_EQ(g_writes, 0);
   g_hasList = true;
   EXPECT_EQ(ensure(L"C:\\missing.ocx"), static_cast<uint32_t>(ERROR_FILE_NOT_FOUND));
   EXPECT_EQ(ensure(nullptr), static_cast<uint32_t>(ERROR_INVALID_PARAMETER));

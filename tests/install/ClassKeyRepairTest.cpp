@@ -1,7 +1,6 @@
 // Real class keys: their deletion, and the repair of their access lists.
 #include <windows.h>
 
-#include <aclapi.h>
 #include <gtest/gtest.h>
 
 #include "engine/ProductIds.h"
@@ -44,22 +43,17 @@ TEST(DeleteClassKeys, EachSelectionTakesItsOwn) {
 
 TEST(RepairClassKeyAccess, GrantsToTheKeysThereAreAndKeepsTheirDenials) {
   const RegistryKey key = Make(kFactory);
-  char room[256] = {};
-  auto* const denial = reinterpret_cast<ACL*>(room);
-  BYTE users[SECURITY_MAX_SID_SIZE] = {};
-  DWORD size = sizeof(users);
-  ASSERT_TRUE(InitializeAcl(denial, sizeof(room), ACL_REVISION));
-  ASSERT_TRUE(CreateWellKnownSid(WinBuiltinUsersSid, nullptr, users, &size));
-  ASSERT_TRUE(AddAccessDeniedAce(denial, ACL_REVISION, KEY_SET_VALUE, users));
-  ASSERT_EQ(SetSecurityInfo(key.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, denial, nullptr), 0u);
+  PSECURITY_DESCRIPTOR denial = nullptr;
+  ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA("D:(D;;DC;;;BU)", 1, &denial, nullptr));
+  ASSERT_EQ(RegSetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, denial), ERROR_SUCCESS);
+  LocalFree(denial);
   RepairClassKeyAccess();
-  ACL* list = nullptr;
-  PSECURITY_DESCRIPTOR descriptor = nullptr;
-  ASSERT_EQ(GetSecurityInfo(key.Get(), SE_REGISTRY_KEY, 4, nullptr, nullptr, &list, nullptr, &descriptor), 0u);
-  const auto entries = AccessEntries(AccessText(list));
+  char room[1024] = {};
+  DWORD size = sizeof(room);
+  ASSERT_EQ(RegGetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, room, &size), ERROR_SUCCESS);
+  const auto entries = AccessEntries(AccessText(room));
   EXPECT_EQ(std::set<std::string>(entries.begin(), entries.end()),
             (std::set<std::string>{"(A;;KA;;;BA)", "(A;;KA;;;SY)", "(A;;KR;;;BU)", "(D;;DC;;;BU)"}));
-  LocalFree(descriptor);
   EXPECT_FALSE(Exists(kProgramId)) << "the repair makes no keys";
   DeleteClassKeys(ClassKeySelection::Control);
 }

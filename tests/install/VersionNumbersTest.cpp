@@ -10,26 +10,16 @@
 
 namespace {
 
-TEST(VersionNumbers, TextsAreTakenApart) {
-  const std::pair<const wchar_t*, VersionNumbers> rows[] = {
-      {L"1.2.3.4.5", {1, 2, 3, 4}},
-      {L"28beta.1x.y2. 3", {28, 1, 0, 0}},
-      {L"4294967295.4294967296.0.0", {4294967295u, 0, 0, 0}},
-  };
-  for (const auto& [text, numbers] : rows) EXPECT_EQ(ParseVersion(text), numbers) << ToUtf8(text);
-  EXPECT_EQ(ParseVersion(MString()), VersionNumbers{});
-}
-
 TEST(VersionNumbers, FirstPairThatDiffersDecides) {
   struct {
     const wchar_t* a;
     const wchar_t* b;
     int32_t result;
   } const rows[] = {
-      {L"11.3.0.0", L"11.3", 0},
-      {L"11.3.0.1", L"11.3.0.0", 1},
-      {L"11.10", L"11.9", 1},
-      {L"1.2.3.4", L"1.2.4.0", -1},
+      {L"11.3.0.0", L"11.3", 0},     {L"11.3.0.1", L"11.3.0.0", 1},
+      {L"11.10", L"11.9", 1},        {L"1.2.3.4", L"1.2.4.0", -1},
+      {L"1.2.3.4.5", L"1.2.3.4", 0}, {L"28beta.1x.y2. 3", L"28.1", 0},
+      {L"4294967296.1", L"0.1", 0},  {L"", L"0", 0},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(CompareVersionStrings(row.a, row.b), row.result) << ToUtf8(row.a) << " " << ToUtf8(row.b);

@@ -17,12 +17,9 @@ inline std::multiset<std::string> AccessEntries(const std::string& text) {
   return entries;
 }
 
-inline std::string AccessText(ACL* list) {
-  SECURITY_DESCRIPTOR descriptor = {};
+inline std::string AccessText(PSECURITY_DESCRIPTOR descriptor) {
   char* text = nullptr;
-  InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-  SetSecurityDescriptorDacl(&descriptor, TRUE, list, FALSE);
-  ConvertSecurityDescriptorToStringSecurityDescriptorA(&descriptor, 1, DACL_SECURITY_INFORMATION, &text, nullptr);
+  ConvertSecurityDescriptorToStringSecurityDescriptorA(descriptor, 1, DACL_SECURITY_INFORMATION, &text, nullptr);
   const std::string whole = text == nullptr ? "" : text;
   LocalFree(text);
   return whole;
