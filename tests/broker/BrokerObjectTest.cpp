@@ -10,7 +10,6 @@
 #include "tests/support/BrokerProcess.h"
 #include "tests/support/ByteArray.h"
 #include "tests/support/CountFixture.h"
-#include "tests/support/DispatchCall.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/UnavailableClass.h"
 
@@ -114,16 +113,6 @@ TEST_F(BrokerObject, TheServerNeedsItsOwnApartmentAndPublication) {
   });
   multithreaded.join();
   EXPECT_EQ(exitCode, kFailed);
-}
-
-TEST_F(BrokerObject, ObjectWithoutATypeLibraryStillServes) {
-  const LONG removed = RegDeleteKeyA(
-      HKEY_LOCAL_MACHINE, "Software\\Classes\\TypeLib\\{FAB3E735-69C7-453B-A446-B6823C6DF1C9}\\1.0\\0\\win32");
-  ASSERT_EQ(removed, ERROR_SUCCESS);
-  const ComPtr<ILumenBroker6> object = Create();
-  EXPECT_EQ(object->BrokerCloseHandle(1), E_INVALIDARG);
-  EXPECT_NE(CallByName(object.Get(), L"BrokerCloseHandle", {Argument(ULONG{1})}), S_OK);
-  EXPECT_TRUE(broker_process::Register());
 }
 
 TEST_F(BrokerObject, ManyRoundsLeaveNothingBehind) {

@@ -10,7 +10,6 @@
 #include "engine/Registry.h"
 #include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
-#include "tests/support/Texts.h"
 
 namespace {
 
@@ -18,20 +17,22 @@ const std::string kServer = "Software\\Classes\\CLSID\\{B019E3BF-E7E5-453C-A2E4-
 const std::string kPolicy =
     "Software\\Microsoft\\Internet Explorer\\Low Rights\\ElevationPolicy\\{FAF199D2-BFA7-4394-A4DE-044A08E59B32}";
 
-Lines g_writes;           // NAME=DATA
-size_t g_failingWrite{};  // 0: none
+std::string g_writes;  // NAME=TEXT or NAME#NUMBER, each with a bar behind it
+size_t g_writeCount = 0, g_failingWrite = 0;
 
 LONG WINAPI RecordSet(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD bytes) {
-  const auto* const text = reinterpret_cast<const char*>(data);
-  g_writes.push_back(name + (type == REG_SZ ? "=" + std::string(text, bytes - 1) : "#" + std::to_string(*data)));
-  if (g_writes.size() == g_failingWrite) return ERROR_ACCESS_DENIED;
+  const std::string text =
+      type == REG_SZ ? "=" + std::string(reinterpret_cast<const char*>(data), bytes - 1) : "#" + std::to_string(*data);
+  g_writes += name + text + "|";
+  if (++g_writeCount == g_failingWrite) return ERROR_ACCESS_DENIED;
   return Own<decltype(RecordSet)>(L"advapi32.dll", "RegSetValueExA")(key, name, reserved, type, data, bytes);
 }
 
-// Registers with the writes recorded.
-Lines Record(const char* path, size_t failingWrite = 0) {
+// Registers with the writes recorded; the one of the number given, from 1, fails.
+std::string Record(const char* path, size_t failingWrite = 0) {
   const ImportHook set(GetModuleHandleW(nullptr), "RegSetValueExA", RecordSet);
   g_writes.clear();
+  g_writeCount = 0;
   g_failingWrite = failingWrite;
   WriteBrokerRegistration(path, true);
   return g_writes;
@@ -49,27 +50,17 @@ class BrokerRegistration : public testing::Test {
 
 TEST_F(BrokerRegistration, WritesSeventeenValuesInOrderAndAFailureStopsNone) {
   const std::string path = "C:\\Program Files\\Corva/Lumen\\Host.exe";
-  const Lines expected = {"=LumenBroker",
-                          "=" + path,
-                          "={FAB3E735-69C7-453B-A446-B6823C6DF1C9}",
-                          "LocalizedString=@" + path + ",-101",
-                          "Enabled#1",
-                          "=ILumenBroker6",
-                          "={00020424-0000-0000-C000-000000000046}",
-                          "={FAB3E735-69C7-453B-A446-B6823C6DF1C9}",
-                          "Version=1.0",
-                          "=",
-                          "=LumenBroker",
-                          "=0",
-                          "=" + path,
-                          "=" + path,
-                          "Policy#3",
-                          "AppPath=C:\\Program Files\\Corva/Lumen",
-                          "AppName=Host.exe"};
+  const std::string expected =
+      "=LumenBroker|=" + path + "|={FAB3E735-69C7-453B-A446-B6823C6DF1C9}|LocalizedString=@" + path +
+      ",-101|Enabled#1|=ILumenBroker6|={00020424-0000-0000-C000-000000000046}|={FAB3E735-69C7-453B-A446-B6823C6DF1C9}|"
+      "Version=1.0|=|=LumenBroker|=0|=" +
+      path + "|=" + path + "|Policy#3|AppPath=C:\\Program Files\\Corva/Lumen|AppName=Host.exe|";
   EXPECT_EQ(Record(path.c_str()), expected);
-  for (size_t failing = 1; failing <= expected.size(); ++failing) {
+  EXPECT_EQ(g_writeCount, 17u);
+  for (size_t failing = 1; failing <= 17; ++failing) {
     const DWORD before = counts::KernelHandles();
-    EXPECT_EQ(Record(path.c_str(), failing).size(), expected.size()) << failing;
+    Record(path.c_str(), failing);
+    EXPECT_EQ(g_writeCount, 17u) << failing;
     EXPECT_EQ(counts::KernelHandles(), before + 1) << "its key is left open, as is documented";
   }
 }

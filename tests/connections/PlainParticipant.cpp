@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -17,15 +18,12 @@ constexpr DWORD kList = 40976;
 
 // Takes the message if it is ours: its bytes behind the name, or null.
 const unsigned char* Ours(unsigned char* segment, const char* name, DWORD* rest) {
-  const unsigned char* const message = segment + 16;
-  const size_t length = std::strlen(name);
   std::memcpy(rest, segment + 12, 4);
-  const unsigned char head[] = {2, 0, static_cast<unsigned char>(length)};
-  if (*rest < 3 + length || *rest > 40960 || std::memcmp(message, head, 3) != 0) return nullptr;
-  if (std::memcmp(message + 3, name, length) != 0) return nullptr;
-  *rest -= static_cast<DWORD>(3 + length);
+  const std::string head = std::string("\2\0", 2) + static_cast<char>(std::strlen(name)) + name;
+  if (*rest < head.size() || *rest > 40960 || std::memcmp(segment + 16, head.data(), head.size()) != 0) return nullptr;
+  *rest -= static_cast<DWORD>(head.size());
   std::memset(segment + 8, 0, 8);
-  return message + 3 + length;
+  return segment + 16 + head.size();
 }
 
 // 1 taken, -1 out of order, 0 not ours. With `next` null the text is printed.

@@ -5,6 +5,7 @@
 
 #include "engine/Handles.h"
 #include "engine/WideText.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/StartProcess.h"
 
 namespace testing_files {
@@ -17,10 +18,7 @@ inline void RunOutside(const WideString& arguments) {
 
 // Where the prefix's drive lies outside.
 inline WideString OutsidePath(const WideString& path) {
-  using Convert = char* CDECL(const WCHAR*);
-  auto* const convert = reinterpret_cast<Convert*>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-  char* const outside = convert(path.c_str());
+  char* const outside = Own<char * CDECL(const WCHAR*)>(L"kernel32.dll", "wine_get_unix_file_name")(path.c_str());
   WideString wide = FromUtf8(outside);
   HeapFree(GetProcessHeap(), 0, outside);
   return wide;
