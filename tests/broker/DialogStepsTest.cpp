@@ -44,6 +44,8 @@ class DialogSteps : public ProtectionTest {
 
   const std::string filters = FilterBytes(L"Texts\\0*.txt\\0All\\0*.*\\0");
   const HWND window = CreateWindowExW(0, L"Static", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  const ImportHook list{GetModuleHandleW(nullptr), "PSGetPropertyDescriptionListFromString",
+                        &dialog_fakes::PropertyListFromText};
   ComPtr<ILumenBroker6> broker = NewBroker();
   shell_fakes::Registered<dialog_fakes::OpenDialog> openClass{CLSID_FileOpenDialog};
   shell_fakes::Registered<dialog_fakes::SaveDialog> saveClass{CLSID_FileSaveDialog};
@@ -112,8 +114,6 @@ TEST_F(DialogSteps, ArraysOfOtherThanBytesAndMissingReplies) {
 }
 
 TEST_F(DialogSteps, SaveOffersTheCallersOwnerAndProtectsForTheChosenOne) {
-  const ImportHook list(GetModuleHandleW(nullptr), "PSGetPropertyDescriptionListFromString",
-                        &dialog_fakes::PropertyListFromText);
   srp.mode = SrpControls::Normal;
   srp.serverIds[0] = L"server.example";
   srp.clientIds[0] = L"client.example";
@@ -147,8 +147,6 @@ TEST_F(DialogSteps, SaveOffersTheCallersOwnerAndProtectsForTheChosenOne) {
 }
 
 TEST_F(DialogSteps, NoOwnerIsNoHindrance) {
-  const ImportHook list(GetModuleHandleW(nullptr), "PSGetPropertyDescriptionListFromString",
-                        &dialog_fakes::PropertyListFromText);
   srp.mode = SrpControls::Normal;
   srp.serverIds[0] = L"server.example";
   const struct {

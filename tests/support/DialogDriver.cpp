@@ -68,13 +68,7 @@ WideString DialogDriver::FileName() {
 }
 
 HWND DialogDriver::Control(int id) {
-  std::pair<int, HWND> search(id, nullptr);
-  const auto look = [](HWND child, LPARAM at) -> BOOL {
-    auto& [wanted, found] = *reinterpret_cast<std::pair<int, HWND>*>(at);
-    if (GetDlgCtrlID(child) == wanted && IsWindowVisible(child)) found = child;
-    return found == nullptr;
-  };
-  EnumChildWindows(window_, look, reinterpret_cast<LPARAM>(&search));
-  failed_ = failed_ || search.second == nullptr;
-  return search.second;
+  const HWND control = GetDlgItem(window_, id);
+  failed_ = failed_ || !IsWindowVisible(control);
+  return failed_ ? nullptr : control;
 }

@@ -4,6 +4,8 @@
 
 #include <winspool.h>
 
+#include "tests/support/TestFiles.h"
+
 namespace test_printer {
 
 namespace {
@@ -17,16 +19,9 @@ wchar_t kDataType[] = L"RAW";
 
 // A file added by copying has to lie in the driver directory first.
 bool CopyDescription(const WideString& from) {
-  wchar_t directory[MAX_PATH] = {};
-  DWORD needed = 0;
-  if (!GetPrinterDriverDirectoryW(nullptr, kEnvironment, 1, reinterpret_cast<BYTE*>(directory), sizeof(directory),
-                                  &needed)) {
-    return false;
-  }
-  const WideString versioned = WideString(directory) + L"\\3";
-  CreateDirectoryW(directory, nullptr);
-  CreateDirectoryW(versioned.c_str(), nullptr);
-  return CopyFileW(from.c_str(), (versioned + L"\\" + kDescription).c_str(), FALSE) != FALSE;
+  const WideString directory = L"C:\\windows\\system32\\spool\\drivers\\x64\\3";
+  testing_files::MakeDirectories(directory);
+  return CopyFileW(from.c_str(), (directory + L"\\" + kDescription).c_str(), FALSE) != FALSE;
 }
 
 bool AddDriver() {
@@ -43,15 +38,14 @@ bool AddDriver() {
 }
 
 bool AddOrMove(WideString page) {
-  wchar_t name[sizeof(kName) / sizeof(kName[0])] = {};
-  lstrcpyW(name, kName);
+  WideString name(kName);
   HANDLE existing = nullptr;
-  if (OpenPrinterW(name, &existing, nullptr) && existing != nullptr) {
+  if (OpenPrinterW(name.data(), &existing, nullptr) && existing != nullptr) {
     DeletePrinter(existing);
     ClosePrinter(existing);
   }
   PRINTER_INFO_2W printer = {};
-  printer.pPrinterName = name;
+  printer.pPrinterName = name.data();
   printer.pPortName = page.data();
   printer.pDriverName = kDriver;
   printer.pPrintProcessor = kProcessor;
@@ -59,7 +53,7 @@ bool AddOrMove(WideString page) {
   const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer));
   if (added == nullptr) return false;
   ClosePrinter(added);
-  return SetDefaultPrinterW(name) != FALSE;
+  return SetDefaultPrinterW(name.data()) != FALSE;
 }
 
 }  // namespace
