@@ -106,25 +106,16 @@ TEST_F(FileReplacement, FirstErrorsDecideHowFarItGoes) {
 TEST_F(FileReplacement, QueueingGoesOnWhenTheSystemCannotBeToldToAllowIt) {
   const MString path = File("file.dll");
   const std::string key = ToUtf8(kSessionManager);
-  const Lines all = {"create HKLM\\" + key, "number HKLM\\" + key + " | AllowProtectedRenames", "queue " + Text(path)};
-  struct {
-    size_t failing;
-    Lines steps, reports;
-  } const rows[] = {
-      {0, all, {}},
-      {1, {all[0], all[2]}, {"1 1035 " + key + "/AllowProtectedRenames20"}},
-      {3, all, {"1 1045 " + Text(path) + " 32"}},
-  };
   FaultSteps faults;
-  for (const auto& row : rows) {
-    Unqueue();
-    host.Forget();
-    EXPECT_EQ(faults.Run(
-                  row.failing, [&] { ScheduleDeleteAtReboot(&host, path); }, 32),
-              row.steps);
-    EXPECT_EQ(host.Reports(), row.reports);
-    EXPECT_EQ(IsQueued(path), row.failing != 3) << row.failing;
-  }
+  const auto queue = [&] { ScheduleDeleteAtReboot(&host, path); };
+  EXPECT_EQ(faults.Run(1, queue, 32), (Lines{"create HKLM\\" + key, "queue " + Text(path)}));
+  EXPECT_TRUE(IsQueued(path));
+  EXPECT_EQ(host.Reports(), Lines{"1 1035 " + key + "/AllowProtectedRenames20"});
+  Unqueue();
+  host.Forget();
+  EXPECT_EQ(faults.Run(3, queue, 32).size(), 3u);
+  EXPECT_FALSE(IsQueued(path));
+  EXPECT_EQ(host.Reports(), Lines{"1 1045 " + Text(path) + " 32"});
   EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "AllowProtectedRenames"), 1u);
 }
 

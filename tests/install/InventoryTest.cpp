@@ -40,7 +40,6 @@ TEST_F(InstallFixture, InstallIsRefusedByReleaseTypeAndByVersion) {
   };
   const Row rows[] = {
       {"no kind", 0, 1, 9, 999, "29", true, 5},
-      {"nothing installed", 8 | 16 | 32768, 1, 0, 0, nullptr, true, 5},
       {"another type of the control", 8, 1, 2, 0, nullptr, false, 1161},
       {"type goes before version", 32768, 1, 2, 0, "29", false, 1161},
       {"unsafe control", 8, 1, 1, 127, nullptr, false, 1013},
@@ -48,7 +47,6 @@ TEST_F(InstallFixture, InstallIsRefusedByReleaseTypeAndByVersion) {
       {"the plug-in may not go back", 16, 1, 1, 0, "28.0.0.127", false, 1013},
       {"the PPAPI library may not go back", 32768, 0, 0, 0, "28.1", false, 1162},
       {"plug-ins do not ask the safe list", 16 | 32768, 1, 1, 999, "28.0.0.125", true, 5},
-      {"one refused kind is enough", 8 | 32768, 1, 1, 0, "29", false, 1013},
   };
   for (const Row& row : rows) {
     ClearMachine();
