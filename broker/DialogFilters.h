@@ -17,5 +17,5 @@ using FilterSpecs = std::unique_ptr<COMDLG_FILTERSPEC[], ProcessHeapFree>;
 [[nodiscard]] HRESULT CheckFilterArguments(ULONG pairs, ULONG length, SAFEARRAY* array);
 
 // Decodes a checked array in place. `specs` gets `pairs` entries, on the process heap, whose texts are the array's own
-// data: they live no longer than it. E_INVALIDARG for a malformed text, E_OUTOFMEMORY.
+// data: they live no longer than it. E_INVALIDARG for a malformed text, E_OUTOFMEMORY, or why it cannot be locked.
 [[nodiscard]] HRESULT ParseFilterArray(ULONG pairs, SAFEARRAY* array, FilterSpecs& specs);
