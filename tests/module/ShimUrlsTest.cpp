@@ -85,9 +85,9 @@ TEST_F(ModuleFixture, QuirkTheAppletAnswersFalseEvenWhenItStarted) {
   EXPECT_FALSE(shim->OpenControlPanelApplet());
   EXPECT_EQ(g_started, Lines{});
   testing_files::WriteWhole(kApplet, "x");
-  const DWORD before = PlatformCounts().kernelHandles;
+  const DWORD before = counts::KernelHandles();
   EXPECT_FALSE(shim->OpenControlPanelApplet());
-  EXPECT_EQ(PlatformCounts().kernelHandles, before) << "the process's handles stayed open";
+  EXPECT_EQ(counts::KernelHandles(), before) << "the process's handles stayed open";
   EXPECT_EQ(g_started, Lines{"control.exe C:\\windows\\SysWOW64\\LumenPlayerCPLApp.cpl"});
   EXPECT_TRUE(DeleteFileW(kApplet));
 }

@@ -1,4 +1,4 @@
-// What a process holds of the platform's, and tests that leave as much as they found.
+// What a process holds of the platform's, and whether work leaves more of it behind.
 //
 // The counts come from the system's own tables. GetProcessHandleCount and GetGuiResources would be simpler, but under
 // Wine both always say 0, and a test that asks them sees no leak.
@@ -62,27 +62,6 @@ inline DWORD GdiObjects() {
 
 }  // namespace counts
 
-struct PlatformCounts {
-  DWORD kernelHandles = counts::KernelHandles();
-  DWORD gdiObjects = counts::GdiObjects();
-
-  [[nodiscard]] DWORD Sum() const { return kernelHandles + gdiObjects; }
-};
-
-// A test that fails when it ends with other counts than it began with. Counted outside the derived fixture's members,
-// so theirs are gone. What a first call loads for good is not a leak: a suite makes such calls in SetUpTestSuite.
-class CountFixture : public testing::Test {
- protected:
-  ~CountFixture() override {
-    const PlatformCounts after;
-    EXPECT_EQ(after.kernelHandles, before.kernelHandles) << "kernel handles";
-    EXPECT_EQ(after.gdiObjects, before.gdiObjects) << "GDI objects";
-  }
-
- private:
-  PlatformCounts before;
-};
-
 // Runs `round` many times, at least eight. Fails when the counts rise: the lowest of the last quarter of the rounds
 // lies above the lowest of the second. So neither what first calls load nor a thread of the platform's that comes and
 // goes counts.
@@ -91,7 +70,7 @@ template <class Round>
   std::vector<DWORD> sums;
   for (int i = 0; i < rounds; ++i) {
     round(i);
-    sums.push_back(PlatformCounts().Sum());
+    sums.push_back(counts::KernelHandles() + counts::GdiObjects());
   }
   const auto quarter = static_cast<std::ptrdiff_t>(sums.size() / 4);
   const DWORD early = *std::min_element(sums.begin() + quarter, sums.begin() + 2 * quarter);
