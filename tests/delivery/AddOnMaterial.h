@@ -19,20 +19,13 @@ inline WideString Folder(const wchar_t* name) {
   return path;
 }
 
-inline std::string MessageText(const std::string& name) {
-  std::string text = testing_files::ReadWhole(Folder(L"messages\\") + WidenAscii(name));
-  EXPECT_NE(text, "(no file)") << name;
-  return text;
-}
-inline std::vector<uint8_t> BytesOf(const std::string& text) {
+inline std::vector<uint8_t> BytesOf(const WideString& path) {
+  const std::string text = testing_files::ReadWhole(path);
+  EXPECT_NE(text, "(no file)") << ToUtf8(path);
   return {text.begin(), text.end()};
 }
 inline std::vector<uint8_t> MessageBytes(const std::string& name) {
-  return BytesOf(MessageText(name));
-}
-// What the module's own authority signed, and the content that was signed.
-inline std::vector<uint8_t> CommittedBytes(const std::string& name) {
-  return BytesOf(testing_files::ReadWhole(L"Z:" + WidenAscii(LUMEN_SOURCE_DIR "/tests/delivery/anchor/" + name)));
+  return BytesOf(Folder(L"messages\\") + WidenAscii(name));
 }
 
 // Where the user's products lie.

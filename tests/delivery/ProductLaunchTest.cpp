@@ -36,9 +36,7 @@ class ProductLaunch : public testing::Test {
   ~ProductLaunch() override { demo_addon::Stop(); }  // before the folder is cleaned
   void SetUp() override {
     demo_addon::Stop();
-    const auto served = [](const wchar_t* name) {
-      return addon::BytesOf(testing_files::ReadWhole(addon::Folder(L"server\\files\\") + name));
-    };
+    const auto served = [](const wchar_t* name) { return addon::BytesOf(addon::Folder(L"server\\files\\") + name); };
     ASSERT_EQ(InstallSignedPackage(L"DemoAddOn", served(L"DemoAddOn.package"), anchor.c_str()), StoreResult::Stored);
     ASSERT_EQ(StoreProductDigest(L"DemoAddOn", served(L"digest.s")), StoreResult::Stored);
   }

@@ -29,7 +29,7 @@ class ProductStore : public testing::Test {
 
   const testing_files::CleanDirectory clean{addon::ProductsFolder()};
   const WideString executable = addon::ProductFile(L"Demo", L"Demo.exe");
-  const std::string program = addon::MessageText("program");
+  const std::string program = ReadWhole(addon::Folder(L"messages\\program"));
 };
 
 TEST_F(ProductStore, PackagesAndWhatBecomesOfThem) {
@@ -54,8 +54,11 @@ TEST_F(ProductStore, PackagesAndWhatBecomesOfThem) {
 }
 
 TEST_F(ProductStore, WhatTheBuiltInAnchorSignedNeedsNoFile) {
-  EXPECT_EQ(InstallSignedPackage(L"DemoAddOn", addon::CommittedBytes("package.p7m"), L""), StoreResult::Stored);
-  EXPECT_EQ(StoreProductDigest(L"DemoAddOn", addon::CommittedBytes("digest.p7m")), StoreResult::Stored);
+  const auto committed = [](const char* name) {
+    return addon::BytesOf(L"Z:" + WidenAscii(LUMEN_SOURCE_DIR "/tests/delivery/anchor/") + WidenAscii(name));
+  };
+  EXPECT_EQ(InstallSignedPackage(L"DemoAddOn", committed("package.p7m"), L""), StoreResult::Stored);
+  EXPECT_EQ(StoreProductDigest(L"DemoAddOn", committed("digest.p7m")), StoreResult::Stored);
   EXPECT_TRUE(VerifyProductDigest(L"DemoAddOn", nullptr, ProductFolder::PerUser));
   EXPECT_FALSE(VerifyProductDigest(L"DemoAddOn", nullptr, ProductFolder::ProgramFiles));
   EXPECT_EQ(ToUtf8(*ProductDigestPath(L"Demo", ProductFolder::ProgramFiles)),
