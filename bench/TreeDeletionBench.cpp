@@ -1,16 +1,13 @@
 // What deleting a tree of 10,000 files costs beside the shell's own deletion of the same tree.
 #include <windows.h>
 
-#include <shellapi.h>
-#include <shlobj.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <vector>
 
-#include "engine/Handles.h"
 #include "engine/WideText.h"
 #include "removal/TreeDeletion.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
@@ -21,32 +18,13 @@ constexpr uint32_t kCentury = 3'155'760'000;
 
 // The files are an hour old, so that the deletion by age takes them.
 void MakeTree(const WideString& root) {
-  FILETIME now = {};
-  GetSystemTimeAsFileTime(&now);
-  ULARGE_INTEGER hourAgo = {};
-  hourAgo.LowPart = now.dwLowDateTime;
-  hourAgo.HighPart = now.dwHighDateTime;
-  hourAgo.QuadPart -= 36'000'000'000;
-  const FILETIME written = {hourAgo.LowPart, hourAgo.HighPart};
   for (int i = 0; i < kFolders; ++i) {
     const WideString folder = root + L"\\" + WidenAscii(std::to_string(i));
-    SHCreateDirectoryExW(nullptr, folder.c_str(), nullptr);
+    testing_files::MakeDirectories(folder);
     for (int j = 0; j < kFiles; ++j) {
-      const WideString path = folder + L"\\" + WidenAscii(std::to_string(j));
-      const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-      SetFileTime(file.Get(), nullptr, nullptr, &written);
+      testing_files::MakeAgedFile(folder + L"\\" + WidenAscii(std::to_string(j)), 3600);
     }
   }
-}
-
-void DeleteByShell(const WideString& root) {
-  WideString doubled = root;
-  doubled.push_back(0);
-  SHFILEOPSTRUCTW operation = {};
-  operation.wFunc = FO_DELETE;
-  operation.pFrom = doubled.c_str();
-  operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
-  SHFileOperationW(&operation);
 }
 
 // Milliseconds of one deletion; the tree is made anew ahead of it and must be gone after it.
@@ -70,7 +48,7 @@ int main() {
   double shell = 1e9, whole = 1e9, aged = 1e9;
   // Taken in turns, the best of each: whatever else the machine does meets all three.
   for (int round = 0; round < kRounds; ++round) {
-    shell = std::min(shell, Timed(root, &gone, [&root] { DeleteByShell(root); }));
+    shell = std::min(shell, Timed(root, &gone, [&root] { testing_files::DeleteByShell(root); }));
     whole = std::min(whole, Timed(root, &gone, [&root] { DeleteTree(root.c_str()); }));
     aged =
         std::min(aged, Timed(root, &gone, [&root] { (void)DeleteFilesByAgeUtf8(ToUtf8(root).c_str(), 0, kCentury); }));

@@ -23,16 +23,10 @@ WideString At(const wchar_t* below) {
   return WideString(kRoot) + below;
 }
 
-// A file that was last written some hours ago; a negative age lies ahead.
+// A negative age lies ahead.
 void MakeFile(const WideString& path, int64_t hours) {
   MakeDirectories(path.substr(0, path.rfind(L'\\')));
-  const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-  FILETIME time = {};
-  GetSystemTimeAsFileTime(&time);
-  ULARGE_INTEGER value = {{time.dwLowDateTime, time.dwHighDateTime}};
-  value.QuadPart -= static_cast<uint64_t>(hours * kHour * 10'000'000);
-  time = {value.LowPart, value.HighPart};
-  ASSERT_TRUE(SetFileTime(file.Get(), nullptr, nullptr, &time));
+  testing_files::MakeAgedFile(path, hours * kHour);
 }
 
 FileHandle Hold(const wchar_t* below) {
@@ -138,6 +132,11 @@ TEST_F(TreeDeletion, AWholeTreeGoesUnlessAFileIsHeld) {
   EXPECT_FALSE(Exists(kRoot));
   EXPECT_FALSE(DeleteTree(kRoot)) << "it is not there";
   EXPECT_FALSE(DeleteTree((WideString(L"C:\\") + WideString(300, L'x')).c_str()));
+  bool emptied = true;
+  for (const wchar_t* const path : {L"", static_cast<const wchar_t*>(nullptr)}) {
+    EXPECT_FALSE(DeleteTree(path)) << "the root of the current drive, to the platform";
+    EXPECT_FALSE(DeleteFilesByAge(path, kHour, 50 * kHour, &emptied));
+  }
 }
 
 TEST_F(TreeDeletion, WhatLiesTooDeepStays) {
@@ -152,12 +151,4 @@ TEST_F(TreeDeletion, WhatLiesTooDeepStays) {
   EXPECT_TRUE(DeleteFilesByAge(root.c_str(), 0, kHour, &emptied)) << "whose paths may be longer";
   EXPECT_FALSE(emptied);
   EXPECT_TRUE(Exists(deep.substr(0, root.size() + 262))) << "131 levels";
-}
-
-TEST_F(TreeDeletion, NoPathIsNoTree) {
-  bool emptied = true;
-  for (const wchar_t* const path : {L"", static_cast<const wchar_t*>(nullptr)}) {
-    EXPECT_FALSE(DeleteTree(path)) << "the root of the current drive, to the platform";
-    EXPECT_FALSE(DeleteFilesByAge(path, kHour, 50 * kHour, &emptied));
-  }
 }

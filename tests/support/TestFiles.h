@@ -55,30 +55,42 @@ inline bool Exists(const WideString& path) {
   return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Deletes a directory with all in it, now and at the end of the scope.
+// Deletes a directory with all in it by the shell, which under Wine follows links.
+inline void DeleteByShell(WideString path) {
+  path.push_back(0);
+  SHFILEOPSTRUCTW operation = {};
+  operation.wFunc = FO_DELETE;
+  operation.pFrom = path.c_str();
+  operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
+  SHFileOperationW(&operation);
+}
+
+// A directory that is new and empty, and gone at the end of the scope.
 class CleanDirectory {
  public:
   explicit CleanDirectory(WideString path) : path_(std::move(path)) {
-    Delete();
+    DeleteByShell(path_);
     MakeDirectories(path_);
   }
-  ~CleanDirectory() { Delete(); }
+  ~CleanDirectory() { DeleteByShell(path_); }
   CleanDirectory(const CleanDirectory&) = delete;
   CleanDirectory& operator=(const CleanDirectory&) = delete;
   [[nodiscard]] const WideString& Path() const { return path_; }
 
  private:
-  void Delete() {
-    WideString doubled = path_;
-    doubled.push_back(0);
-    SHFILEOPSTRUCTW operation = {};
-    operation.wFunc = FO_DELETE;
-    operation.pFrom = doubled.c_str();
-    operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
-    SHFileOperationW(&operation);
-  }
   WideString path_;
 };
+
+// Makes a file that was last written so many seconds ago; a negative age lies ahead.
+inline void MakeAgedFile(const WideString& path, int64_t seconds) {
+  const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  FILETIME time = {};
+  GetSystemTimeAsFileTime(&time);
+  ULARGE_INTEGER value = {{time.dwLowDateTime, time.dwHighDateTime}};
+  value.QuadPart -= static_cast<uint64_t>(seconds * 10'000'000);
+  time = {value.LowPart, value.HighPart};
+  SetFileTime(file.Get(), nullptr, nullptr, &time);
+}
 
 // A small program image whose header lies at `header`.
 inline std::string ProgramImage(size_t header = 80, size_t size = 200) {
