@@ -2,7 +2,7 @@
 //   without arguments  a service, which stops at once when told to
 //   late, never        a service that only says that it will stop, or does not even that; its event ends it
 //   -install, -setSilentAutoUpdate, -setNotifyAutoUpdate
-//                      registers itself with the service manager and starts
+//                      registers itself with the service manager and starts; as "late" or "never" with that ahead
 //   -uninstall         takes itself off the service manager
 // With a file <its path>.codes a test scripts it: it appends each switch to <its path>.switches, one a line, and gives
 // the exit code that the file has for it ("-switch 7", one a line), else 0; the code 1000 waits for the event of
@@ -58,9 +58,9 @@ bool Dispatch() {
   return StartServiceCtrlDispatcherW(table);
 }
 
-bool Install(const WideString& path) {
+bool Install(const WideString& path, const std::string& mode) {
   const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
-  const WideString command = L"\"" + path + L"\"";
+  const WideString command = L"\"" + path + L"\" " + WidenAscii(mode);
   ServiceHandle service(
       CreateServiceW(manager.Get(), Name(), g_feedback ? kFeedbackServiceDisplayName : kUpdateServiceDisplayName,
                      SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
@@ -109,7 +109,9 @@ int main(int count, char** arguments) {
   if (!g_word.starts_with('-')) return Dispatch() ? 0 : 1;
   if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), path);
   const bool installs = g_word == "-install" || g_word == "-setSilentAutoUpdate" || g_word == "-setNotifyAutoUpdate";
-  if (installs && !Install(own)) return 1;
+  // The word ahead may be a part of the program's own path, which comes unquoted.
+  const std::string ahead = count > 2 ? arguments[count - 2] : "";
+  if (installs && !Install(own, ahead == "late" || ahead == "never" ? ahead : "")) return 1;
   if (g_word == "-uninstall") Uninstall();
   return 0;
 }

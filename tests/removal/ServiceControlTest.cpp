@@ -11,6 +11,7 @@
 #include "tests/fakes/PlayerService.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RecordingHost.h"
+#include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
@@ -52,33 +53,21 @@ BOOL WINAPI Control(SC_HANDLE service, DWORD control, SERVICE_STATUS* status) {
   return Fails() ? FALSE : g_control(service, control, status);
 }
 
-// Whether the act succeeded, in the end: the manager may still be at the deletion of the service before, or at the
-// start of somebody else's.
-template <class Act>
-bool InTheEnd(Act act) {
-  for (const ULONGLONG begun = GetTickCount64(); !act();) {
-    const DWORD error = GetLastError();
-    const bool busy = error == ERROR_SERVICE_MARKED_FOR_DELETE || error == ERROR_SERVICE_DATABASE_LOCKED;
-    if (!busy || GetTickCount64() - begun > 20000) return false;
-  }
-  return true;
-}
-
 class ServiceControl : public testing::Test {
  protected:
   ~ServiceControl() override { Unmake(); }
 
-  // A service that stops as `mode` says, running unless told otherwise.
-  void Make(const wchar_t* mode, bool start = true) {
-    const WideString command = L"\"" + testing_files::Beside(L"PlayerService.exe") + L"\" " + mode;
-    ASSERT_TRUE(InTheEnd([&] {
-      service.Reset(CreateServiceW(manager.Get(), kUpdateServiceName, kUpdateServiceName, SERVICE_ALL_ACCESS,
-                                   SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
-                                   command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
-      return service.IsValid();
-    })) << GetLastError();
-    if (!start) return;
-    ASSERT_TRUE(InTheEnd([&] { return StartServiceW(service.Get(), 0, nullptr); })) << GetLastError();
+  // A running service that stops as `mode` says.
+  void Make(const char* mode) {
+    const WideString program = L"\"" + testing_files::Beside(L"PlayerService.exe") + L"\" ";
+    // The manager may still be at the deletion of the service before, or at the start of somebody else's.
+    DWORD code = 1;
+    for (const ULONGLONG begun = GetTickCount64(); code != 0 && GetTickCount64() - begun < 20000;) {
+      const KernelHandle installer = StartProcess(program + WidenAscii(mode) + L" -install");
+      WaitForSingleObject(installer.Get(), 20000);
+      GetExitCodeProcess(installer.Get(), &code);
+    }
+    service.Reset(OpenServiceA(manager.Get(), ToUtf8(kUpdateServiceName).c_str(), SERVICE_ALL_ACCESS));
     SERVICE_STATUS_PROCESS status = {};
     DWORD needed = 0;
     do {
@@ -134,26 +123,28 @@ using Sleeps = std::vector<DWORD>;
 }  // namespace
 
 TEST_F(ServiceControl, AnAbsentOrStoppedServiceIsStoppedWithoutAWord) {
-  for (const size_t calls : {2, 5}) {
-    EXPECT_TRUE(Stop());
-    EXPECT_EQ(g_calls, calls);
-    EXPECT_EQ(host.Reports(), Lines{});
-    if (!service) Make(L"", false);
-  }
+  EXPECT_TRUE(Stop());
+  EXPECT_EQ(g_calls, 2u);
+  EXPECT_EQ(host.Reports(), Lines{});
+  Make("at-once");
+  EXPECT_TRUE(Stop());
+  EXPECT_TRUE(Stop());
+  EXPECT_EQ(g_calls, 5u);
+  EXPECT_EQ(host.Reports(), Lines{});
 }
 
 TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
   struct Row {
-    const wchar_t* mode;
+    const char* mode;
     size_t endsAfter;  // sleeps; 0: by itself or not at all
     Lines reports;
     Sleeps sleeps;
   };
   const Row rows[] = {
-      {L"", 0, {"0 35"}, {}},
-      {L"late", 2, {"1 1744 serviceProc.dwCurrentState == SERVICE_STOPPED", "0 35"}, {5000, 5000}},
+      {"at-once", 0, {"0 35"}, {}},
+      {"late", 2, {"1 1744 serviceProc.dwCurrentState == SERVICE_STOPPED", "0 35"}, {5000, 5000}},
       // At 30,000 ms exactly the wait goes on; then the service counts as stopped.
-      {L"never", 0, {"1 1745 GetTickCount() - dwStartTime > dwTimeout"}, Sleeps(7, 5000)},
+      {"never", 0, {"1 1745 GetTickCount() - dwStartTime > dwTimeout"}, Sleeps(7, 5000)},
   };
   for (const Row& row : rows) {
     Make(row.mode);
@@ -165,7 +156,7 @@ TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
 }
 
 TEST_F(ServiceControl, AStopThatIsUnderWayIsWaitedForInSilence) {
-  Make(L"late");
+  Make("late");
   SERVICE_STATUS status = {};
   ASSERT_TRUE(g_control(service.Get(), SERVICE_CONTROL_STOP, &status));
   for (const size_t endsAfter : {0, 3}) {
@@ -189,7 +180,7 @@ TEST_F(ServiceControl, EachCallThatFailsHasItsReport) {
   };
   size_t failing = 0;
   for (const auto& [result, reports] : rows) {
-    Make(L"never");
+    Make("never");
     EXPECT_EQ(Stop(++failing), result) << failing;
     EXPECT_EQ(host.Reports(), reports) << failing;
     Unmake();
