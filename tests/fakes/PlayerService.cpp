@@ -4,9 +4,8 @@
 //   -install, -setSilentAutoUpdate, -setNotifyAutoUpdate
 //                      registers itself with the service manager and starts; as "late" or "never" with that ahead
 //   -uninstall         takes itself off the service manager
-// With a file <its path>.codes a test scripts it: it appends each switch to <its path>.switches, one a line, and gives
-// the exit code that the file has for it ("-switch 7", one a line), else 0; the code 1000 waits for the event of
-// PlayerService.h first.
+// With a file <its path>.codes it does nothing, and gives the exit code that the file has for the switch ("-switch 7",
+// one a line), else 0.
 #include "tests/fakes/PlayerService.h"
 
 #include <windows.h>
@@ -85,17 +84,12 @@ void Uninstall() {
   if (stopped && process) WaitForSingleObject(process.Get(), 20000);
 }
 
-int Scripted(std::ifstream codes, const std::string& path) {
-  std::ofstream(path + ".switches", std::ios::app) << g_word << "\n";
+int Scripted(std::ifstream codes) {
   std::string known;
-  int code = 0;
-  while (codes >> known >> code && known != g_word) code = 0;
-  if (!codes) return 0;
-  if (code == kPlayerServiceWaits) {
-    const KernelHandle release(OpenEventW(SYNCHRONIZE, FALSE, kPlayerServiceRelease));
-    WaitForSingleObject(release.Get(), 60000);
+  for (int code = 0; codes >> known >> code;) {
+    if (known == g_word) return code;
   }
-  return code;
+  return 0;
 }
 
 }  // namespace
@@ -107,7 +101,7 @@ int main(int count, char** arguments) {
   g_feedback = path.find("Feedback") != std::string::npos;
   if (count > 1) g_word = arguments[count - 1];
   if (!g_word.starts_with('-')) return Dispatch() ? 0 : 1;
-  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes), path);
+  if (std::ifstream codes(path + ".codes"); codes) return Scripted(std::move(codes));
   const bool installs = g_word == "-install" || g_word == "-setSilentAutoUpdate" || g_word == "-setNotifyAutoUpdate";
   // The word ahead may be a part of the program's own path, which comes unquoted.
   const std::string ahead = count > 2 ? arguments[count - 2] : "";
