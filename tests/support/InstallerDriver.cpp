@@ -5,6 +5,8 @@
 //   host ARGUMENTS   starts the host and waits for its window
 //   click ID         the mouse on the middle of a control; click-at X Y on a point of the window's inside
 //   focus ID         Tab until that control has the keyboard
+//   reach WORDS      Tab until a screen reader says the words of what has the keyboard, then the space bar
+//   hear WORDS       a screen reader says the words of a control that is shown
 //   key NAME         tab, space or enter
 //   see ID...        the controls that are shown are these
 //   title TEXT       the window is called this
@@ -28,6 +30,7 @@
 #include "engine/Handles.h"
 #include "engine/WideText.h"
 #include "tests/support/ScreenPicture.h"
+#include "tests/support/ScreenReader.h"
 
 namespace {
 
@@ -107,6 +110,8 @@ class Player {
     if (command == "double") return ClickControl(std::stoi(rest)) && ClickControl(std::stoi(rest));
     if (command == "click-at") return ClickAt(rest);
     if (command == "focus") return Focus(std::stoi(rest));
+    if (command == "reach") return Reach(rest);
+    if (command == "hear") return Await([&] { return IsHeard(rest); });
     if (command == "key") return Key(rest);
     if (command == "see") return Await([&] { return Shown() == Sorted(rest); });
     if (command == "title") return Await([&] { return Title() == rest; });
@@ -181,11 +186,28 @@ class Player {
     return GetGUIThreadInfo(host.thread, &info) ? info.hwndFocus : nullptr;
   }
   bool Focus(int id) {
+    return TabUntil([&](HWND control) { return control == Control(id); });
+  }
+  bool TabUntil(const std::function<bool(HWND)>& there) {
     for (int strokes = 0; strokes < 12; ++strokes) {
       const HWND before = Focused();
-      if (before != nullptr && before == Control(id)) return true;
+      if (before != nullptr && there(before)) return true;
       SendKey(VK_TAB);
       if (!Await([&] { return Focused() != before; })) return false;
+    }
+    return false;
+  }
+  // Who sees nothing knows where the keyboard is by what the reader says.
+  bool Reach(const std::string& words) {
+    return TabUntil([&](HWND control) {
+             const std::string spoken = Spoken(control);
+             return spoken.find(words) != std::string::npos && spoken.find(", focused") != std::string::npos;
+           }) &&
+           Key("space");
+  }
+  [[nodiscard]] bool IsHeard(const std::string& words) const {
+    for (HWND control = GetWindow(window, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT)) {
+      if (IsWindowVisible(control) && Spoken(control).find(words) != std::string::npos) return true;
     }
     return false;
   }
@@ -278,6 +300,7 @@ int wmain(int count, wchar_t** arguments) {
   const std::string own = "LumenDriver" + std::to_string(GetCurrentProcessId());
   const HDESK desktop = CreateDesktopA(own.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
   if (desktop == nullptr || !SetThreadDesktop(desktop) || GetDesktopWindow() == nullptr) return 3;
+  const ComInitializer com;
   Player player(arguments[1], ToUtf8(arguments[2]));
   std::ifstream script(ToUtf8(arguments[3]));
   if (!script) return 4;

@@ -327,6 +327,86 @@ TEST_F(Flow, ImpatientClicksAndPanelsOutOfTurn) {
   EXPECT_EQ(Active(), "failure");
 }
 
+// Every drawing object that the system gives one process, for as long as this lives.
+class NoMoreDrawingObjects {
+ public:
+  NoMoreDrawingObjects() {
+    while (HBRUSH brush = CreateSolidBrush(0)) taken.emplace_back(brush);
+  }
+  [[nodiscard]] size_t Count() const { return taken.size(); }
+
+ private:
+  std::vector<GdiObject> taken;
+};
+
+TEST_F(Flow, WithoutDrawingObjectsTheInstallGoesOnUnseen) {
+  for (const std::string from : {"the window", "the splash", "the bar", "the end"}) {
+    SCOPED_TRACE(from);
+    std::optional<NoMoreDrawingObjects> none;
+    const auto runOut = [&](const char* here) {
+      if (from != here) return;
+      none.emplace();
+      EXPECT_GT(none->Count(), 1000u);
+    };
+    runOut("the window");
+    Open(kOpenInstaller);
+    runOut("the splash");
+    InvalidateRect(window->handle, nullptr, FALSE);
+    driver::PumpInput(window->handle);
+    Post(control_id::FirstPanelButton, kClicked);
+    window->installerSplash->licenseCheckbox->checked = true;
+    Post(control_id::FirstPanelButton, kClicked);
+    Post(control_id::RightButton, kClicked);
+    EXPECT_EQ(Active(), "progress");
+    runOut("the bar");
+    ASSERT_TRUE(BarStops());
+    runOut("the end");
+    InvalidateRect(window->handle, nullptr, FALSE);
+    driver::PumpInput(window->handle);
+    Post(control_id::RightButton, kClicked);
+    EXPECT_EQ(Events(), (Lines{"Notify 2 0", "Notify 0 0"}));
+    Close();
+  }
+}
+
+// The window stands in pixels, whatever else changes: another display, another language, another place.
+TEST_F(Flow, ADisplayLanguageOrPlaceThatChangesDisturbsNothing) {
+  const auto disturb = [&] {
+    const HWND handle = window->handle;
+    RECT place = {}, suggested = {0, 0, 1500, 1000};
+    GetClientRect(handle, &place);
+    SetThreadLocale(MAKELCID(MAKELANGID(LANG_JAPANESE, SUBLANG_DEFAULT), SORT_DEFAULT));
+    SendMessageW(handle, WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&suggested));
+    SendMessageW(handle, WM_DISPLAYCHANGE, 32, MAKELPARAM(640, 480));
+    SendMessageW(handle, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"intl"));
+    SendMessageW(handle, WM_INPUTLANGCHANGE, 0, 0);
+    SendMessageW(handle, WM_SYSCOLORCHANGE, 0, 0);
+    ShowWindow(handle, SW_MINIMIZE);
+    ShowWindow(handle, SW_RESTORE);
+    for (const int where : {-32000, 32000, 40})
+      SetWindowPos(handle, nullptr, where, where, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    driver::PumpInput(handle);
+    RECT after = {};
+    GetClientRect(handle, &after);
+    EXPECT_TRUE(EqualRect(&place, &after)) << Active();
+  };
+  const LCID before = GetThreadLocale();
+  Open(kOpenInstaller);
+  disturb();
+  Click(*window->installerSplash->licenseLabel);
+  disturb();
+  Click(*window->rightButton);
+  EXPECT_EQ(Active(), "progress");
+  disturb();
+  ASSERT_TRUE(BarStops());
+  disturb();
+  Click(*window->rightButton);
+  EXPECT_EQ(Events(), (Lines{"Notify 2 0", "Notify 0 0"}));
+  Post(FailureEventId, kShowLastError);
+  disturb();
+  SetThreadLocale(before);
+}
+
 TEST_F(Flow, AWholeInstallByKeyboardAlone) {
   Open(kOpenInstaller);
   const HWND handle = window->handle;
