@@ -197,15 +197,15 @@ constexpr CodeRow kCodes[] = {
     {ReportCode::PayloadNotPermitted, 62, L"A file may not be written: ^"},
     {ReportCode::PayloadNotInstalled, 63, L"A file could not be put in its place: ^"},
     {ReportCode::PlayerInUse, 61, L"A program uses the player: ^"},
-    {ReportCode::PlayerNotRegistered, kNone, L"A player could not be registered: ^"},
-    {ReportCode::PlayerNotRemoved, kNone, L"Not every player could be removed; the log tells more."},
+    {ReportCode::PlayerNotRegistered, 171, L"A player could not be registered: ^"},
+    {ReportCode::PlayerNotRemoved, 172, L"Not every player could be removed; the log tells more."},
 };
 
 struct TextRow {
   uint32_t id;
   const wchar_t* text;
 };
-// 15 and 29 are in no string table of the module's: the window asks the host for them.
+// What a program without string tables says. The module's have neither 15, 29, 171 nor 172.
 constexpr TextRow kTexts[] = {
     {15, L"^%"},
     {29, L"Corva Lumen Player ^ Installer"},
@@ -227,6 +227,8 @@ constexpr TextRow kTexts[] = {
     {74, L"Please restart your system to complete the uninstallation process."},
     {78, L"You must run the Lumen Player uninstaller before installing this version of Lumen Player."},
     {79, L"The beta version that you are trying to install is not the most current one."},
+    {171, L"A player (^) could not be registered. Please run the installer again."},
+    {172, L"Not every player could be removed. Please close the programs that use them and try again."},
 };
 
 const CodeRow* FindCode(uint32_t code) {
