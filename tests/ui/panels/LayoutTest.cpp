@@ -115,4 +115,57 @@ TEST_F(Layout, AutoUpdate) {
   }
 }
 
+TEST_F(Layout, UpdateChoice) {
+  host.flags = host_flag::ReleasePlayer;
+  for (const int32_t w : kWidths) {
+    Install();
+    Widen(w);
+    ASSERT_TRUE(BarStops());
+    const auto& panel = *window->progressPanel;
+    EXPECT_EQ(panel.headingText->bounds, (Rect{97, 15, w - 20, 33})) << w;
+    EXPECT_EQ(panel.bodyText->bounds, (Rect{97, 40, w - 20, 93})) << w;
+    EXPECT_EQ(panel.learnMoreLink->bounds, Rect::Of(97, 60, w - 100, 40)) << w;
+    for (int32_t k = 0; k < 3; ++k) {
+      EXPECT_EQ(panel.radios[static_cast<size_t>(k)]->bounds, Rect::Of(97, 98 + 24 * k, 15, 15)) << w;
+      EXPECT_EQ(panel.radioLabels[static_cast<size_t>(k)]->bounds, (Rect{117, 98 + 24 * k, w - 20, 116 + 24 * k})) << w;
+    }
+    Close();
+  }
+}
+
+// A second line would lie on what stands below it, or outside the window.
+TEST_F(Layout, TextsWithRoomForOneLineTakeOneInEveryLanguage) {
+  host.flags = host_flag::ReleasePlayer;
+  const LCID before = GetThreadLocale();
+  for (const int language : {0x0409, 0x0405, 0x0407, 0x0C0A, 0x040C, 0x0410, 0x0411, 0x0412, 0x0413, 0x0415, 0x0416,
+                             0x0419, 0x041D, 0x041F, 0x0804, 0x0404}) {
+    SCOPED_TRACE(language);
+    SetThreadLocale(MAKELCID(static_cast<WORD>(language), SORT_DEFAULT));
+    Open(kOpenAutoUpdate);
+    EXPECT_EQ(window->autoUpdatePanel->headerText->Render(), 1);
+    Close();
+    Open(kOpenUninstaller);
+    EXPECT_EQ(window->uninstallerSplash->bodyText->Render(), 1);
+    Close();
+    Open(kOpenInstaller);
+    MTextArea& license = *window->installerSplash->licenseLabel;
+    license.bounds.right = window->rect.right;
+    EXPECT_EQ(license.Render(), 1);
+    Click(*window->installerSplash->licenseCheckbox);
+    for (MButton* const button : {window->leftButton.get(), window->rightButton.get()}) {
+      EXPECT_EQ(button->labelText->Render(), 1);
+    }
+    Click(*window->rightButton);
+    window->progressPanel->current = 98;
+    ASSERT_TRUE(BarStops());
+    const auto& panel = *window->progressPanel;
+    for (MTextArea* const text : {panel.headingText.get(), panel.bodyText.get(), panel.learnMoreLink.get(),
+                                  panel.radioLabels[0].get(), panel.radioLabels[1].get(), panel.radioLabels[2].get()}) {
+      EXPECT_EQ(text->Render(), 1) << TextOf(*text);
+    }
+    Close();
+  }
+  SetThreadLocale(before);
+}
+
 }  // namespace
