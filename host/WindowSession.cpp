@@ -43,7 +43,11 @@ int WindowSession::Run() {
   const ChangeLock lock;
   (void)session.module->LoadEngineLists();  // what is not there yet is reported, and not missed here
   MorphUI* const ui = session.module->CreateUI();
-  if (ui == nullptr) return static_cast<int>(End(HostExit::Failed, "there is no memory for a window"));
+  if (ui == nullptr || ui->window->handle == nullptr) {
+    // Without a window nobody could end the loop.
+    session.module->DestroyUI(nullptr, ui);
+    return static_cast<int>(End(HostExit::Failed, "the window could not be made"));
+  }
   ui->SetEventCallback(Notified, this);
   outcome = Refuse(lock);
   if (outcome) {
