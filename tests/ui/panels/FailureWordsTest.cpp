@@ -55,10 +55,7 @@ TEST(FailureWords, AreThoseOfTheNewestReport) {
     SCOPED_TRACE(row.words);
     ReferenceHost host(product_kind::ActiveX);
     host.resourceModule = LoadedModule();
-    auto* const start =
-        reinterpret_cast<decltype(&Start)>(reinterpret_cast<void*>(GetProcAddress(LoadedModule(), "Start")));
-    host.shim = start(&host);
-    ASSERT_NE(host.shim, nullptr);
+    ASSERT_NE(StartModule(&host), nullptr);
     MorphUI* const ui = host.shim->CreateUI();
     ASSERT_NE(ui, nullptr);
     const auto& window = *static_cast<MInstallerWindow*>(ui->window);
