@@ -67,9 +67,8 @@ class RecordingPlatform final : public WindowPlatform {
   void OpenUrl(const MString& url) override { log.push_back("open " + Text(url)); }
   void OpenSettingsApplet() override { log.emplace_back("settings"); }
 
-  WindowHandle focus = nullptr;
-
  private:
+  WindowHandle focus = nullptr;
   std::vector<WindowHandle> children;
   Lines& log;
 };
@@ -86,12 +85,11 @@ class RecordingWindow final : public MWindow {
     log.emplace_back(region == nullptr ? "focus none" : "focus region");
     PlaceFocus(region, showRing, nullptr);
   }
-  RecordingPlatform& Platform() { return static_cast<RecordingPlatform&>(*platform); }
-  // What was asked for since the last call, without repaints unless they are wanted.
-  Lines Take(bool withRepaints = false) {
+  // What was asked for since the last call, without repaints.
+  Lines Take() {
     Lines taken;
     taken.swap(log);
-    if (!withRepaints) std::erase_if(taken, [](const std::string& line) { return line.starts_with("invalidate"); });
+    std::erase_if(taken, [](const std::string& line) { return line.starts_with("invalidate"); });
     return taken;
   }
 
