@@ -29,7 +29,6 @@ struct Machine {
   WideString domain;
   DWORD userError = 0;
   DWORD domainError = 0;
-  DWORD askedSession = 0;  // whom the names were asked of
   int32_t allocations = 0;
   std::vector<uint32_t> draws;  // what the generator gives; it fails when it has run out
 };
@@ -66,10 +65,9 @@ inline BOOL WINAPI QueryState(HANDLE, DWORD id, WTS_INFO_CLASS what, char** out,
   return SetLastError(ERROR_ACCESS_DENIED), FALSE;
 }
 
-inline BOOL WINAPI QueryName(HANDLE, DWORD id, WTS_INFO_CLASS what, wchar_t** out, DWORD* bytes) {
+inline BOOL WINAPI QueryName(HANDLE, DWORD, WTS_INFO_CLASS what, wchar_t** out, DWORD* bytes) {
   const bool user = what == WTSUserName;
   const WideString& name = user ? g_machine.user : g_machine.domain;
-  g_machine.askedSession = id;
   *bytes = static_cast<DWORD>((name.size() + 1) * sizeof(wchar_t));
   *out = static_cast<wchar_t*>(Allocate(name.c_str(), *bytes));
   const DWORD error = user ? g_machine.userError : g_machine.domainError;

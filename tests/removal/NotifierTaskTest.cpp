@@ -97,23 +97,6 @@ TEST_F(StagedTask, SecurityThatIsSetAlreadyIsToldAndDoesNotStop) {
   EXPECT_EQ(TakeReports(), Lines{"1 1725 -2147417831"});
 }
 
-TEST_F(StagedTask, AnExistingTaskWithoutATriggerIsLeft) {
-  g_record.taskExists = true;
-  g_record.triggers = 0;
-  EXPECT_FALSE(Run(false, std::nullopt));
-  EXPECT_EQ(TakeReports(), Lines{"1 1176 0"});
-  EXPECT_EQ(g_record.calls.back(), "ITriggerCollection::get_Count");
-}
-
-TEST_F(StagedTask, WithoutRandomNumbersTheTaskStartsOnTheHour) {
-  EXPECT_TRUE(Create());
-  const std::string start = "IDailyTrigger::put_StartBoundary '2000-01-01T00:00:00Z'";
-  EXPECT_EQ(std::count(g_record.calls.begin(), g_record.calls.end(), start), 1);
-  UseOldSystem();
-  EXPECT_FALSE(Create());
-  EXPECT_EQ(TakeReports().back(), "1 1723 -2147467259");
-}
-
 // "1+ 4- 7?": an active session, one that is not, one whose state cannot be asked. "!": they cannot be listed.
 std::optional<std::vector<late_functions::Session>> Sessions(std::string_view text) {
   if (text == "!") return std::nullopt;
@@ -147,7 +130,7 @@ TEST_F(NotifierTaskTest, IsTheActiveUsersAsFarAsTheNameFits) {
       {"", u272, L"", 0, 0, "", "0 37 0, 1 36 0, 1 1747"},
   };
   for (const Row& row : rows) {
-    g_machine = {nullptr, Sessions(row.sessions), row.user, row.domain, row.userError, row.domainError, 0, 0, {}};
+    g_machine = {nullptr, Sessions(row.sessions), row.user, row.domain, row.userError, row.domainError, 0, {}};
     host.Forget();
     const NotifierTask task(MString(L"path"), MString(L"arguments"), &host);
     EXPECT_EQ(ToUtf8(task.userName), row.userName);

@@ -63,15 +63,6 @@ DWORD WINAPI Wait(HANDLE object, DWORD milliseconds) {
 
 }  // namespace
 
-TEST_F(RemovalFiles, WithoutPathsTheRestIsStillCleaned) {
-  for (const uint32_t kind : kAllKinds) {
-    SetText(GetReleaseTypeKey(kind), "x", "x");
-    EXPECT_FALSE(Remove(kind));
-    EXPECT_EQ(Codes(), (Lines{"1 1018", "1 1019", "1 1020", "1 1021"}));
-    EXPECT_FALSE(KeyExists(GetReleaseTypeKey(kind)));
-  }
-}
-
 TEST_F(RemovalFiles, WhatTheInventoryLacksTheRegistrationsTell) {
   const char* const files[] = {"LumenUtil.exe", "LumenUtil.dll", "np.dll"};
   for (const char* const file : files) (void)File(file);
@@ -87,32 +78,6 @@ TEST_F(RemovalFiles, WhatTheInventoryLacksTheRegistrationsTell) {
   EXPECT_FALSE(Remove(Plugin));
   EXPECT_EQ(Codes(), (Lines{"1 1018", "1 1020", "1 1021"}));
   EXPECT_FALSE(FileIsThere("np.dll"));
-}
-
-TEST_F(RemovalFiles, UninstallingAnswersForTheKindsOwnRegistration) {
-  EXPECT_FALSE(shim->UnregisterActiveXControl(0, L"")) << "there is none";
-  EXPECT_TRUE(shim->UninstallProduct(Pepper, L"", 0));
-  EXPECT_TRUE(shim->UninstallProduct(ActiveX, L"", 0)) << "nothing left is a success";
-  EXPECT_FALSE(shim->UninstallProduct(Plugin, L"", 0)) << "but not here";
-  EXPECT_TRUE(shim->RegisterPluginEntry(L"C:\\np.dll"));
-  EXPECT_TRUE(shim->UninstallProduct(Plugin, L"", 0));
-}
-
-TEST_F(RemovalFiles, ALockedSystemFileIsToldAndAnEmptyOneQueued) {
-  host.osClass = 2;
-  host.controlPanelAppletName = MString(L"applet.cpl");
-  for (const size_t size : {size_t{10}, size_t{0}}) {
-    const MString path = File("applet.cpl", size);
-    const FileHandle reader(
-        CreateFileW(path.Data(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_FALSE(Remove(Plugin));
-    Lines codes = Codes();
-    codes.erase(codes.begin(), codes.begin() + 4);  // no paths
-    EXPECT_EQ(codes, size > 0 ? (Lines{"1 1048", "0 20", "2 1048"}) : (Lines{"1 1048", "0 20", "1 1046", "2 1047"}));
-    EXPECT_TRUE(FileIsThere("applet.cpl"));
-  }
-  RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control\\Session Manager",
-                     L"PendingFileRenameOperations");
 }
 
 TEST_F(RemovalFiles, FilesGoByNameAndByPattern) {

@@ -122,17 +122,6 @@ using Sleeps = std::vector<DWORD>;
 
 }  // namespace
 
-TEST_F(ServiceControl, AnAbsentOrStoppedServiceIsStoppedWithoutAWord) {
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(g_calls, 2u);
-  EXPECT_EQ(host.Reports(), Lines{});
-  Make("at-once");
-  EXPECT_TRUE(Stop());
-  EXPECT_TRUE(Stop());
-  EXPECT_EQ(g_calls, 5u);
-  EXPECT_EQ(host.Reports(), Lines{});
-}
-
 TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
   struct Row {
     const char* mode;
@@ -152,17 +141,6 @@ TEST_F(ServiceControl, HowLongItTakesDecidesWhatIsTold) {
     EXPECT_EQ(host.Reports(), row.reports);
     EXPECT_EQ(g_sleeps, row.sleeps);
     Unmake();
-  }
-}
-
-TEST_F(ServiceControl, AStopThatIsUnderWayIsWaitedForInSilence) {
-  Make("late");
-  SERVICE_STATUS status = {};
-  ASSERT_TRUE(g_control(service.Get(), SERVICE_CONTROL_STOP, &status));
-  for (const size_t endsAfter : {0, 3}) {
-    EXPECT_TRUE(Stop(0, endsAfter));
-    EXPECT_EQ(g_sleeps, Sleeps(endsAfter == 0 ? 31 : 3, 1000));
-    EXPECT_EQ(host.Reports(), Lines{});
   }
 }
 
