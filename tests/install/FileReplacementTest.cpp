@@ -103,22 +103,6 @@ TEST_F(FileReplacement, FirstErrorsDecideHowFarItGoes) {
   }
 }
 
-TEST_F(FileReplacement, QueueingGoesOnWhenTheSystemCannotBeToldToAllowIt) {
-  const MString path = File("file.dll");
-  const std::string key = ToUtf8(kSessionManager);
-  FaultSteps faults;
-  const auto queue = [&] { ScheduleDeleteAtReboot(&host, path); };
-  EXPECT_EQ(faults.Run(1, queue, 32), (Lines{"create HKLM\\" + key, "queue " + Text(path)}));
-  EXPECT_TRUE(IsQueued(path));
-  EXPECT_EQ(host.Reports(), Lines{"1 1035 " + key + "/AllowProtectedRenames20"});
-  Unqueue();
-  host.Forget();
-  EXPECT_EQ(faults.Run(3, queue, 32).size(), 3u);
-  EXPECT_FALSE(IsQueued(path));
-  EXPECT_EQ(host.Reports(), Lines{"1 1045 " + Text(path) + " 32"});
-  EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "AllowProtectedRenames"), 1u);
-}
-
 TEST_F(FileReplacement, LockedMeansReadableAndNotWritable) {
   const MString path = File("applet.cpl", 3);
   const MString empty = File("empty.cpl", 0);

@@ -4,18 +4,6 @@
 #include "engine/ProductKeys.h"
 #include "tests/install/InstallFixture.h"
 
-TEST_F(InstallFixture, InstalledVersionHasAStateForEachKind) {
-  for (const uint32_t kind : kAllKinds) {
-    host.Forget();
-    EXPECT_EQ(shim->GetInstalledVersionState(kind), 0u);
-    EXPECT_EQ(host.Reports(), Lines{"1 1036 " + GetProductKey(kind) + "/Version 2"});
-    SetText(GetProductKey(kind), "Version", "28.0.0.126");
-    EXPECT_EQ(shim->GetInstalledVersionState(kind), 2u);
-    SetNumber(GetProductKey(kind), "Version", 29);
-    EXPECT_EQ(shim->GetInstalledVersionState(kind), 0u) << "a number is no version";
-  }
-}
-
 TEST_F(InstallFixture, ReleaseTypeIsJudgedByTheLastKindNamed) {
   EXPECT_TRUE(shim->ReleaseTypeMatches(8 | 16 | 32768, 7)) << "nothing is installed";
   SetNumber(kMachinePlayer + "ActiveXReleaseType", "Release", 1);
@@ -58,19 +46,5 @@ TEST_F(InstallFixture, InstallIsRefusedByReleaseTypeAndByVersion) {
     uint32_t code = 5;
     EXPECT_EQ(shim->CheckInstallAllowed(row.kinds, &code, row.mode), row.allowed) << row.why;
     EXPECT_EQ(code, row.code) << row.why;
-  }
-}
-
-// That a failure of each alone counts, or does not, is shown where a kind is removed.
-TEST_F(InstallFixture, CleanUpGoesOnPastWhatIsMissing) {
-  for (const uint32_t kind : kAllKinds) {
-    host.Forget();
-    EXPECT_FALSE(CleanRegistry(&host, kind));
-    const std::string last = kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind);
-    EXPECT_EQ(host.Reports(),
-              (Lines{"1 1037 Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce/LumenPlayerUpdate 2",
-                     "1 1037 " + GetProductKey(kind) + "/ 2", "1 1037 " + kMachinePlayer + "/LumenPlayerVersion 2",
-                     "1 1037 " + kMachinePlayer + "/TwlInstall 2", "1 1037 " + GetReleaseTypeKey(kind) + "/ 2",
-                     "1 1037 " + last + "/ 2"}));
   }
 }

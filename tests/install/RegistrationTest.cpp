@@ -1,18 +1,12 @@
 // What registering a kind leaves on the machine, and what still runs when any one of its steps fails.
 #include "install/Registration.h"
 
-#include <deque>
-
-#include "install/ControlRegistration.h"
 #include "tests/install/InstallFixture.h"
 #include "tests/support/CountFixture.h"
 #include "tests/support/FaultSteps.h"
-#include "tests/support/ImportHook.h"
 #include "tests/support/RegistrySnapshot.h"
 
 namespace {
-
-const std::string kUninstall = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Corva Lumen Player ";
 
 class Registration : public InstallFixture {
  protected:
@@ -27,24 +21,10 @@ class Registration : public InstallFixture {
       (shim->*add)(L"LumenPlayerApp.exe");
     }
   }
-  bool Register(const KindRow& row, uint8_t writeUninstallEntry = 1) {
-    return shim->RegisterProduct(row.kind, PathOf(row.player), PathOf("LumenUtil.exe"), L"", writeUninstallEntry);
+  bool Register(const KindRow& row) {
+    return shim->RegisterProduct(row.kind, PathOf(row.player), PathOf("LumenUtil.exe"), L"", 1);
   }
 };
-
-// Answers of DllRegisterServer that a real control rarely gives.
-std::deque<HRESULT> g_answers;
-
-HRESULT WINAPI AnswerNext() {
-  const HRESULT answer = g_answers.empty() ? E_UNEXPECTED : g_answers.front();
-  if (!g_answers.empty()) g_answers.pop_front();
-  return answer;
-}
-
-FARPROC WINAPI FindScripted(HMODULE /*module*/, LPCSTR name) {
-  const bool wanted = std::string_view(name) == "DllRegisterServer";
-  return wanted ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&AnswerNext)) : nullptr;
-}
 
 }  // namespace
 
@@ -106,56 +86,8 @@ TEST_F(Registration, AnyStepMayFailAndEndsItsOwnSeriesOnly) {
   }
 }
 
-TEST_F(InstallFixture, DebuggersPackagesAndAMissingPayloadShow) {
-  struct {
-    uint32_t flags, source, debugger, msi;
-  } const rows[] = {{1024, 2, 0, 1}, {16, 4, 1, 0}};
-  const std::string key = kMachinePlayer + "Plugin";
-  for (const auto& row : rows) {
-    host.flags = row.flags;
-    host.installSource = row.source;
-    EXPECT_TRUE(shim->RegisterProduct(product_kind::Plugin, L"C:\\p.dll", L"C:\\u.exe", L"", 0));
-    EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "isScriptDebugger"), row.debugger);
-    EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, key.c_str(), "isMSI"), row.msi);
-  }
-  EXPECT_FALSE(KeyExists(kUninstall + "NPAPI")) << "not asked for";
-  EXPECT_TRUE(WriteUninstallEntry(shim, product_kind::Pepper, L"C:\\u.exe"));
-  EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, (kUninstall + "PPAPI").c_str(), "EstimatedSize"), 18432u);
-}
-
-TEST_F(InstallFixture, PluginPathIsReadBesideTheEntryAndNotInIt) {
-  EXPECT_TRUE(shim->RegisterPluginEntry(L"C:\\np.dll"));
-  EXPECT_FALSE(ReadPluginPath(&host)) << "no value that registration writes";
-  EXPECT_EQ(host.Reports(), Lines{"1 1036 SOFTWARE\\MozillaPlugins\\@corva.example/LumenPlayer/ 2"});
-  SetText("SOFTWARE\\MozillaPlugins", "@corva.example/LumenPlayer", "C:\\other\\np.dll");
-  const auto path = ReadPluginPath(&host);
-  EXPECT_EQ(path ? Text(*path) : "(none)", "C:\\other\\np.dll");
-}
-
 TEST_F(InstallFixture, ImageOptionsNeverGoAllAtOnce) {
   SetNumber(kImageOptions + "LumenPlayerApp.exe", "x", 1);
   EXPECT_FALSE(DeleteImageExecutionKey(&host, L""));
   EXPECT_TRUE(KeyExists(kImageOptions + "LumenPlayerApp.exe"));
-}
-
-TEST_F(InstallFixture, RefusedRegistrationIsTriedOnceMoreAfterThePlayersStopped) {
-  const MString control = Player("LumenPlayer.ocx");
-  const std::string path = Text(control);
-  struct {
-    std::deque<HRESULT> answers;
-    bool result;
-    Lines reports;
-  } const rows[] = {
-      {{S_FALSE}, true, {}},
-      {{E_FAIL, S_OK}, true, {"1 1032 " + path + " 80004005", "0 18"}},
-      {{E_FAIL, E_ACCESSDENIED, S_OK}, false, {"1 1032 " + path + " 80004005", "0 18", "2 1032 " + path + " 80070005"}},
-  };
-  for (const auto& row : rows) {
-    host.Forget();
-    g_answers = row.answers;
-    const ImportHook find(GetModuleHandleW(nullptr), "GetProcAddress", &FindScripted);
-    EXPECT_EQ(RegisterControl(shim, control), row.result);
-    EXPECT_EQ(host.Reports(), row.reports);
-    EXPECT_EQ(g_answers.size(), row.answers.size() > 2 ? 1u : 0u) << "never a third time";
-  }
 }

@@ -5,9 +5,6 @@
 
 #include <utility>
 
-#include "install/PluginDirectoryText.h"
-#include "tests/support/Texts.h"
-
 namespace {
 
 TEST(VersionNumbers, FirstPairThatDiffersDecides) {
@@ -34,19 +31,6 @@ TEST(VersionNumbers, InstalledVersionsAreOlderTheSameOrNewer) {
       {L"29", InstalledState::Newer},
   };
   for (const auto& [text, state] : rows) EXPECT_EQ(StateOfVersion(text), state) << ToUtf8(text);
-}
-
-TEST(PluginDirectoryText, ProgramsStandForADirectoryBesideThem) {
-  const std::pair<const wchar_t*, const char*> rows[] = {
-      {L"C:\\Opera\\opera.exe", "C:\\Opera\\Program\\Plugins"},
-      {L"opera.exe", "opera.exe\\Program\\Plugins"},  // no directory to cut the name from
-      {L"\\Plugins", "\\Plugins"},
-      {L"C:\\Opera\\opera.exe /mail", "(none)"},
-  };
-  for (const auto& [text, directory] : rows) {
-    const auto found = PluginDirectoryFrom(text);
-    EXPECT_EQ(found ? Text(*found) : "(none)", directory) << ToUtf8(text);
-  }
 }
 
 }  // namespace
