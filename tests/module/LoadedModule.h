@@ -44,7 +44,6 @@ class TestValue {
   TestValue& operator=(const TestValue&) = delete;
   ~TestValue() { Delete(); }
 
-  void SetNumber(uint32_t number) { RegSetKeyValueW(root, key, name, REG_DWORD, &number, sizeof(number)); }
   void SetText(const wchar_t* text) {
     RegSetKeyValueW(root, key, name, REG_SZ, text, static_cast<DWORD>((WideView(text).size() + 1) * sizeof(wchar_t)));
   }

@@ -1,9 +1,6 @@
-// The loaded module as a host drives it: start, lists, directory listings, texts, its services.
-#include <utility>
-
+// The loaded module as a host drives it: start, lists, directory listings, its services.
 #include "engine/InstallEngine.h"
 #include "tests/module/LoadedModule.h"
-#include "tests/support/ImportHook.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
@@ -21,10 +18,10 @@ constexpr char kAllLists[] =
 class EngineLists : public ModuleFixture {
  protected:
   EngineLists() {
-    testing_files::WriteWhole(system->Path() + L"\\Lumen28.ocx", "x");
+    testing_files::WriteWhole(system.Path() + L"\\Lumen28.ocx", "x");
     testing_files::MakeDirectories(product.Path() + L"\\addon1");
   }
-  std::optional<testing_files::CleanDirectory> system{kSystemPlayer};
+  testing_files::CleanDirectory system{kSystemPlayer};
   testing_files::CleanDirectory product{testing_files::PlayerDirectory() + L"\\corva.example\\bin"};
 };
 
@@ -72,71 +69,6 @@ TEST_F(EngineLists, AllSettingsListingsAndExtraFilesAreRead) {
   for (const auto& [list, keys] : rows) EXPECT_EQ(Keys(list), keys);
   EXPECT_TRUE(shim->LoadEngineLists());
   EXPECT_EQ(Keys(shim->GetAXFilenames()), (Lines{"a.ocx", "a.ocx"})) << "quirk: a second load doubles the lists";
-}
-
-TEST_F(EngineLists, OnlySomeMissingSettingsMakeItFalseAndTheRestIsStillRead) {
-  for (const std::string missing :
-       {"AddRemoveProgramsGUIDsAX ", "AddRemoveProgramsGUIDsPlugin ", "AddRemoveProgramsGUIDsPepper ", "FilenamesAX ",
-        "FilenamesPlugin ", "AddRemoveProgramsGUIDsAXSelf", "AddRemoveProgramsGUIDsPluginSelf",
-        "AddRemoveProgramsGUIDsPepperSelf", "AXFilenamePatterns", "PluginFilenamePatterns", "PepperFilenamePatterns",
-        "ProductManagerDirectoryPatterns"}) {
-    RecordingHost own;
-    std::string text = kAllLists;
-    text.insert(text.find(missing), "Not");  // renames the setting
-    own.UseSettings(WidenAscii(text).c_str());
-    shim->host = &own;
-    EXPECT_EQ(shim->LoadEngineLists(), missing.ends_with("Self")) << missing;
-    EXPECT_EQ(own.Reports(), Lines{}) << missing;
-    shim->host = &host;
-  }
-  // Read in the rounds after it was missing: every list has grown in eleven of twelve rounds.
-  EXPECT_EQ(shim->GetEngine()->pepperPatterns.Count(), 11);
-  EXPECT_EQ(shim->GetEngine()->productManagerPatterns.Count(), 11);
-}
-
-TEST_F(EngineLists, AnUnlistableDirectoryIsReportedAndTheOtherIsStillListed) {
-  system.reset();
-  host.UseSettings(WidenAscii(kAllLists).c_str());
-  EXPECT_FALSE(shim->LoadEngineLists());
-  EXPECT_EQ(host.Reports(), Lines{"1 1113 C:\\windows\\system32\\Halcyons\\Lumen\\ 3"});
-  EXPECT_EQ(Keys(shim->GetProductManagerEntries()), (Lines{"..", "addon1"}));
-}
-
-TEST_F(EngineLists, AnUnknownProductDirectoryIsNotTakenForTheRootOfTheDrive) {
-  const ImportHook noFolders(
-      LoadedModule(), "SHGetFolderPathW", +[](HWND, int, HANDLE, DWORD, LPWSTR) -> HRESULT { return E_FAIL; });
-  host.UseSettings(WidenAscii(kAllLists).c_str());
-  EXPECT_FALSE(shim->LoadEngineLists());
-  EXPECT_EQ(shim->GetProductManagerEntries()->Count(), 0);
-  EXPECT_EQ(Keys(&shim->GetEngine()->systemEntries), (Lines{"..", "Lumen28.ocx"}));
-  EXPECT_EQ(host.Reports(), Lines{"1 1113  3"});
-}
-
-TEST_F(ModuleFixture, WithoutAnEngineOperationsFailCleanly) {
-  InstallEngine* const engine = std::exchange(shim->engine, nullptr);
-  EXPECT_EQ(shim->GetEngine(), nullptr);
-  EXPECT_EQ(shim->GetExtraPepperFiles(), nullptr);
-  EXPECT_FALSE(shim->AddExtraPluginFile(MString(L"p")));
-  EXPECT_FALSE(shim->LoadEngineLists());
-  shim->engine = engine;
-}
-
-TEST_F(ModuleFixture, TextsComeFromTheResourcesOrTheHostOrSayThatTheyAreMissing) {
-  // No module of texts is given, so the test program's own is asked, which has none.
-  MString text;
-  EXPECT_EQ(shim->LoadString(&text, 30, 0), &text);
-  EXPECT_EQ(ToUtf8(text.View()), "MISSING LOCALIZATION");
-  EXPECT_EQ(host.events, Lines{});
-  host.fallbackTexts[30] = MString(L"from the host");
-  EXPECT_EQ(shim->LoadString(&text, 30, 1), &text);
-  EXPECT_EQ(ToUtf8(text.View()), "from the host");
-  EXPECT_EQ(host.events, Lines{"LoadStringFallback 30 0"});
-}
-
-TEST_F(ModuleFixture, RunBrokerEndsWithTheExitCodeOfTheQuitMessage) {
-  PostQuitMessage(7);
-  EXPECT_EQ(shim->RunBroker(), 7u);
-  EXPECT_EQ(host.Reports(), Lines{});
 }
 
 TEST_F(EngineLists, AReleasePlayerKeepsItsUpdateServiceAndAnotherPlayersGoes) {

@@ -2,19 +2,15 @@
 #include <set>
 
 #include "tests/module/LoadedModule.h"
-#include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
-#include "tests/support/TestFiles.h"
 
 namespace {
 
 constexpr char kBrowser[] = "c:\\Program Files\\Internet Explorer\\iexplore.exe";
 constexpr char kBrowserX86[] = "c:\\Program Files (x86)\\Internet Explorer\\iexplore.exe";
-constexpr wchar_t kApplet[] = L"C:\\windows\\SysWOW64\\LumenPlayerCPLApp.cpl";
 
 Lines g_opened;
 std::set<std::string> g_refused;  // files that the shell stand-in cannot open
-Lines g_started;
 HWND g_window = nullptr;
 
 HINSTANCE WINAPI Open(HWND window, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory, INT show) {
@@ -25,13 +21,6 @@ HINSTANCE WINAPI Open(HWND window, LPCWSTR verb, LPCWSTR file, LPCWSTR parameter
   g_opened.push_back(line);
   // 32 is the highest answer that is a failure.
   return reinterpret_cast<HINSTANCE>(static_cast<INT_PTR>(g_refused.count(ToUtf8(file)) != 0 ? 32 : 33));
-}
-
-BOOL WINAPI StartProcess(LPCWSTR, LPWSTR command, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL inherit, DWORD,
-                         LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION started) {
-  g_started.push_back(ToUtf8(command) + (inherit ? " inheriting" : ""));
-  *started = {CreateEventW(nullptr, TRUE, FALSE, nullptr), CreateEventW(nullptr, TRUE, FALSE, nullptr), 1, 2};
-  return TRUE;
 }
 
 }  // namespace
@@ -65,29 +54,4 @@ TEST_F(ModuleFixture, TheBrowserFollowsTheSelectedProduct) {
   }
   (void)shim->OpenUrl(GetDesktopWindow(), MString(L"u"));
   EXPECT_EQ(g_window, GetDesktopWindow());
-}
-
-TEST_F(ModuleFixture, TheExpressAddressIsTheFirstValueOfItsSetting) {
-  const ImportHook shell(LoadedModule(), "ShellExecuteW", &Open);
-  g_opened.clear();
-  g_refused.clear();
-  host.UseSettings(L"ExpressInstallURL;");
-  EXPECT_FALSE(shim->OpenExpressInstallUrl(nullptr));
-  host.UseSettings(L"ExpressInstallURL https://get.corva.example/a https://get.corva.example/b;");
-  EXPECT_TRUE(shim->OpenExpressInstallUrl(nullptr));
-  EXPECT_EQ(g_opened, Lines{"https://get.corva.example/a"});
-}
-
-TEST_F(ModuleFixture, QuirkTheAppletAnswersFalseEvenWhenItStarted) {
-  const ImportHook process(LoadedModule(), "CreateProcessW", &StartProcess);
-  g_started.clear();
-  DeleteFileW(kApplet);
-  EXPECT_FALSE(shim->OpenControlPanelApplet());
-  EXPECT_EQ(g_started, Lines{});
-  testing_files::WriteWhole(kApplet, "x");
-  const DWORD before = counts::KernelHandles();
-  EXPECT_FALSE(shim->OpenControlPanelApplet());
-  EXPECT_EQ(counts::KernelHandles(), before) << "the process's handles stayed open";
-  EXPECT_EQ(g_started, Lines{"control.exe C:\\windows\\SysWOW64\\LumenPlayerCPLApp.cpl"});
-  EXPECT_TRUE(DeleteFileW(kApplet));
 }
