@@ -9,7 +9,6 @@
 
 #include "engine/DllHelpers.h"
 #include "engine/ProductKeys.h"
-#include "engine/ProductKind.h"
 #include "engine/Registry.h"
 #include "tests/support/Texts.h"
 
@@ -55,30 +54,6 @@ TEST_F(UpdateMarks, AnUpdateIsStoredAndRunAtTheNextLogonUnlessItWasRejected) {
   EXPECT_EQ(Value(kRunOnceKey, kMark), "(none)");
   EXPECT_TRUE(MarkAutoUpdaterForRun("<update version=\"30.0\">", "C:\\u.exe"));
   EXPECT_EQ(Value(kUpdateKey, "description"), "<update version=\"30.0\">");
-}
-
-TEST_F(UpdateMarks, RemovalTakesTheMarksOfOneKindAndGoesOn) {
-  for (const uint32_t kind : {product_kind::ActiveX, product_kind::Plugin, product_kind::Pepper}) {
-    const std::tuple<HKEY, std::string, const char*> values[] = {
-        {HKEY_CURRENT_USER, GetProductKey(kind), ""},
-        {HKEY_CURRENT_USER, kPlayerKey, "LumenPlayerVersion"},
-        {HKEY_CURRENT_USER, kPlayerKey, "TwlInstall"},
-        {HKEY_LOCAL_MACHINE, GetProductKey(kind), ""},
-        {HKEY_LOCAL_MACHINE, kind == product_kind::ActiveX ? kDistributionUnitKey : GetOldUninstallKey(kind), ""},
-        {HKEY_CURRENT_USER, kRunOnceKey, kMark}};
-    for (const bool whole : {false, true}) {
-      const auto last = std::end(values) - (whole ? 0 : 1);  // without it nothing runs at the next logon
-      for (auto at = values; at != last; ++at) {
-        const auto& [root, key, name] = *at;
-        EXPECT_EQ(WriteText(CreateKey(root, key.c_str(), KEY_ALL_ACCESS).Get(), name, "x"), 0);
-      }
-      EXPECT_EQ(RemoveUpdateMarks(kind), whole) << kind;
-      for (const auto& [root, key, name] : values) EXPECT_FALSE(ReadText(root, key.c_str(), name)) << key << name;
-    }
-  }
-  CreateKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_ALL_ACCESS).Reset();
-  RemoveSafeVersions();
-  EXPECT_FALSE(OpenKey(HKEY_LOCAL_MACHINE, kSafeVersionsKey, KEY_READ));
 }
 
 }  // namespace

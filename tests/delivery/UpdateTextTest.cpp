@@ -24,15 +24,4 @@ TEST(UpdateText, BlocksAndVersions) {
             "a='b' \"c\" 'd' e f &amp;quot;");
 }
 
-// Each of these took time by the square of its length.
-TEST(UpdateText, ATextOfAMegabyteIsGoneThroughOnce) {
-  for (const std::string unit : {"<", "<update ", "version ", "&nbsp;"}) {
-    std::string text = "<update ";
-    while (text.size() < 4'000'000) text += unit;
-    EXPECT_FALSE(ExtractUpdateVersion(text));
-    EXPECT_FALSE(ExtractUpdateVersion(text + ">"));
-    EXPECT_LE(DecodeMetaBlock(text).size(), text.size());
-  }
-}
-
 }  // namespace

@@ -25,16 +25,3 @@ TEST(MStringList, KeepsOrderAndLinksBothWays) {
   EXPECT_EQ(Text(ends[0]->value) + Text(ends[0]->next->value), "aB") << "a plain text stands as key and value";
   EXPECT_EQ(ends[1]->previous->previous, ends[0]);
 }
-
-TEST(MStringList, ContainsComparesWholeTextsOrTakesEntriesAsPrefixes) {
-  MStringList list;
-  EXPECT_FALSE(list.Contains(MString(L""), true));
-  list.Add(MString(L"Lumen"), MString(L"not looked at"));
-  list.Add(MString(L"other"));
-  const std::tuple<const wchar_t*, bool, bool> rows[] = {
-      {L"Lumen", true, true}, {L"Lumen28.ocx", false, true}, {L"Lum", false, false}, {L"lumen", false, false}};
-  for (const auto& [text, whole, prefix] : rows) {
-    EXPECT_EQ(list.Contains(MString(text)), whole) << Text(text);
-    EXPECT_EQ(list.Contains(MString(text), true), prefix) << Text(text);
-  }
-}

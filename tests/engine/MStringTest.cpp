@@ -1,4 +1,4 @@
-// The shared text type: construction, the seam of paths, cuts and scans, and who sees whose changes.
+// The shared text type: construction, the seam of paths, scans, and who sees whose changes.
 #include "engine/MString.h"
 
 #include <gtest/gtest.h>
@@ -52,15 +52,6 @@ TEST(MString, QuirkNarrowTextIsDecodedFromLeadBytesAlone) {
   EXPECT_STREQ(MString().Narrow().get(), "");
 }
 
-TEST(MString, NumbersAreWrittenAndLettersLowered) {
-  const std::pair<MString, const char*> rows[] = {{MString::FromNumber(-7, 10, 3), "-007"},
-                                                  {MString::FromNumber(0, 16, 0), "0"},
-                                                  {CutText(L"XAZ@[", 1).ToLower(), "az@["},
-                                                  {MString(L"\u00c9\u0391a").ToLower(), "\u00c9\u0391a"}};
-  for (const auto& [made, text] : rows) EXPECT_EQ(Text(made), text);
-  EXPECT_EQ(MString::FromNumber(-1, 10, 1000).Length(), 65);
-}
-
 TEST(MString, AppendLeavesOtherHoldersAlone) {
   MString text(L"ab");
   const MString holder = text;
@@ -97,14 +88,6 @@ TEST(MString, QuirkAppendPathJudgesTheSeamByTheBlocks) {
   }
 }
 
-TEST(MString, Replace) {
-  const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*, const char*> rows[] = {
-      {L"a^b^", L"^", L"<^>", "a<^>b<^>"}, {L"aab", L"ab", L"", "a"}, {L"", L"x", L"y", ""}, {L"a", L"", L"y", "a"}};
-  for (const auto& [source, from, to, result] : rows) {
-    EXPECT_EQ(Text(MString::Replace(MString(source), MString(from), MString(to))), result) << Text(source);
-  }
-}
-
 TEST(MString, Scans) {
   constexpr auto kMember = ScanSense::StopAtMember, kOutsider = ScanSense::StopAtOutsider;
   using Row = std::tuple<const wchar_t*, const char*, ScanSense, const char*, const char*>;
@@ -129,18 +112,6 @@ TEST(MString, Scans) {
   for (const Row& row : forwards) check(row, &MString::SpanUntil, &MString::TakeUntil);
   for (const Row& row : backwards) check(row, &MString::TailFrom, &MString::CutTail);
   EXPECT_EQ(MString().TakeUntil("=").Length(), 0);
-}
-
-TEST(MString, TakeCutsNoMoreThanThereIsAndCopiesKeepTheirOwnView) {
-  MString text(L"abc");
-  MString copy = text;
-  for (const auto& [units, taken] : {std::pair(1, "a"), {0, ""}, {-1, ""}, {99, "bc"}, {1, ""}}) {
-    EXPECT_EQ(Text(text.Take(units)), taken) << units;
-  }
-  const MString& same = copy;
-  copy = same;  // the block survives its only other holder going first
-  text = MString(L"other");
-  EXPECT_EQ(Text(MString(std::move(copy))), "abc");
 }
 
 TEST(MString, BlockHasTheLayoutThatModulesShare) {

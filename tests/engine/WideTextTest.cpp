@@ -21,12 +21,3 @@ TEST(WideText, Utf8RoundTripsAndMalformedBytesBecomeReplacements) {
   }
   EXPECT_EQ(ToUtf8(L"\xD83Dz\xDE00\xD83D\xD83D\xDE00"), "\xEF\xBF\xBDz\xEF\xBF\xBD\xEF\xBF\xBD\xF0\x9F\x98\x80");
 }
-
-TEST(WideText, TraitsOrderByUnsignedUnitAndMoveOverlaps) {
-  EXPECT_LT(WideView(L"a"), WideView(L"\xFFFF"));
-  EXPECT_EQ(WideView(L"xaab").find(L"ab"), 2u);
-  WideString text(L"0123456789");
-  text.insert(2, text, 0, 5);  // moves overlapping units up
-  text.erase(0, 3);
-  EXPECT_EQ(text, WideView(L"123423456789"));
-}

@@ -64,12 +64,4 @@ TEST_F(FileManager, MakesMeasuresListsExpiresAndDeletesATree) {
   EXPECT_FALSE(testing_files::Exists(tree.Path()));
 }
 
-TEST_F(FileManager, LocationsAreFoundOnceAndKept) {
-  const std::string roaming = ToUtf8(FolderPath(ShellFolder::RoamingAppData).value_or(L""));
-  const char* const first = manager.GetPlayerDataPath();
-  EXPECT_EQ(first, roaming + "\\Halcyonics\\Lumen Player");
-  EXPECT_EQ(SASM::WindowsFileManager().GetPlayerDataPath(), first);
-  EXPECT_EQ(manager.GetPrivateDataPath(), roaming + "\\Corva\\Lumen Player\\CPSPrivateData2");
-}
-
 }  // namespace
