@@ -15,7 +15,6 @@
 #include "tests/support/DialogDriver.h"
 #include "tests/support/FilterText.h"
 #include "tests/support/TestDesktop.h"
-#include "tests/support/TestPrinter.h"
 
 namespace {
 
@@ -211,39 +210,6 @@ TEST_F(Dialogs, SavingMakesTheFileAtTheFirstSeekAsWellAndNotByClosing) {
   EXPECT_EQ(broker->BrokerWriteFile(cookie, ByteArray("ab").Get(), &count), S_OK);
   EXPECT_EQ(broker->BrokerCloseHandle(cookie), S_OK);
   EXPECT_EQ(ReadWhole(In(L"one.txt")), std::string("\0\0ab", 4)) << "made anew, not opened";
-}
-
-TEST_F(Dialogs, TheCommandLineOpensAndSavesFromAnInstalledFolder) {
-  const WideString program = kTrusted + L"\\lumenctl.exe";
-  ASSERT_TRUE(CopyFileW((broker_process::BuildFolder() + L"\\bin\\lumenctl.exe").c_str(), program.c_str(), FALSE));
-  std::string said;
-  const auto run = [&](const DialogDriver::Act& act, const WideString& arguments) {
-    return With(act, [&] { return broker_process::RunToEnd(L"\"" + program + L"\" " + arguments, &said); });
-  };
-  EXPECT_EQ(run(Choose(L"\"" + In(L"one.txt") + L"\" \"" + In(L"two.txt") + L"\""),
-                L"open-dialog Texts *.txt All *.* --multiple"),
-            0u);
-  EXPECT_NE(said.find("C:\\lumen dialogs\\one.txt\nC:\\lumen dialogs\\two.txt\n"), std::string::npos) << said;
-  EXPECT_EQ(run(Choose(In(L"saved.txt")), L"save-dialog --name a.txt --text hello --json"), 0u);
-  EXPECT_NE(said.find("{\"path\":\"C:\\\\lumen dialogs\\\\saved.txt\"}"), std::string::npos) << said;
-  EXPECT_EQ(ReadWhole(In(L"saved.txt")), "hello");
-}
-
-TEST_F(Dialogs, PrintGivesADeviceContextOfThePrinter) {
-  ASSERT_EQ(test_printer::Install(WidenAscii(LUMEN_SOURCE_DIR "/tests/data/test-printer.ppd"), L"/dev/null"), 0u);
-  ULONG from = 2, to = 7, flags = PD_RETURNDC | PD_ALLPAGES, dc = 0, value = 0;
-  const auto print = [&] { return broker->BrokerPrintDialog(0, &from, &to, &flags, &dc); };
-  EXPECT_EQ(With(Cancel, print), E_FAIL);
-  EXPECT_EQ(dc, 0u);
-  EXPECT_EQ(With([](DialogDriver& user) { user.Press(IDOK); }, print), S_OK);
-  EXPECT_EQ(from, 2u);
-  EXPECT_EQ(to, 7u);
-  EXPECT_EQ(broker->BrokerGetDeviceCaps(dc, TECHNOLOGY, &value), S_OK);
-  EXPECT_EQ(value, static_cast<ULONG>(DT_RASPRINTER));
-  for (const ULONG gone : {1u, 0u}) {
-    EXPECT_EQ(broker->BrokerDeleteDC(dc, &value), S_OK) << "the result is in the argument";
-    EXPECT_EQ(value, gone);
-  }
 }
 
 }  // namespace
