@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <shlwapi.h>
 
-#include "engine/DllHelpers.h"
 #include "engine/Registry.h"
 #include "tests/support/StartProcess.h"
 #include "tests/support/TestFiles.h"

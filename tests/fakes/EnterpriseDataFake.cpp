@@ -16,10 +16,6 @@ namespace {
 
 EnterpriseControls g_controls;
 
-bool Fails(int step) {
-  return g_controls.fails == step;
-}
-
 template <class Function>
 Function* Runtime(const char* name) {
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"combase.dll"), name)));
@@ -34,24 +30,22 @@ struct Info final : SlotFake<IFileProtectionInfo> {
   Info() {
     On(&IFileProtectionInfo::get_Status, [](void*, ProtectionStatus* status) -> HRESULT {
       *status = static_cast<ProtectionStatus>(g_controls.status);
-      return Fails(Step::InfoStatus) ? E_FAIL : S_OK;
+      return S_OK;
     });
     On(&IFileProtectionInfo::get_Identity, [](void*, HSTRING* identity) -> HRESULT {
-      if (Fails(Step::InfoIdentity)) return E_FAIL;
       return Runtime<HRESULT WINAPI(PCWSTR, UINT32, HSTRING*)>("WindowsCreateString")(
           g_controls.identity, static_cast<UINT32>(lstrlenW(g_controls.identity)), identity);
     });
   }
 };
 
-// An operation that completes as soon as it has a handler, here or on a thread of its own. The steps of its state and
-// its results follow that of its handler.
-template <class Operation, class Handler, class Results, int kHandler, Results (*kMake)()>
+// An operation that completes as soon as it has a handler, here or on a thread of its own, or fails by its step.
+template <class Operation, class Handler, class Results, Results (*kMake)(), Step kFails = Step::None>
 struct Completing final : SlotFake<Operation> {
   Completing() {
     this->On(&Operation::put_Completed, [](void* at, Handler* handler) -> HRESULT {
-      if (Fails(kHandler)) return E_FAIL;
-      const AsyncState state = Fails(kHandler + 1) ? AsyncState::Error : AsyncState::Completed;
+      const bool fails = kFails != Step::None && g_controls.fails == kFails;
+      const AsyncState state = fails ? AsyncState::Error : AsyncState::Completed;
       ComPtr<Operation> operation(static_cast<Operation*>(at));
       ComPtr<Handler> kept(handler);
       // On the platform's own pool: of detached threads of the toolchain's library one in some hundreds never came.
@@ -62,7 +56,6 @@ struct Completing final : SlotFake<Operation> {
       return S_OK;
     });
     this->On(&Operation::GetResults, [](void*, Results* results) -> HRESULT {
-      if (Fails(kHandler + 2)) return E_FAIL;
       *results = kMake();
       return S_OK;
     });
@@ -78,18 +71,13 @@ IFileProtectionInfo* MakeInfo() {
 Evaluation Evaluate() {
   return static_cast<Evaluation>(g_controls.evaluation);
 }
-using FileOperation =
-    Completing<IStorageFileOperation, IStorageFileHandler, IStorageFile*, Step::FileHandler, MakeFile>;
-using InfoOperation =
-    Completing<IProtectionInfoOperation, IProtectionInfoHandler, IFileProtectionInfo*, Step::InfoHandler, MakeInfo>;
-using RequestOperation =
-    Completing<IEvaluationOperation, IEvaluationHandler, Evaluation, Step::RequestHandler, Evaluate>;
+using FileOperation = Completing<IStorageFileOperation, IStorageFileHandler, IStorageFile*, MakeFile>;
+using InfoOperation = Completing<IProtectionInfoOperation, IProtectionInfoHandler, IFileProtectionInfo*, MakeInfo>;
+using RequestOperation = Completing<IEvaluationOperation, IEvaluationHandler, Evaluation, Evaluate, Step::RequestState>;
 
 struct Files final : SlotFake<IStorageFileStatics> {
   Files() {
     On(&IStorageFileStatics::GetFileFromPathAsync, [](void*, HSTRING, IStorageFileOperation** operation) -> HRESULT {
-      ++g_controls.queries;
-      if (Fails(Step::FileStart)) return E_FAIL;
       *operation = (new FileOperation)->Get();
       return S_OK;
     });
@@ -100,7 +88,6 @@ struct Manager final : SlotFake<IFileProtectionManagerStatics> {
   Manager() {
     On(&IFileProtectionManagerStatics::GetProtectionInfoAsync,
        [](void*, IStorageItem*, IProtectionInfoOperation** operation) -> HRESULT {
-         if (Fails(Step::InfoStart)) return E_FAIL;
          *operation = (new InfoOperation)->Get();
          return S_OK;
        });
@@ -111,7 +98,6 @@ struct Audit final : SlotFake<IProtectionPolicyAuditInfoFactory> {
   Audit() {
     On(&IProtectionPolicyAuditInfoFactory::Create,
        [](void*, AuditAction, HSTRING data, HSTRING, HSTRING target, IProtectionPolicyAuditInfo** info) -> HRESULT {
-         if (Fails(Step::AuditCreate)) return E_FAIL;
          lstrcpynW(g_controls.auditData, TextOf(data), 64);
          lstrcpynW(g_controls.auditTarget, TextOf(target), 128);
          *info = reinterpret_cast<IProtectionPolicyAuditInfo*>((new SlotFake<IInspectable>)->Get());
@@ -124,7 +110,6 @@ struct Policy final : SlotFake<IProtectionPolicyManagerInterop2> {
   Policy() {
     On(&IProtectionPolicyManagerInterop2::RequestAccessWithAuditingInfoForWindowAsync,
        [](void*, HWND, HSTRING source, HSTRING target, IUnknown*, REFIID, void** operation) -> HRESULT {
-         if (Fails(Step::RequestStart)) return E_FAIL;
          lstrcpynW(g_controls.source, TextOf(source), 64);
          lstrcpynW(g_controls.target, TextOf(target), 64);
          *operation = (new RequestOperation)->Get();
@@ -135,8 +120,7 @@ struct Policy final : SlotFake<IProtectionPolicyManagerInterop2> {
 
 // Activation asks for IActivationFactory and queries on; every object here answers that query with itself.
 template <class Factory>
-HRESULT Give(Step step, IActivationFactory** factory) {
-  if (Fails(step)) return CLASS_E_CLASSNOTAVAILABLE;
+HRESULT Give(IActivationFactory** factory) {
   *factory = reinterpret_cast<IActivationFactory*>((new Factory)->Get());
   return S_OK;
 }
@@ -149,9 +133,9 @@ extern "C" __declspec(dllexport) EnterpriseControls* GetControls() {
 
 extern "C" __declspec(dllexport) HRESULT WINAPI DllGetActivationFactory(HSTRING name, IActivationFactory** factory) {
   const WideView wanted(TextOf(name));
-  if (wanted == kStorageFileClass) return Give<Files>(Step::FileFactory, factory);
-  if (wanted == kFileProtectionManagerClass) return Give<Manager>(Step::ManagerFactory, factory);
-  if (wanted == kAuditInfoClass) return Give<Audit>(Step::AuditFactory, factory);
-  if (wanted == kPolicyManagerClass) return Give<Policy>(Step::PolicyFactory, factory);
+  if (wanted == kStorageFileClass) return Give<Files>(factory);
+  if (wanted == kFileProtectionManagerClass) return Give<Manager>(factory);
+  if (wanted == kAuditInfoClass && g_controls.fails != Step::AuditFactory) return Give<Audit>(factory);
+  if (wanted == kPolicyManagerClass) return Give<Policy>(factory);
   return CLASS_E_CLASSNOTAVAILABLE;
 }

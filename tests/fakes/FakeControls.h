@@ -8,11 +8,10 @@
 
 // srpapi.dll: SrpControls()
 struct SrpControls {
-  enum Mode : int32_t { Normal, WantsBufferAtOnce, NoIdentities, Fails, SecondCallFails };
+  enum Mode : int32_t { Normal, NoIdentities };
   Mode mode = NoIdentities;
   const wchar_t* serverIds[4] = {};  // up to the first null
   const wchar_t* clientIds[4] = {};  // answered to an impersonating thread
-  int32_t calls = 0;
 };
 
 // efswrt.dll: EfsControls()
@@ -25,35 +24,12 @@ struct EfsControls {
 
 // The runtime classes: EnterpriseControls()
 struct EnterpriseControls {
-  // The step of the query or the request that fails; the order is the chain's.
-  enum Step : int32_t {
-    None,
-    FileFactory,
-    FileStart,
-    FileHandler,
-    FileState,
-    FileResults,
-    ManagerFactory,
-    InfoStart,
-    InfoHandler,
-    InfoState,
-    InfoResults,
-    InfoStatus,
-    InfoIdentity,
-    AuditFactory,
-    AuditCreate,
-    PolicyFactory,
-    RequestStart,
-    RequestHandler,
-    RequestState,
-    RequestResults,
-  };
+  enum Step : int32_t { None, AuditFactory, RequestState };  // what fails
   Step fails = None;
   bool onAnotherThread = false;
   int32_t status = 1;
   const wchar_t* identity = L"";
   int32_t evaluation = 0;
-  int32_t queries = 0;
   wchar_t source[64] = {};
   wchar_t target[64] = {};
   wchar_t auditData[64] = {};

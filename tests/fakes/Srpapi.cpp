@@ -29,10 +29,7 @@ extern "C" __declspec(dllexport) SrpControls* GetControls() {
 extern "C" __declspec(dllexport) HRESULT WINAPI
     SrpGetEnterpriseIds(HANDLE /*token*/, ULONG* bytes, PCWSTR* ids, ULONG* count) {
   constexpr HRESULT kTooSmall = static_cast<HRESULT>(0x8007007A);
-  ++g_controls.calls;
   const wchar_t* const* const known = IsImpersonating() ? g_controls.clientIds : g_controls.serverIds;
-  if (g_controls.mode == SrpControls::Fails) return E_FAIL;
-  if (g_controls.mode == SrpControls::WantsBufferAtOnce && ids == nullptr) return E_INVALIDARG;
   ULONG found = 0, needed = 0;
   for (; found < 4 && known[found] != nullptr; ++found) {
     needed += static_cast<ULONG>(sizeof(PCWSTR) + (static_cast<ULONG>(lstrlenW(known[found])) + 1) * sizeof(wchar_t));
@@ -42,7 +39,6 @@ extern "C" __declspec(dllexport) HRESULT WINAPI
     *bytes = needed;
     return kTooSmall;
   }
-  if (g_controls.mode == SrpControls::SecondCallFails) return E_FAIL;
   Fill(known, found, ids);
   return S_OK;
 }
