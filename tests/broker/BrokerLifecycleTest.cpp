@@ -7,33 +7,13 @@
 namespace {
 
 using broker_process::EndsByItself;
-using broker_process::FindServer;
 
 using BrokerLifecycle = BrokerProcessTest;
-
-bool IsRunning(const KernelHandle& process) {
-  return WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
-}
 
 // A file in the player's own directory, which the broker lets its clients write.
 WideString PlayerFile(const wchar_t* name) {
   testing_files::MakeDirectories(testing_files::PlayerDirectory());
   return testing_files::PlayerDirectory() + L"\\" + name;
-}
-
-// That a refused interface ends such a server too is tested within one process: Wine may hang in the server's
-// CoUninitialize when the call that ends it is one on the class object.
-TEST_F(BrokerLifecycle, ServerWithoutAnObjectRunsOnUntilOneHasComeAndGone) {
-  broker.Reset();
-  ASSERT_TRUE(EndsByItself(server));
-  ComPtr<IClassFactory> factory;
-  ASSERT_EQ(CoGetClassObject(CLSID_LumenBrokerImp6, CLSCTX_LOCAL_SERVER, nullptr, IID_IClassFactory,
-                             reinterpret_cast<void**>(factory.GetAddressOf())),
-            S_OK);
-  server = FindServer();
-  ASSERT_TRUE(server && IsRunning(server));
-  EXPECT_EQ(factory->CreateInstance(nullptr, IID_ILumenBroker6, reinterpret_cast<void**>(broker.GetAddressOf())), S_OK);
-  EXPECT_EQ(broker->BrokerCloseHandle(1), E_INVALIDARG);
 }
 
 TEST_F(BrokerLifecycle, ScriptReachesTheSecondGenerationByName) {
@@ -65,16 +45,6 @@ TEST_F(BrokerLifecycle, KilledClientLeavesTheServerServingOthers) {
   // The platform releases a dead client's references after minutes at best; this test does not wait for it.
   broker.Reset();
   broker_process::TellToQuit(server);
-}
-
-TEST_F(BrokerLifecycle, QuitMessageCarriesTheExitCodeAndStopsForNoObject) {
-  broker_process::TellToQuit(server, 7);
-  ASSERT_TRUE(EndsByItself(server));
-  DWORD exitCode = 0;
-  EXPECT_TRUE(GetExitCodeProcess(server.Get(), &exitCode));
-  EXPECT_EQ(exitCode, 7u);
-  EXPECT_TRUE(FAILED(broker->BrokerCloseHandle(1))) << "nobody is left to answer";
-  server.Reset();
 }
 
 TEST_F(BrokerLifecycle, TwoClientsShareTheServerAndNoCookies) {

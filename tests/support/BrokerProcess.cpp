@@ -73,14 +73,14 @@ bool EndsByItself(const KernelHandle& server) {
   return WaitForSingleObject(server.Get(), kPatience) == WAIT_OBJECT_0;
 }
 
-void TellToQuit(const KernelHandle& server, WPARAM exitCode) {
+void TellToQuit(const KernelHandle& server) {
   const DWORD id = GetProcessId(server.Get());
   const KernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
   THREADENTRY32 entry = {};
   entry.dwSize = sizeof(entry);
   // Only the thread of the message loop takes it; the platform's own threads in there read no messages.
   for (BOOL more = Thread32First(snapshot.Get(), &entry); more; more = Thread32Next(snapshot.Get(), &entry)) {
-    if (entry.th32OwnerProcessID == id) PostThreadMessageW(entry.th32ThreadID, WM_QUIT, exitCode, 0);
+    if (entry.th32OwnerProcessID == id) PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
   }
 }
 

@@ -32,9 +32,9 @@ constexpr DWORD kPatience = 30000;  // milliseconds; far more than anything here
 // Waits for the server's own end. False when it is still there after kPatience.
 [[nodiscard]] bool EndsByItself(const KernelHandle& server);
 
-// Ends a server that something still holds, by the message that its last release would post with 0. Never terminate it:
+// Ends a server that something still holds, by the message that its last release would post. Never terminate it:
 // Wine's activation service goes on handing out a class object that was not withdrawn.
-void TellToQuit(const KernelHandle& server, WPARAM exitCode = 0);
+void TellToQuit(const KernelHandle& server);
 
 }  // namespace broker_process
 

@@ -22,14 +22,13 @@ class MemoryCanvas {
     bitmap_.Reset(CreateDIBSection(dc_.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     old_ = SelectObject(dc_.Get(), bitmap_.Get());
     pixels_ = static_cast<uint32_t*>(bits);
-    Clear();
+    std::fill_n(Pixels(), kSide * kSide, 0xFFFFFFu);
   }
   ~MemoryCanvas() { SelectObject(dc_.Get(), old_); }
   MemoryCanvas(const MemoryCanvas&) = delete;
   MemoryCanvas& operator=(const MemoryCanvas&) = delete;
 
   [[nodiscard]] HDC Get() const { return dc_.Get(); }
-  void Clear(uint32_t rgb = 0xFFFFFF) { std::fill_n(Pixels(), kSide * kSide, rgb); }
   // 0xrrggbb.
   [[nodiscard]] uint32_t At(int x, int y) const { return Pixels()[y * kSide + x] & 0xFFFFFF; }
   // How many pixels are of that colour.
