@@ -13,10 +13,6 @@
 
 namespace {
 
-const std::string kServer = "Software\\Classes\\CLSID\\{B019E3BF-E7E5-453C-A2E4-D2C18CA0866F}\\LocalServer32";
-const std::string kPolicy =
-    "Software\\Microsoft\\Internet Explorer\\Low Rights\\ElevationPolicy\\{FAF199D2-BFA7-4394-A4DE-044A08E59B32}";
-
 std::string g_writes;  // NAME=TEXT or NAME#NUMBER, each with a bar behind it
 size_t g_writeCount = 0, g_failingWrite = 0;
 
@@ -36,10 +32,6 @@ std::string Record(const char* path, size_t failingWrite = 0) {
   g_failingWrite = failingWrite;
   WriteBrokerRegistration(path, true);
   return g_writes;
-}
-
-std::string Text(const std::string& path, const char* name) {
-  return ReadText(HKEY_LOCAL_MACHINE, path.c_str(), name).value_or("(none)");
 }
 
 class BrokerRegistration : public testing::Test {
@@ -62,35 +54,6 @@ TEST_F(BrokerRegistration, WritesSeventeenValuesInOrderAndAFailureStopsNone) {
     Record(path.c_str(), failing);
     EXPECT_EQ(g_writeCount, 17u) << failing;
     EXPECT_EQ(counts::KernelHandles(), before + 1) << "its key is left open, as is documented";
-  }
-}
-
-TEST_F(BrokerRegistration, ElevationPolicyIsCutAtTheLastSeparatorOfEitherKind) {
-  const struct {
-    const char *path, *directory, *file;
-  } rows[] = {{"C:/a/b.exe", "C:/a", "b.exe"},
-              {"C:\\a/b.exe", "C:\\a", "b.exe"},
-              {"C:\\a\\", "C:\\a", ""},
-              {"b.exe", "b.exe", "b.exe"}};
-  for (const auto& row : rows) {
-    WriteBrokerRegistration(row.path, true);
-    EXPECT_EQ(Text(kPolicy, "AppPath"), row.directory) << row.path;
-    EXPECT_EQ(Text(kPolicy, "AppName"), row.file) << row.path;
-  }
-}
-
-TEST_F(BrokerRegistration, ReadBackHoldsFiveHundredAndTwelveBytes) {
-  for (const auto& [length, file] : {std::pair{511u, "old"}, {512u, "host.exe"}, {1500u, "host.exe"}}) {
-    WriteBrokerRegistration(("C:\\" + std::string(length - 7, 'd') + "\\old").c_str(), true);
-    Record("C:\\new\\host.exe", 2);
-    EXPECT_EQ(Text(kPolicy, "AppName"), file) << length;
-  }
-}
-
-TEST_F(BrokerRegistration, OnlyHashAndOneCharacterMakeANumber) {
-  for (const std::string text : {"#5", "#12", "#", "5#"}) {
-    WriteBrokerRegistration(text.c_str(), true);
-    EXPECT_EQ(Text(kServer, ""), text == "#5" ? "(none)" : text);
   }
 }
 
