@@ -59,24 +59,4 @@ TEST(ExecutableSniffer, EverySeekAndSliceIsJudgedAsTheOracleSays) {
   EXPECT_GT(refused, 1000) << "the oracle refuses something at all";
 }
 
-// A second write of a client that sought back behind an empty first one: nothing is judged, yet the handle is rewound.
-TEST(ExecutableSniffer, AHeaderAheadOfTheSeekRewindsOnceMore) {
-  const struct {
-    int32_t seek;
-    uint32_t lastWrite;
-    bool rewinds;
-  } rows[] = {{10, 0, true}, {80, 0, false}, {0, 0, false}, {10, 5, false}};
-  for (const auto& row : rows) {
-    BrokerCookieRecord record;
-    record.peOffset = 80;
-    record.seekBase = row.seek;
-    record.lastWriteSize = row.lastWrite;
-    const Bytes image = Image();
-    WrittenFile file({row.seek, image, {}});
-    (void)SniffSlice(record, image, file);
-    EXPECT_EQ(record.executableSeen, 0);
-    EXPECT_EQ(file.rewound, row.rewinds) << row.seek << " after " << row.lastWrite;
-  }
-}
-
 }  // namespace

@@ -14,9 +14,7 @@ namespace {
 using namespace testing_files;  // NOLINT(google-build-using-namespace): a test's own vocabulary
 
 constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
-constexpr HRESULT kNoMoreFiles = static_cast<HRESULT>(0x80070012);
 constexpr HRESULT kThere = static_cast<HRESULT>(0x800700B7);
-constexpr HRESULT kSharing = static_cast<HRESULT>(0x80070020);
 
 class FileMethods : public BrokerSuiteTest {
  protected:
@@ -86,20 +84,6 @@ TEST_F(FileMethods, TheFirstWriteBehindASeekLandsAtTheStartOfTheFile) {
   EXPECT_EQ(ReadWhole(In(L"a.sol")), "ABC34567Z9");
 }
 
-TEST_F(FileMethods, AReadBackThatFailsIsTheResultAndTheSliceIsWrittenAllTheSame) {
-  const std::string image = ProgramImage();
-  WriteWhole(In(L"a.dll"), image);
-  const FileHandle noReaders(
-      CreateFileW(In(L"a.dll").c_str(), GENERIC_READ, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
-  ULONG cookie = 0;
-  ASSERT_EQ(Create(In(L"a.dll"), false, cookie), S_OK);
-  EXPECT_EQ(Seek(cookie, 10), S_OK);
-  EXPECT_EQ(Write(cookie, image.substr(10)), kSharing);
-  EXPECT_EQ(Write(cookie, "end"), S_OK);
-  Close(cookie);
-  EXPECT_TRUE(Exists(In(L"a.dll"))) << "what could not be read is no image";
-}
-
 TEST_F(FileMethods, TheCookieOfARefusedProgramStaysWithoutAFile) {
   // A seek far behind the end neither fails nor reads that much: the file ahead of the slice counts.
   for (const LONG seek : {0, 0x7FFFFFFF}) {
@@ -117,17 +101,6 @@ TEST_F(FileMethods, TheCookieOfARefusedProgramStaysWithoutAFile) {
   EXPECT_EQ(Write(other, ProgramImage()), S_OK);
   Close(other);
   EXPECT_EQ(ReadWhole(In(L"b.dll")), ProgramImage());
-}
-
-TEST_F(FileMethods, AFileInUseIsReadWithTheWiderSharing) {
-  WriteWhole(In(L"a.sol"), "x");
-  const FileHandle writer(
-      CreateFileW(In(L"a.sol").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-  ASSERT_TRUE(writer);
-  ULONG cookie = 0;
-  EXPECT_EQ(Create(In(L"a.sol"), true, cookie), S_OK);
-  Close(cookie);
-  EXPECT_EQ(Create(In(L"a.sol"), false, cookie), kSharing);
 }
 
 // Reading is open to any path, so a program "written" through such a cookie must not take the file away.
@@ -187,41 +160,6 @@ TEST_F(FileMethods, DeletingMovingAndDirectories) {
     EXPECT_EQ(broker->BrokerIsWritablePath(Name(In(name)).Get(), extension), expected) << extension;
   }
   EXPECT_EQ(broker->BrokerDeleteFile(Name(In(L"a.exe")).Get()), S_OK) << "no ending counts for deleting";
-}
-
-TEST_F(FileMethods, Attributes) {
-  WriteWhole(In(L"a.sol"), "12345");
-  ULONG v[9] = {};
-  const auto ask = [&](const WideString& path) {
-    return broker->BrokerGetFileAttributesEx(Name(path).Get(), &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7],
-                                             &v[8]);
-  };
-  EXPECT_EQ(ask(In(L"a.sol")), S_OK);
-  EXPECT_EQ(v[7], 5u);
-  EXPECT_EQ(ask(L"C:\\windows"), S_OK);
-  EXPECT_NE(v[0] & FILE_ATTRIBUTE_DIRECTORY, 0u);
-  EXPECT_EQ(ask(In(L"none")), kNotFound);
-}
-
-TEST_F(FileMethods, ListingGivesEachNameOnceAndThenTheEnd) {
-  WriteWhole(In(L"one.sol"), "");
-  WriteWhole(In(L"two.sol"), "");
-  ULONG cookie = 0, attributes = 0;
-  BString name;
-  const auto first = [&](const WideString& path) {
-    return broker->BrokerFindFirstFile(Name(path).Get(), name.Receive(), &attributes, &cookie);
-  };
-  EXPECT_EQ(first(L"C:\\*"), E_ACCESSDENIED);
-  EXPECT_EQ(first(In(L"*.none")), kNotFound);
-  std::string names;
-  HRESULT result = first(In(L"*.sol"));
-  for (; result == S_OK; result = broker->BrokerFindNextFile(cookie, name.Receive(), &attributes)) {
-    names += ToUtf8(name.View()) + " ";
-  }
-  EXPECT_EQ(result, kNoMoreFiles);
-  EXPECT_EQ(names, "one.sol two.sol ");
-  EXPECT_EQ(broker->BrokerFindClose(cookie), S_OK);
-  EXPECT_EQ(broker->BrokerFindClose(cookie), E_INVALIDARG);
 }
 
 TEST_F(FileMethods, HistoryIsDeletedAndItsDirectoryThereAgain) {

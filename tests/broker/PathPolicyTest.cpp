@@ -82,47 +82,6 @@ TEST(PathPolicy, WhateverIsAcceptedLiesUnderARootWhenOpened) {
   EXPECT_GT(accepted, 500) << "the generator must reach what is allowed, or the property says nothing";
 }
 
-TEST(PathPolicy, EveryRootIsNeededBeforeAnythingMayBeWritten) {
-  const wchar_t* const path = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player\\a.sol";
-  for (const ShellFolder missing : {ShellFolder::RoamingAppData, ShellFolder::LocalAppData}) {
-    Subject subject;
-    subject.system.folders.erase(missing);
-    EXPECT_EQ(subject.policy.IsWritableDataPath(path, true, nullptr), missing != ShellFolder::RoamingAppData);
-  }
-}
-
-TEST(PathPolicy, TempIsTheLowIntegrityDirectoryOfTheServerOnly) {
-  MemoryPathOperations system;
-  const auto writable = [&system](bool server, const wchar_t* path) {
-    return BrokerPathPolicy(system, server).IsWritableDataPath(path, true, nullptr);
-  };
-  EXPECT_TRUE(writable(false, L"C:\\Users\\A\\AppData\\Local\\Temp\\a.exe"));
-  EXPECT_FALSE(writable(true, L"C:\\Users\\A\\AppData\\Local\\Temp\\a.exe"));
-  system.tempPath += L"Low\\";
-  EXPECT_TRUE(writable(true, L"C:\\Users\\A\\AppData\\Local\\Temp\\Low\\a.exe"));
-}
-
-TEST(PathPolicy, SharedObjectsAreToldWhateverTheAnswer) {
-  const WideString player = L"C:\\Users\\A\\AppData\\Roaming\\Halcyonics\\Lumen Player";
-  const std::pair<const wchar_t*, bool> rows[] = {{L"\\#SharedObjects\\a.sol", true},
-                                                  {L"\\#SharedObjects\\a.exe", true},
-                                                  {L"\\#SharedObjectsx\\a.sol", false},
-                                                  {L"\\..\\a.sol", false}};
-  Subject subject;
-  for (const auto& [below, shared] : rows) {
-    bool flag = !shared;
-    (void)subject.policy.IsWritableDataPath((player + below).c_str(), true, &flag);
-    EXPECT_EQ(flag, shared) << ToUtf8(below);
-  }
-  // Behind the support directory a component that begins with "#" and has a name counts as one.
-  const WideString support =
-      WideString(MemoryPathOperations::kPlayerRoot) + L"\\CORVA.EXAMPLE\\SUPPORT\\LUMENPLAYER\\SYS";
-  for (const wchar_t* const below : {L"\\#SITE\\S.SOL", L"\\#\\S.SOL", L"\\SITE\\S.SOL", L"", L"X\\#A\\B"}) {
-    EXPECT_EQ(subject.policy.IsSharedObjectsPath(support + below), below == WideView(L"\\#SITE\\S.SOL"))
-        << ToUtf8(below);
-  }
-}
-
 TEST(PathPolicy, LinksOfTheObjectManagerAndAtTheTopAreFollowed) {
   Subject subject;
   const WideString sub = WideString(MemoryPathOperations::kPlayerRoot) + L"\\SUB";

@@ -3,13 +3,11 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
-#include <winternl.h>
 
 #include <random>
 
 #include "broker/BrokerPathPolicy.h"
 #include "broker/Win32PathOperations.h"
-#include "tests/support/ImportHook.h"
 #include "tests/support/RealLinks.h"
 #include "tests/support/TestFiles.h"
 
@@ -54,34 +52,6 @@ TEST_F(RealPaths, ALinkBehindANameThatEndsInABlankIsRefused) {
   EXPECT_FALSE(Writable(L"\\\\?\\" + through));
   EXPECT_TRUE(Writable(player.Path() + L"\\trap\\a.sol"));
   RemoveLink(player.Path(), L"trap ");
-}
-
-TEST_F(RealPaths, AShortNameDoesNotSlipPastARoot) {
-  const WideString longer = player.Path() + L"\\a long directory name";
-  MakeDirectories(longer);
-  wchar_t shorter[MAX_PATH] = {};
-  ASSERT_NE(GetShortPathNameW(longer.c_str(), shorter, MAX_PATH), 0u);
-  ASSERT_NE(WideView(shorter), WideView(longer));
-  EXPECT_TRUE(Writable(longer + L"\\a.sol"));
-  EXPECT_FALSE(Writable(WideString(shorter) + L"\\a.sol"));
-}
-
-TEST_F(RealPaths, AnObjectManagerLinkIsReadAndFollowed) {
-  using CreateLink = NTSTATUS WINAPI(HANDLE*, ACCESS_MASK, OBJECT_ATTRIBUTES*, UNICODE_STRING*);
-  auto* const create = Own<CreateLink>(L"ntdll.dll", "NtCreateSymbolicLinkObject");
-  wchar_t name[] = L"\\??\\LumenTestLink";
-  wchar_t target[] = L"\\??\\C:\\lumen-test-outside";
-  UNICODE_STRING nameText = {sizeof(name) - 2, sizeof(name), name};
-  UNICODE_STRING targetText = {sizeof(target) - 2, sizeof(target), target};
-  OBJECT_ATTRIBUTES attributes = {};
-  attributes.Length = sizeof(attributes);
-  attributes.ObjectName = &nameText;
-  attributes.Attributes = 0x40;
-  KernelHandle link;
-  ASSERT_GE(create(link.Receive(), 0xF0001, &attributes, &targetText), 0);
-  std::optional<WideString> found;
-  EXPECT_TRUE(policy.ResolveOneLink(L"\\\\?\\GLOBALROOT\\??\\lumentestlink", found));
-  EXPECT_EQ(ToUtf8(found.value_or(L"none")), "C:\\lumen-test-outside");
 }
 
 // What is accepted is opened, and the platform is asked where it really is.
