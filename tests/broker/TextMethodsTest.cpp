@@ -1,14 +1,9 @@
-// Text and fonts: the lengths, the limit, what is drawn with which arguments, and font linking with and without the
-// platform's language services.
+// Text and fonts: the lengths, the limits and font linking. What is drawn is on the printed page.
 #include <windows.h>
-
-#include <tuple>
-#include <vector>
 
 #include "tests/support/ByteArray.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/MemoryCanvas.h"
-#include "tests/support/UnavailableClass.h"
 
 namespace {
 
@@ -55,45 +50,6 @@ TEST_F(TextMethods, LengthsAreCheckedForBothWidths) {
   }
 }
 
-// What the drawing calls get.
-struct Seen {
-  int x, y;
-  UINT options;
-  RECT rect;
-  std::string text;
-  std::vector<INT> spacing;
-} seen;
-template <class Unit>
-BOOL WINAPI RecordText(HDC, int x, int y, UINT options, const RECT* rect, const Unit* text, UINT count,
-                       const INT* spacing) {
-  const size_t values = spacing == nullptr ? 0 : count * ((options & ETO_PDY) != 0 ? 2 : 1);
-  seen = {x, y, options, rect == nullptr ? RECT{} : *rect, {text, text + count}, {spacing, spacing + values}};
-  return 77;
-}
-
-TEST_F(TextMethods, ArgumentsReachTheCallAndItsResultTheClient) {
-  const ImportHook narrowHook(GetModuleHandleW(nullptr), "ExtTextOutA", RecordText<char>);
-  const ImportHook wideHook(GetModuleHandleW(nullptr), "ExtTextOutW", RecordText<wchar_t>);
-  const ByteArray rect(Rect(1, 2, 3, 4)), three(BytesOf(std::array{7, -8, 9})), four(BytesOf(std::array{1, 2, 3, 4}));
-  for (const bool wide : {false, true}) {
-    const ByteArray text(wide ? Wide(L"abc") : std::string("abc", 4));
-    const auto draw = wide ? &ILumenBroker6::BrokerExtTextOutW : &ILumenBroker6::BrokerExtTextOutA;
-    ULONG drawn = 0;
-    EXPECT_EQ((broker.Get()->*draw)(dc, static_cast<ULONG>(-5), 6, ETO_OPAQUE, 0, rect.Get(), text.Get(), 3, 0,
-                                    three.Get(), &drawn),
-              S_OK);
-    EXPECT_EQ(drawn, 77u);
-    EXPECT_EQ(std::tuple(seen.x, seen.y, seen.options, seen.rect.bottom, seen.text),
-              std::tuple(-5, 6, UINT{ETO_OPAQUE}, 4, "abc"));
-    EXPECT_EQ(seen.spacing, (std::vector<INT>{7, -8, 9}));
-    EXPECT_EQ((broker.Get()->*draw)(dc, 0, 0, ETO_PDY, 1, rect.Get(), text.Get(), 3, 0, four.Get(), &drawn), S_OK);
-    EXPECT_EQ(seen.rect.bottom, 0) << "no rectangle";
-    EXPECT_EQ(seen.spacing, (std::vector<INT>{1, 2, 3, 4, 0, 0})) << "the last character's values were not asked for";
-    EXPECT_EQ((broker.Get()->*draw)(dc, 0, 0, 0, 1, rect.Get(), text.Get(), 3, 1, four.Get(), &drawn), S_OK);
-    EXPECT_TRUE(seen.spacing.empty());
-  }
-}
-
 TEST_F(TextMethods, ExtentsAndMetricsAreThePlatformsOwn) {
   SIZE own = {};
   ASSERT_TRUE(GetTextExtentPoint32W(canvas.Get(), L"wide", 4, &own));
@@ -126,28 +82,12 @@ TEST_F(TextMethods, ExtentsAndMetricsAreThePlatformsOwn) {
   EXPECT_EQ(broker->BrokerGetTextMetrics(0, &reply), E_FAIL);
 }
 
-HFONT WINAPI NoFont(const LOGFONTW* /*font*/) {
-  return nullptr;
-}
-
-TEST_F(TextMethods, FontIsMadeOrIsNone) {
-  LOGFONTW wanted = {};
-  std::fill(std::begin(wanted.lfFaceName), std::end(wanted.lfFaceName), L'x');  // without an end
-  const ByteArray good(BytesOf(wanted));
-  ULONG font = 0, type = 0, done = 0;
-  EXPECT_EQ(broker->BrokerCreateFontIndirect(ByteArray(std::string(91, 0)).Get(), &font), E_FAIL);
-  ASSERT_EQ(broker->BrokerCreateFontIndirect(good.Get(), &font), S_OK);
-  EXPECT_EQ(broker->BrokerGetObjectType(font, &type), S_OK);
-  EXPECT_EQ(type, static_cast<ULONG>(OBJ_FONT));
-  EXPECT_EQ(broker->BrokerDeleteObject(font, &done), S_OK);
-  EXPECT_EQ(done, 1u);
-  const ImportHook hook(GetModuleHandleW(nullptr), "CreateFontIndirectW", NoFont);
-  EXPECT_EQ(broker->BrokerCreateFontIndirect(good.Get(), &font), S_OK) << "no font is no failure";
-  EXPECT_EQ(font, 0u);
+BOOL WINAPI Draw(HDC, int, int, UINT, const RECT*, const wchar_t*, UINT, const INT*) {
+  return 77;
 }
 
 TEST_F(TextMethods, CharactersLargerThanAnyPageAreNotDrawn) {
-  const ImportHook hook(GetModuleHandleW(nullptr), "ExtTextOutW", RecordText<wchar_t>);
+  const ImportHook hook(GetModuleHandleW(nullptr), "ExtTextOutW", Draw);
   const ByteArray rect(Rect(0, 0, 0, 0)), text(Wide(L"a"));
   const struct {
     LONG height;
@@ -168,7 +108,7 @@ TEST_F(TextMethods, CharactersLargerThanAnyPageAreNotDrawn) {
   }
 }
 
-TEST_F(TextMethods, FontLinkingIsThePlatformsOrFails) {
+TEST_F(TextMethods, FontLinkingIsThePlatforms) {
   ULONG font = 0, pages = 0, linked = 0, type = 0;
   EXPECT_EQ(broker->BrokerGetCurrentObject(dc, OBJ_FONT, &font), S_OK);
   EXPECT_EQ(broker->BrokerIMLangFontLinkGetFontCodePages(dc, font, &pages), S_OK);
@@ -177,11 +117,6 @@ TEST_F(TextMethods, FontLinkingIsThePlatformsOrFails) {
   EXPECT_EQ(type, static_cast<ULONG>(OBJ_FONT));
   EXPECT_EQ(broker->BrokerIMLangFontLinkReleaseFont(linked), S_OK);
   EXPECT_EQ(broker->BrokerIMLangFontLinkReleaseFont(0x1234), E_FAIL) << "as the platform says";
-  const UnavailableClass services(CLSID_CMultiLanguage);
-  const ComPtr<ILumenBroker6> without = Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr));
-  EXPECT_EQ(without->BrokerIMLangFontLinkGetFontCodePages(dc, font, &pages), E_FAIL);
-  EXPECT_EQ(without->BrokerIMLangFontLinkMapFont(dc, 1, font, &linked), E_FAIL);
-  EXPECT_EQ(without->BrokerIMLangFontLinkReleaseFont(0), E_FAIL);
 }
 
 }  // namespace
