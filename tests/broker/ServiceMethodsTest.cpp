@@ -50,27 +50,10 @@ TEST_F(Services, ThePendingVersionIsGivenBlankedAndTakenAway) {
   EXPECT_EQ(g_foundByRemoval, "");
 }
 
-TEST_F(Services, TheDialogSizeNeedsBothValues) {
-  ULONG width = 0, height = 0;
-  EXPECT_EQ(broker->BrokerPrefSetExceptionDialogSize(640, 480), E_FAIL) << "the key is not made here";
-  const RegistryKey key = Preferences();
-  EXPECT_EQ(broker->BrokerPrefSetExceptionDialogSize(640, 480), S_OK);
-  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, &height), S_OK);
-  EXPECT_EQ(width + height * 10000, 4800640u);
-  ASSERT_EQ(DeleteValue(HKEY_CURRENT_USER, kPlayerKey, "Exception Dialog Height"), 0);
-  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, &height), E_FAIL);
-  EXPECT_EQ(broker->BrokerPrefGetExceptionDialogSize(&width, nullptr), E_INVALIDARG);
-}
-
-TEST_F(Services, DrivesByTheirLetterAlone) {
-  const std::pair<const wchar_t*, HRESULT> rows[] = {
-      {L"c:\\some\\path", S_OK}, {L"Y:", S_FALSE}, {L"C", E_INVALIDARG}, {L"", E_INVALIDARG}};
-  for (const auto& [root, result] : rows) {
-    EXPECT_EQ(broker->BrokerIsDriveAvailable(const_cast<wchar_t*>(root)), result) << ToUtf8(root);
-  }
-}
-
-TEST_F(Services, ControllersAndTheScreenSaver) {
+TEST_F(Services, DrivesControllersAndTheScreenSaver) {
+  wchar_t there[] = L"c:\\some\\path", missing[] = L"Y:";
+  EXPECT_EQ(broker->BrokerIsDriveAvailable(there), S_OK);
+  EXPECT_EQ(broker->BrokerIsDriveAvailable(missing), S_FALSE);
   ULONG count = 77;
   EXPECT_EQ(broker->BrokerGetDirectInputCount(&count), S_OK);
   EXPECT_LT(count, 77u);
@@ -107,20 +90,6 @@ class Shortcuts : public Services {
   const wchar_t* const url = L"https://www.corva.example/games/my-game";
   const WideString icon = Cache() + L"\\My Game (2).ico";
 };
-
-TEST_F(Shortcuts, IconNamesAreFreeUnlessOneIsToBeOverwritten) {
-  const testing_files::CleanDirectory cache(Cache());
-  BString path;
-  EXPECT_EQ(broker->BrokerCreateIconPath(BString(L"Game").Get(), path.Receive()), S_OK);
-  EXPECT_EQ(path.View(), WideView(Cache() + L"\\Game.ico"));
-  testing_files::WriteWhole(Cache() + L"\\Game.ico", "x");
-  for (const LONG overwrite : {0, 2, 1}) {
-    EXPECT_EQ(broker->BrokerCreateIconPathV2(BString(L"Game").Get(), path.Receive(), overwrite), S_OK);
-    EXPECT_EQ(path.View(), WideView(Cache() + (overwrite == 1 ? L"\\Game.ico" : L"\\Game (2).ico")));
-  }
-  EXPECT_EQ(broker->BrokerCreateIconPath(BString(WideView(WideString(300, L'n'))).Get(), path.Receive()), E_FAIL);
-  EXPECT_EQ(path.Get(), nullptr);
-}
 
 TEST_F(Shortcuts, AnEntitledShortcutIsARealLinkToTheBrowser) {
   ASSERT_EQ(Make(L"My Game", url, icon, strings, message, 2), S_OK);
@@ -202,18 +171,6 @@ TEST_F(DesktopShortcuts, AreRealFilesThatLeadToTheRedirectorAndComeOneInThreeSec
   EXPECT_EQ(MakeOnDesktop(3000), kRefused) << "the refused call began the wait anew";
   ASSERT_EQ(MakeOnDesktop(3001), S_OK);
   EXPECT_TRUE(testing_files::Exists(Desktop(L"My_Game (2).url")));
-}
-
-TEST_F(DesktopShortcuts, RefusalsAnswerAlikeAndFailuresAsTheyAre) {
-  EXPECT_EQ(MakeOnDesktop(3001, 1, L"My Game"), kRefused);
-  EXPECT_EQ(MakeOnDesktop(3001, 0), kRefused);
-  EXPECT_EQ(MakeOnDesktop(3001, 8), S_OK) << "a pin without its place makes nothing";
-  EXPECT_EQ(MakeOnDesktop(3001, 1, L"My_Game", L"https://evil.example/"), kRefused);
-  shell_fakes::g_record = {};
-  shell_fakes::g_record.failing = "SetIconLocation";
-  EXPECT_EQ(MakeOnDesktop(3001), E_UNEXPECTED);
-  shell_fakes::g_record = {};
-  EXPECT_FALSE(testing_files::Exists(Desktop(L"My_Game.url")));
 }
 
 }  // namespace
