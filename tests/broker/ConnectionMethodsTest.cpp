@@ -61,15 +61,4 @@ TEST_F(ConnectionMethods, TheLockNestsAndKeepsItsTime) {
   EXPECT_EQ(timeout, 5000);
 }
 
-TEST_F(ConnectionMethods, MessagesThatAreNone) {
-  SAFEARRAYBOUND two[2] = {{4, 0}, {4, 0}}, fromOne = {4, 1};
-  const ByteArray malformed[] = {ByteArray(nullptr), ByteArray(SafeArrayCreate(VT_UI1, 2, two)),
-                                 ByteArray(SafeArrayCreate(VT_UI1, 1, &fromOne)), ByteArray(std::string(40961, 'x'))};
-  for (const ByteArray& array : malformed) {
-    EXPECT_EQ(broker->BrokerLcdDispatchMessage(array.Get(), 8, 1, 0), E_FAIL);
-  }
-  EXPECT_EQ(Dispatch(std::string(40960, 'x')), S_OK);
-  EXPECT_EQ(broker->BrokerLcdClearMessage(), S_OK);
-}
-
 }  // namespace

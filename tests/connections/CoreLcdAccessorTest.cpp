@@ -164,25 +164,6 @@ TEST_F(Directory, AgeIsSignedAndStrict) {
   }
 }
 
-TEST_F(Directory, WithoutTheLockOrASegmentNothingIsTouched) {
-  ASSERT_TRUE(accessor.TryAddConnection("a", 0, 0, '1'));
-  EXPECT_TRUE(accessor.IsSegmentValid());
-  accessor.At().layoutVersion = 2;
-  EXPECT_FALSE(accessor.IsSegmentValid());
-  const std::vector<uint8_t> before(accessor.List(), accessor.List() + 100);
-  for (const bool attached : {true, false}) {
-    accessor.lockable = !attached;
-    if (!attached) accessor.AttachSegment(nullptr, true, 0);
-    const uint8_t* data = before.data();
-    int32_t size = 77;
-    EXPECT_EQ(accessor.FindConnectionFormat("a", 0), 0);
-    EXPECT_FALSE(accessor.RemoveConnection("a", 0) || accessor.TryAddConnection("b", 0, 0, '1'));
-    EXPECT_FALSE(accessor.ClearMessage() || accessor.PruneDeadMessage() || accessor.GetMessageData(&data, &size));
-    EXPECT_EQ(Send(MessageFor("a")), LcdDispatch::NotPosted);
-    EXPECT_EQ(std::vector<uint8_t>(accessor.List(), accessor.List() + 100), before);
-  }
-}
-
 // A directory as anyone would describe it: names with a realm and a format, and at most one message.
 struct Entry {
   std::string name;

@@ -1,7 +1,6 @@
 // A process of its own that takes part through the product's accessor.
 //
-//     LcdParticipant send NUMBER COUNT NAME...  sends COUNT messages, to the names in turn
-//     LcdParticipant hold EVENT                 takes the lock, sets the event and never lets go
+//     LcdParticipant NUMBER COUNT NAME...  sends COUNT messages, to the names in turn
 #include <windows.h>
 
 #include <cstdlib>
@@ -35,21 +34,9 @@ int Send(uint8_t number, int count, const std::vector<std::string>& names) {
   return 0;
 }
 
-int Hold(const char* event) {
-  Win32LcdAccessor directory;
-  if (directory.Lock() != 1) return 2;
-  const KernelHandle held(CreateEventA(nullptr, TRUE, FALSE, event));
-  SetEvent(held.Get());
-  Sleep(kPatience);  // until it is killed
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string role = argc > 2 ? argv[1] : "";
-  if (role == "hold") return Hold(argv[2]);
-  if (role == "send" && argc > 4)
-    return Send(static_cast<uint8_t>(std::atoi(argv[2])), std::atoi(argv[3]), {argv + 4, argv + argc});
-  return 9;
+  if (argc < 4) return 9;
+  return Send(static_cast<uint8_t>(std::atoi(argv[1])), std::atoi(argv[2]), {argv + 3, argv + argc});
 }

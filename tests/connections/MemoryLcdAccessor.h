@@ -18,7 +18,7 @@ class MemoryLcdAccessor final : public CoreLcdAccessor {
     AttachSegment(&At(), true, kMapped);
   }
 
-  int32_t Lock() override { return lockable ? ++holds : 0; }
+  int32_t Lock() override { return ++holds; }
   int32_t Unlock() override { return --holds; }
   uint32_t LockTime() override { return now; }
   int32_t MessageTimeout() override { return 5000; }
@@ -30,7 +30,6 @@ class MemoryLcdAccessor final : public CoreLcdAccessor {
                        [](uint8_t b) { return b == kGuardByte; });
   }
 
-  bool lockable = true;
   int32_t holds = 0;
   uint32_t now = 100000;
 

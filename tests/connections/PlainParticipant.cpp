@@ -3,6 +3,7 @@
 //
 //     PlainParticipant NAME COUNT
 //     PlainParticipant NAME text      takes one message and prints what follows the name in it
+//     PlainParticipant NAME hold      never lets go of the lock
 //
 // A message is 2, the name's length in two bytes, the name, then the sender's number and a 4-byte count.
 #include <windows.h>
@@ -58,8 +59,10 @@ int main(int argc, char** argv) {
   while (*at != 0) at += std::strlen(reinterpret_cast<char*>(at)) + 1;
   std::memcpy(at, argv[1], std::strlen(argv[1]) + 1);  // no suffixes: format 1, every realm
   at[std::strlen(argv[1]) + 1] = 0;
-  ReleaseMutex(mutex);
-  SetEvent(CreateEventA(nullptr, TRUE, FALSE, (argv[1])));
+  const bool holds = std::strcmp(argv[2], "hold") == 0;
+  if (!holds) ReleaseMutex(mutex);
+  SetEvent(CreateEventA(nullptr, TRUE, FALSE, argv[1]));
+  if (holds) Sleep(60000);  // until it is killed
 
   DWORD next[4] = {};
   const DWORD begin = GetTickCount();

@@ -51,8 +51,8 @@ TEST(Win32LcdAccessor, ASegmentOfAnotherLayoutIsRefusedForGoodAndADeadReceiverGo
 
 TEST(Win32LcdAccessor, AnAbandonedLockCountsAsNotObtained) {
   Win32LcdAccessor directory;
-  const KernelHandle holder = Start(L"LcdParticipant hold LumenHolderReady");
-  ASSERT_TRUE(WaitForSignal("LumenHolderReady"));
+  const KernelHandle holder = Start(L"PlainParticipant lumen-holder hold");
+  ASSERT_TRUE(WaitForSignal("lumen-holder"));
   TerminateProcess(holder.Get(), 1);
   WaitForSingleObject(holder.Get(), kPatience);
   EXPECT_EQ(directory.Lock(), 0);
@@ -67,8 +67,8 @@ TEST(Win32LcdAccessor, FourProcessesPassTwoThousandMessagesOnceAndInOrder) {
   const KernelHandle other = Start(L"PlainParticipant lumen-r2 1000");
   ASSERT_TRUE(WaitForSignal("lumen-r1"));
   ASSERT_TRUE(WaitForSignal("lumen-r2"));
-  const KernelHandle first = Start(L"LcdParticipant send 1 1000 lumen-r1 lumen-r2");
-  const KernelHandle second = Start(L"LcdParticipant send 2 1000 lumen-r2 lumen-r1");
+  const KernelHandle first = Start(L"LcdParticipant 1 1000 lumen-r1 lumen-r2");
+  const KernelHandle second = Start(L"LcdParticipant 2 1000 lumen-r2 lumen-r1");
   EXPECT_EQ(ExitCode(first), 0u);
   EXPECT_EQ(ExitCode(second), 0u);
   EXPECT_EQ(ExitCode(one), 0u);
