@@ -10,7 +10,8 @@
 
 class StartedProgram {
  public:
-  // Copies the waiting program to `path` and starts it; it loads `library` when there is one.
+  // Copies the waiting program to `path` and starts it; it loads `library` when there is one, and has a
+  // window for the library "window".
   explicit StartedProgram(WideString path, const WideString& library = L"") : path_(std::move(path)) {
     CopyFileW(testing_files::Beside(L"WaitingProgram.exe").c_str(), path_.c_str(), FALSE);
     WideString line = L"\"" + path_ + L"\" " + Number(GetCurrentProcessId());
@@ -23,7 +24,7 @@ class StartedProgram {
         << ToUtf8(path_);
     process_.Reset(started.hProcess);
     const KernelHandle thread(started.hThread);
-    const KernelHandle ready(CreateEventW(nullptr, TRUE, FALSE, (L"waiting-" + Number(started.dwProcessId)).c_str()));
+    const KernelHandle ready(CreateEventW(nullptr, TRUE, FALSE, Title().c_str()));
     ResumeThread(thread.Get());
     const HANDLE either[] = {ready.Get(), process_.Get()};
     EXPECT_EQ(WaitForMultipleObjects(2, either, FALSE, 20000), static_cast<DWORD>(WAIT_OBJECT_0)) << ToUtf8(path_);
@@ -36,6 +37,7 @@ class StartedProgram {
   StartedProgram(const StartedProgram&) = delete;
   StartedProgram& operator=(const StartedProgram&) = delete;
 
+  [[nodiscard]] HWND Window() const { return FindWindowExW(HWND_MESSAGE, nullptr, nullptr, Title().c_str()); }
   // Waits for an end that is to come.
   [[nodiscard]] DWORD ExitCode() const {
     DWORD code = STILL_ACTIVE;
@@ -47,6 +49,7 @@ class StartedProgram {
 
  private:
   static WideString Number(DWORD number) { return WidenAscii(std::to_string(number)); }
+  [[nodiscard]] WideString Title() const { return L"waiting-" + Number(GetProcessId(process_.Get())); }
 
   WideString path_;
   KernelHandle process_;
