@@ -1,11 +1,10 @@
-// The loaded module as a host drives it: start, lists, directory listings, its services.
+// The loaded module as a host drives it: start, lists, directory listings.
 #include "engine/InstallEngine.h"
 #include "tests/module/LoadedModule.h"
 #include "tests/support/TestFiles.h"
 
 namespace {
 
-constexpr wchar_t kSystemPlayer[] = L"C:\\windows\\system32\\Halcyons\\Lumen";
 constexpr char kAllLists[] =
     "AddRemoveProgramsGUIDsAX ax1 ax2; AddRemoveProgramsGUIDsPlugin pl; AddRemoveProgramsGUIDsPepper pe;"
     "FilenamesAX a.ocx; FilenamesPlugin np.dll;"
@@ -21,7 +20,7 @@ class EngineLists : public ModuleFixture {
     testing_files::WriteWhole(system.Path() + L"\\Lumen28.ocx", "x");
     testing_files::MakeDirectories(product.Path() + L"\\addon1");
   }
-  testing_files::CleanDirectory system{kSystemPlayer};
+  testing_files::CleanDirectory system{L"C:\\windows\\system32\\Halcyons\\Lumen"};
   testing_files::CleanDirectory product{testing_files::PlayerDirectory() + L"\\corva.example\\bin"};
 };
 
@@ -69,18 +68,4 @@ TEST_F(EngineLists, AllSettingsListingsAndExtraFilesAreRead) {
   for (const auto& [list, keys] : rows) EXPECT_EQ(Keys(list), keys);
   EXPECT_TRUE(shim->LoadEngineLists());
   EXPECT_EQ(Keys(shim->GetAXFilenames()), (Lines{"a.ocx", "a.ocx"})) << "quirk: a second load doubles the lists";
-}
-
-TEST_F(EngineLists, AReleasePlayerKeepsItsUpdateServiceAndAnotherPlayersGoes) {
-  const WideString service = WideString(kSystemPlayer) + L"\\LumenUpdate.exe";
-  testing_files::WriteWhole(service, "not a program");  // so it can be deleted but not asked to go
-  host.updateServiceFileName = L"LumenUpdate.exe";
-  for (const bool goes : {false, true}) {
-    host.flags = goes ? 0 : host_flag::ReleasePlayer;
-    EXPECT_EQ(shim->RemoveUpdateService(nullptr, L"C:\\windows\\system32"), !goes);
-    EXPECT_EQ(testing_files::Exists(service), !goes);
-  }
-  const Lines reports = host.Reports();
-  EXPECT_EQ(std::count(reports.begin(), reports.end(), "1 1118"), 2) << "both switches of the notify mode";
-  EXPECT_EQ(reports.back(), "1 1100");
 }

@@ -97,6 +97,18 @@ TEST_F(StagedTask, SecurityThatIsSetAlreadyIsToldAndDoesNotStop) {
   EXPECT_EQ(TakeReports(), Lines{"1 1725 -2147417831"});
 }
 
+TEST_F(StagedTask, NothingIsScheduledWithoutATriggerOrInTheOldWayWithoutARandomStart) {
+  g_record.taskExists = true;
+  g_record.triggers = 0;
+  EXPECT_FALSE(Run(false, std::nullopt));
+  EXPECT_EQ(TakeReports(), Lines{"1 1176 0"});
+  g_record.taskExists = false;
+  g_machine.draws.clear();
+  UseOldSystem();
+  EXPECT_FALSE(Create());
+  EXPECT_EQ(TakeReports().back(), "1 1723 -2147467259");
+}
+
 // "1+ 4- 7?": an active session, one that is not, one whose state cannot be asked. "!": they cannot be listed.
 std::optional<std::vector<late_functions::Session>> Sessions(std::string_view text) {
   if (text == "!") return std::nullopt;
