@@ -95,7 +95,7 @@ void MInstallerWindow::ShowPanel(MUIPanel* panel) {
 }
 
 void MInstallerWindow::TakeStandardSize() {
-  const auto width = static_cast<int32_t>(Text(71).ParseDigits());
+  const int32_t width = ParseLength(Text(71));
   rect = {0, 0, width == 0 ? kFallbackWidth : width, kWindowHeight};
   ApplyRect(false, true);
 }

@@ -50,6 +50,11 @@ int32_t OffsetIn(std::initializer_list<uint32_t> locales, int32_t offset) {
   return std::find(locales.begin(), locales.end(), GetThreadLocale()) == locales.end() ? 0 : offset;
 }
 
+int32_t ParseLength(const MString& text) {
+  constexpr uint32_t kLongest = 1 << 30;
+  return static_cast<int32_t>(std::min(text.ParseDigits(), kLongest));
+}
+
 MString Insert(const MString& text, const MString& value) {
   return MString::Replace(text, L"^", value);
 }

@@ -53,6 +53,8 @@ void Place(MRegion& region, const Rect& bounds);
 void ShowText(MTextArea& area, const MString& text);
 // `offset` where the thread's locale is one of `locales`, whose fonts sit higher, else 0.
 [[nodiscard]] int32_t OffsetIn(std::initializer_list<uint32_t> locales, int32_t offset);
+// The digits that a text begins with, as a length. Short of where sums of lengths overflow, whatever the text says.
+[[nodiscard]] int32_t ParseLength(const MString& text);
 // `text` with its "^" replaced.
 [[nodiscard]] MString Insert(const MString& text, const MString& value);
 

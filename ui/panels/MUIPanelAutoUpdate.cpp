@@ -30,18 +30,19 @@ uint32_t ChoiceOf(const SettingsNode& mode) {
   return value == 1 || value == 2 ? value : 0;
 }
 
-Dialog AskHost(HostCallbacks& host, const MString& usualText) {
+Dialog AskHost(const MInstallerWindow& window) {
+  HostCallbacks& host = window.Host();
   Dialog dialog;
   SettingsTree data;
   if (!host.GetUpdateDialogData(&data)) {
-    dialog.text = usualText;
+    dialog.text = window.Text(26);
     return dialog;
   }
   const SettingsNode* const message = FindSetting(&data, L"message");
   if (message != nullptr && message->values != nullptr) dialog.text = message->values->name;
   if (const SettingsNode* const size = FindSetting(&data, L"size"); size != nullptr && size->values != nullptr) {
-    dialog.width = static_cast<int32_t>(size->values->name.ParseDigits());
-    if (size->values->next != nullptr) dialog.height = static_cast<int32_t>(size->values->next->name.ParseDigits());
+    dialog.width = ParseLength(size->values->name);
+    if (size->values->next != nullptr) dialog.height = ParseLength(size->values->next->name);
   }
   if (host.GetInstallSource() == kSilentSource) {
     host.SetAutoUpdateChoice(0);
@@ -96,7 +97,7 @@ void MUIPanelAutoUpdate::Show() {
   if (!host.SkipsUpdateChoice()) window.leftButton->SetVisible(true);
   window.rightButton->SetVisible(true);
 
-  const Dialog dialog = AskHost(host, Text(26));
+  const Dialog dialog = AskHost(window);
   if (host.GetInstallSource() == kSilentSource) {
     window.Show(false);
     window.morph->Notify(kUpdateStep, 0);
