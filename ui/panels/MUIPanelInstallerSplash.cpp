@@ -45,7 +45,12 @@ MUIPanelInstallerSplash::MUIPanelInstallerSplash(MInstallerWindow* window) : MUI
 }
 
 bool MUIPanelInstallerSplash::HandleEvent(uint32_t id, uint32_t message, int64_t /*param*/) {
-  if (licenseCheckbox == nullptr) return false;  // it was left once, and is not shown again
+  if (id == control_id::LeftButton && message == kClicked) {
+    installerWindow->EndLatePanels();
+    installerWindow->ExitInstaller(kExitClosedByUser);
+    return true;
+  }
+  if (licenseCheckbox == nullptr) return false;  // it was left once: empty, but for QUIT
   if (id == WindowEventId) {
     if (message == kWindowCreated) Show();
     if (message == kWindowResized) Resize();
@@ -55,10 +60,6 @@ bool MUIPanelInstallerSplash::HandleEvent(uint32_t id, uint32_t message, int64_t
   if (message != kClicked) return false;
   switch (id) {
     case control_id::FirstPanelButton: FollowLicense(); return true;
-    case control_id::LeftButton:
-      installerWindow->EndLatePanels();
-      installerWindow->ExitInstaller(kExitClosedByUser);
-      return true;
     case control_id::RightButton: StartInstall(); return true;
     default: return false;
   }
@@ -152,6 +153,7 @@ bool MUIPanelInstallerSplash::InstallDoneCallback(MUIPanelProgress* panel, uint3
 void MUIPanelInstallerSplash::OnBarFull(MUIPanelProgress& panel) const {
   MInstallerWindow& window = *installerWindow;
   window.morph->Notify(kInstallStep, 0);
+  if (panel.titleText == nullptr) return;  // a host that ran messages meanwhile was led to another panel
   const bool offersChoice =
       !window.Host().SkipsUpdateChoice() && (window.Host().GetFlags() & host_flag::ReleasePlayer) != 0;
   ShowText(*panel.titleText, offersChoice ? MString(L"") : Insert(Text(7), kShownVersion));

@@ -125,6 +125,7 @@ void MUIPanelProgress::Hide() {
   statusText->Detach();
   percentText->Detach();
   bar->Detach();
+  for (const auto& radio : radios) radio->Detach();  // which takes the focus ring away
   titleText.reset();
   statusText.reset();
   percentText.reset();
@@ -139,6 +140,7 @@ void MUIPanelProgress::Hide() {
 }
 
 void MUIPanelProgress::Tick() {
+  if (atWork) return;  // the host runs messages while it works; the bar waits for it all the same
   if (running == 0) return Tell(kProgressIdleTick);
   if ((step > 0 && current < target) || (step <= 0 && current > target)) return Advance();
   Stop();
@@ -154,12 +156,14 @@ void MUIPanelProgress::Advance() {
 void MUIPanelProgress::Stop() {
   running = 0;
   ReplaceTitle();
+  atWork = true;
   Tell(kProgressReachedTarget);
+  atWork = false;
   if (titleText == nullptr) return;  // what the host did led elsewhere
   ShowText(*percentText, MString(L""));
   titleText->verticalOffset = 1;
   titleText->Layout();
-  const bool asked = installerWindow->Host().SkipsUpdateChoice() && WasAskedBefore();
+  const bool asked = WasAskedBefore() && installerWindow->Host().SkipsUpdateChoice();
   if (!asked && IsReleasePlayer()) ShowUpdateChoice();
 }
 

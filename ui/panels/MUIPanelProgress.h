@@ -66,4 +66,6 @@ class MUIPanelProgress final : public MUIPanel {
   [[nodiscard]] bool IsReleasePlayer() const;
   // An update from a version that already asked how updates are to come does not ask again.
   [[nodiscard]] bool WasAskedBefore() const;
+
+  bool atWork = false;  // the callback has been told that the bar is full, and has not returned
 };

@@ -65,6 +65,7 @@ bool MUIPanelUninstallerSplash::UninstallDoneCallback(MUIPanelProgress* panel, u
     case kProgressReachedTarget:
       window.Host().BeginRemoval();
       window.morph->Notify(kUninstallStep, 0);
+      if (panel->titleText == nullptr) return true;  // a host that ran messages meanwhile was led to another panel
       ShowText(*panel->titleText, window.Text(10));
       window.SetButtonEnabled(*window.rightButton, true);
       return true;

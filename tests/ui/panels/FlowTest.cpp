@@ -262,6 +262,7 @@ TEST_F(Flow, TheUpdateIsOfferedAsTheHostSays) {
       {nullptr, 0, false, {}, 500, 270, "This update addresses product security and is recommended."},
       {L"message Hello; size 600 300; autoUpdateMode 2;", 0, true, {"SetAutoUpdateChoice 2"}, 600, 300, "Hello"},
       {L"message Hello; size 520; autoUpdateMode 7;", 4, false, {"SetAutoUpdateChoice 0"}, 520, 270, "Hello"},
+      {L"message Hello; size 4294967295 -5;", 0, false, {}, 1 << 30, 0, "Hello"},
       {L"message No; autoUpdateMode 2;", 12, false, {"SetAutoUpdateChoice 0", "Notify 4 0"}, 100, 100, ""},
   };
   for (const auto& row : rows) {
@@ -314,6 +315,28 @@ TEST_F(Flow, ImpatientClicksAndPanelsOutOfTurn) {
     Post(WindowEventId, kWindowResized);
   }
   EXPECT_EQ(Active(), "failure");
+  Post(CommandEventId, kOpenPanel, kOpenInstaller);
+  Events();
+  Post(control_id::LeftButton, kClicked);
+  EXPECT_EQ(Events(), Lines{"Notify 0 1039"}) << "a splash that was left is empty, but its QUIT works";
+}
+
+TEST_F(Flow, AHostThatRunsMessagesAtWork) {
+  host.UseSettings(L"AutoExitDelay 16;");
+  for (const auto& [panel, fails] :
+       {std::pair{kOpenInstaller, false}, {kOpenInstaller, true}, {kOpenUninstaller, true}}) {
+    bool worked = false;
+    onWork = [&, fails = fails] {
+      Post(fails ? FailureEventId : TickEventId, fails ? kShowLastError : 4u);
+      EXPECT_NE(Events().back(), "Notify 0 0") << "a tick ended the work";
+      worked = true;
+    };
+    Open(panel);
+    Post(control_id::RightButton, kClicked);
+    EXPECT_TRUE(Waited([&] { return worked; }));
+    EXPECT_EQ(Active(), fails ? "failure" : "progress");
+    Close();
+  }
 }
 
 TEST_F(Flow, WithoutDrawingObjectsTheInstallGoesOnUnseen) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "tests/ui/panels/PanelFixture.h"
 
 namespace {
@@ -121,12 +123,22 @@ TEST_F(Layout, UpdateChoice) {
   });
 }
 
-// A second line would lie on what stands below it, or outside the window.
+// A second line would lie on what stands below it, or outside the window. Where fonts sit higher, texts move down.
 TEST_F(Layout, TextsWithRoomForOneLineTakeOneInEveryLanguage) {
   host.flags = host_flag::ReleasePlayer;
+  host.restartRequired = true;
+  // The update, the uninstaller, licence and buttons, the choice with its labels, the restart note.
+  const std::map<int, std::vector<int32_t>> moved = {{0x0404, {3, 0, 3, 0, 0, 3, 3, 3, 1, 1, 1, 1}},
+                                                     {0x0804, {3, 0, 3, 0, 0, 3, 3, 3, 1, 1, 1, 1}},
+                                                     {0x0411, {3, 0, 3, 0, 0, 3, 3, 3, 0, 1, 0, 1}},
+                                                     {0x0412, {3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}}};
+  std::vector<int32_t> offsets;
   const LCID before = GetThreadLocale();
-  const auto expectOneLine = [](std::initializer_list<MTextArea*> texts) {
-    for (MTextArea* const text : texts) EXPECT_EQ(text->Render(), 1) << TextOf(*text);
+  const auto expectOneLine = [&](std::initializer_list<MTextArea*> texts) {
+    for (MTextArea* const text : texts) {
+      EXPECT_EQ(text->Render(), 1) << TextOf(*text);
+      offsets.push_back(text->verticalOffset);
+    }
   };
   for (const int language : {0x0409, 0x0405, 0x0407, 0x0C0A, 0x040C, 0x0410, 0x0411, 0x0412, 0x0413, 0x0415, 0x0416,
                              0x0419, 0x041D, 0x041F, 0x0804, 0x0404}) {
@@ -148,7 +160,9 @@ TEST_F(Layout, TextsWithRoomForOneLineTakeOneInEveryLanguage) {
     ASSERT_TRUE(BarStops());
     const auto& panel = *window->progressPanel;
     expectOneLine({panel.headingText.get(), panel.bodyText.get(), panel.learnMoreLink.get(), panel.radioLabels[0].get(),
-                   panel.radioLabels[1].get(), panel.radioLabels[2].get()});
+                   panel.radioLabels[1].get(), panel.radioLabels[2].get(), window->restartText.get()});
+    EXPECT_EQ(offsets, moved.contains(language) ? moved.at(language) : std::vector<int32_t>(12));
+    offsets.clear();
     Close();
   }
   SetThreadLocale(before);
