@@ -15,6 +15,8 @@ class InstallerUI final : public MorphUI {
  public:
   InstallerUI(HostCallbacks* owner, HMODULE resources) : MorphUI(owner, resources), installerWindow(this) {
     SetWindow(&installerWindow);
+    // The last of its parts. A window that memory did not suffice for cannot show a panel.
+    if (installerWindow.restartIcon == nullptr) throw std::bad_alloc();
   }
 
  private:
