@@ -96,6 +96,8 @@ void WindowSession::ShowMaintenance(MorphUI& ui, const MString& title) {
 
 int WindowSession::ExitCode(int windowCode) const {
   if (outcome) return static_cast<int>(*outcome);
+  // The loop needs a library of the system, and gives the system's error when it has not run.
+  if (!left) return static_cast<int>(End(HostExit::Failed, "the window ended early: " + std::to_string(windowCode)));
   if (windowCode != kQuit) return windowCode;
   const bool postponed = session.line.command == HostCommand::Update;
   return static_cast<int>(postponed ? HostExit::Left : HostExit::Conflicts);
@@ -114,10 +116,15 @@ int32_t WindowSession::Notified(MorphUI* ui, int32_t code, int64_t value, void* 
 
 void WindowSession::OnNotified(MorphUI& ui, int32_t code, int64_t value) {
   switch (code) {
+    case kInstallerExits: left = true; return;
+    case kQueryProductMask: *reinterpret_cast<uint32_t*>(value) |= session.line.kinds; return;
+    default: break;
+  }
+  if (left) return;  // a tick that was on its way when the user closed the window starts no work
+  switch (code) {
     case kInstallStep: return Install(ui);
     case kUninstallStep: return Remove(ui);
     case kUpdateStep: return Update(ui);
-    case kQueryProductMask: *reinterpret_cast<uint32_t*>(value) |= session.line.kinds; return;
     default: return;
   }
 }

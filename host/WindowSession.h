@@ -39,4 +39,5 @@ class WindowSession {
 
   const Session& session;
   std::optional<HostExit> outcome;  // of the work, once there was any
+  bool left = false;                // the window has told that it ends
 };
