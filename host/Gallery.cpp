@@ -356,6 +356,7 @@ void GalleryWindow::ShareInput(MRegion& label, const MRegion& control) {
 bool RunGallery(HostCallbacks& host) {
   MorphUI ui(&host, host.resourceModule);
   GalleryWindow window(&ui, host);
+  if (window.handle == nullptr) return false;  // nobody could end its loop
   ui.SetWindow(&window);
   const int32_t code = ui.RunMessageLoop();
   return code == 0 || code == kExitClosedByUser;

@@ -51,7 +51,7 @@ int WindowSession::Run() {
   ui->SetEventCallback(Notified, this);
   outcome = Refuse(lock);
   if (outcome) {
-    ui->PostEvent(FailureEventId, kShowLastError, 0);
+    ShowFailure(*ui);
   } else {
     Open(*ui);
   }
@@ -109,7 +109,7 @@ int32_t WindowSession::Notified(MorphUI* ui, int32_t code, int64_t value, void* 
     self.OnNotified(*ui, code, value);
   } catch (const std::bad_alloc&) {
     self.outcome = HostExit::Failed;
-    ui->PostEvent(FailureEventId, kShowLastError, 0);
+    self.ShowFailure(*ui);
   }
   return 0;
 }
@@ -154,13 +154,16 @@ void WindowSession::Update(MorphUI& ui) {
     outcome = PerformInstallation(session);
   }
   DropInput();
-  const bool failed = outcome != HostExit::Done && outcome != HostExit::RestartNeeded;
-  const bool unseen = session.host.GetInstallSource() == kBackgroundUpdate;
-  if (failed && !unseen) {
-    ui.PostEvent(FailureEventId, kShowLastError, 0);
-  } else {
-    ui.PostEvent(CommandEventId, kFinish, static_cast<int64_t>(*outcome));
-  }
+  if (outcome != HostExit::Done && outcome != HostExit::RestartNeeded) return ShowFailure(ui);
+  ui.PostEvent(CommandEventId, kFinish, static_cast<int64_t>(*outcome));
+}
+
+// An update in the background ends instead: it shows nothing, whatever becomes of it.
+void WindowSession::ShowFailure(MorphUI& ui) const {
+  const bool unseen =
+      session.line.command == HostCommand::Update && session.host.GetInstallSource() == kBackgroundUpdate;
+  if (unseen) return ui.PostEvent(CommandEventId, kFinish, static_cast<int64_t>(*outcome));
+  ui.PostEvent(FailureEventId, kShowLastError, 0);
 }
 
 void WindowSession::DropInput() {

@@ -34,6 +34,7 @@ class WindowSession {
   void Install(MorphUI& ui);
   void Remove(MorphUI& ui);
   void Update(MorphUI& ui);
+  void ShowFailure(MorphUI& ui) const;
   // What is clicked and typed while the window stands still is not meant for what it shows afterwards.
   static void DropInput();
 

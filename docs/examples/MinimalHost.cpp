@@ -1,5 +1,6 @@
 // The smallest host: loads the module, answers its questions, tells what is installed and, with "window", shows the
-// installer's window without installing anything. Build it against the module's two headers; link nothing of it.
+// installer's window without installing anything. It needs the module's headers and its texts and settings, which the
+// engine library holds; the module itself is loaded.
 //
 //     MinimalHost [window]
 #include <windows.h>
@@ -9,6 +10,7 @@
 #include "engine/HostCallbacks.h"
 #include "engine/LumenBrokerShim.h"
 #include "engine/SettingsTree.h"
+#include "ui/toolkit/MWindow.h"
 #include "ui/toolkit/MorphUI.h"
 
 namespace {
@@ -98,7 +100,10 @@ int Run(MinimalHost& host, bool withWindow) {
   }
   if (!withWindow) return 0;
   MorphUI* const ui = shim.CreateUI();
-  if (ui == nullptr) return 3;
+  if (ui == nullptr || ui->window->handle == nullptr) {
+    shim.DestroyUI(nullptr, ui);  // null is fine; a loop without a window would never end
+    return 3;
+  }
   ui->SetEventCallback(OnEvent, nullptr);
   ui->PostEvent(3, 6, 0);  // the installer's first panel
   const int32_t code = ui->RunMessageLoop();
