@@ -13,7 +13,7 @@ struct Row {
 constexpr Row kRows[] = {
     {0x00000000, "S_OK", "done"},
     {0x00000001, "S_FALSE", "no"},
-    {0x80004001, "E_NOTIMPL", "not in this build"},
+    {0x80004001, "E_NOTIMPL", "the broker does not do this"},
     {0x80004002, "E_NOINTERFACE", "no such interface"},
     {0x80004003, "E_POINTER", "null pointer"},
     {0x80004005, "E_FAIL", "failed or refused"},
