@@ -5,6 +5,8 @@
 //     MinimalHost [window]
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <cstdio>
 
 #include "engine/HostCallbacks.h"
@@ -99,6 +101,7 @@ int Run(MinimalHost& host, bool withWindow) {
     std::printf("%s: %s\n", name, kStates[shim.GetInstalledVersionState(kind)]);
   }
   if (!withWindow) return 0;
+  if (FAILED(CoInitialize(nullptr))) return 3;  // screen readers reach the window through COM
   MorphUI* const ui = shim.CreateUI();
   if (ui == nullptr || ui->window->handle == nullptr) {
     shim.DestroyUI(nullptr, ui);  // null is fine; a loop without a window would never end
@@ -108,6 +111,7 @@ int Run(MinimalHost& host, bool withWindow) {
   ui->PostEvent(3, 6, 0);  // the installer's first panel
   const int32_t code = ui->RunMessageLoop();
   shim.DestroyUI(nullptr, ui);
+  CoUninitialize();
   return code;
 }
 
