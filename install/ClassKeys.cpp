@@ -6,6 +6,7 @@
 
 namespace {
 
+#define ROOT_CLASS "CLASSES_ROOT\\CLSID\\"
 #define MACHINE_CLASS "MACHINE\\Software\\Classes\\CLSID\\"
 #define MACHINE_INTERFACE "MACHINE\\Software\\Classes\\Interface\\"
 #define MACHINE_LIBRARY "MACHINE\\Software\\Classes\\TypeLib\\"
@@ -32,8 +33,8 @@ constexpr const char* kSecondControl[] = {
 };
 
 constexpr const char* kClassRootHead[] = {
-    "CLASSES_ROOT\\CLSID\\" LUMEN_CONTROL_CLASS_ID,
-    "CLASSES_ROOT\\CLSID\\" LUMEN_FACTORY_CLASS_ID,
+    ROOT_CLASS LUMEN_CONTROL_CLASS_ID,
+    ROOT_CLASS LUMEN_FACTORY_CLASS_ID,
     "CLASSES_ROOT\\Interface\\" LUMEN_CONTROL_INTERFACE_ID,
     "CLASSES_ROOT\\TypeLib\\" LUMEN_CONTROL_LIBRARY_ID,
     "CLASSES_ROOT\\TypeLib\\" LUMEN_FACTORY_LIBRARY_ID,
@@ -70,7 +71,7 @@ constexpr const char* kClassRootTail[] = {
     "CLASSES_ROOT\\HalcyonicsLumenPaper.HalcyonicsLumenPaper",
     "CLASSES_ROOT\\MIME\\Database\\Content Type\\application/futureglint",
     "CLASSES_ROOT\\MIME\\Database\\Content Type\\application/x-tidewater-lumen",
-    "CLASSES_ROOT\\CLSID\\" LUMEN_PAPER_CLASS_ID,
+    (ROOT_CLASS LUMEN_PAPER_CLASS_ID),
     "MACHINE\\Software\\Classes\\TidewaterLumen.TidewaterLumen",
     "MACHINE\\Software\\Classes\\TidewaterLumen.TidewaterLumen.1",
     "MACHINE\\Software\\Classes\\TidewaterLumen.TidewaterLumen.3",
@@ -88,6 +89,7 @@ constexpr const char* kClassRootTail[] = {
     "Lumen\\application/x-tidewater-lumen",
 };
 
+#undef ROOT_CLASS
 #undef MACHINE_CLASS
 #undef MACHINE_INTERFACE
 #undef MACHINE_LIBRARY

@@ -68,7 +68,7 @@ TEST(ParseSettings, NeitherDepthNorLengthOfATextExhaustsTheStackOrTheTime) {
   // Many blocks for one key: the end of the chain is not searched for each.
   WideString wide = L"a";
   for (int i = 0; i < 200000; ++i) wide += L"{b}";
-  EXPECT_EQ(Parsed(wide.c_str()).size(), std::string("a{b}").size() + 199999 * 2);
+  EXPECT_EQ(Parsed(wide.c_str()).size(), std::string("a{b}").size() + size_t{199999} * 2);
 }
 
 TEST(FindSetting, FollowsDottedKeysAndLaterTextWins) {
