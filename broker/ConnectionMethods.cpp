@@ -2,6 +2,7 @@
 // need; an accessor that could not open the directory is kept, and its operations answer no.
 #include <windows.h>
 
+#include <algorithm>
 #include <new>
 #include <string>
 
@@ -24,7 +25,8 @@ std::string NameOf(BSTR text) {
   std::string name(length > 0 ? static_cast<size_t>(length) : 0, '\0');
   if (length <= 0 || WideCharToMultiByte(CP_UTF8, 0, text, units, name.data(), length, nullptr, nullptr) != length)
     return {};
-  return name.c_str();  // a name ends at its first NUL
+  name.resize(std::min(name.find('\0'), name.size()));  // a name ends there
+  return name;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@ namespace {
 #define ROOT_CLASS "CLASSES_ROOT\\CLSID\\"
 #define MACHINE_CLASS "MACHINE\\Software\\Classes\\CLSID\\"
 #define MACHINE_INTERFACE "MACHINE\\Software\\Classes\\Interface\\"
+#define MACHINE_PLUGINS "MACHINE\\Software\\Microsoft\\Internet Explorer\\NavigatorPluginsList\\Tidewater Lumen\\"
 #define MACHINE_LIBRARY "MACHINE\\Software\\Classes\\TypeLib\\"
 
 // The sixth generation is this build's own; its registration is removed where it is written.
@@ -83,15 +84,15 @@ constexpr const char* kClassRootTail[] = {
     "MACHINE\\Software\\Classes\\TidewaterLumen.TidewaterLumen.9",
     "MACHINE\\Software\\Classes\\TidewaterLumen.TidewaterLumen.10",
     "MACHINE\\Software\\Classes\\TidewaterLumen.TidewaterLumen.11",
-    MACHINE_CLASS LUMEN_PAPER_CLASS_ID,
-    "MACHINE\\Software\\Microsoft\\Internet Explorer\\NavigatorPluginsList\\Tidewater Lumen\\application/futureglint",
-    "MACHINE\\Software\\Microsoft\\Internet Explorer\\NavigatorPluginsList\\Tidewater "
-    "Lumen\\application/x-tidewater-lumen",
+    (MACHINE_CLASS LUMEN_PAPER_CLASS_ID),
+    (MACHINE_PLUGINS "application/futureglint"),
+    (MACHINE_PLUGINS "application/x-tidewater-lumen"),
 };
 
 #undef ROOT_CLASS
 #undef MACHINE_CLASS
 #undef MACHINE_INTERFACE
+#undef MACHINE_PLUGINS
 #undef MACHINE_LIBRARY
 
 template <size_t Count>
