@@ -39,7 +39,7 @@ ProcessIdentity IdentityByImage(HANDLE process) {
 ProcessIdentity IdentityOf(HANDLE process) {
   HMODULE image = nullptr;
   DWORD needed = 0;
-  if (!K32EnumProcessModules(process, &image, sizeof(image), &needed)) return IdentityByImage(process);
+  if (!K32EnumProcessModules(process, &image, sizeof(HMODULE), &needed)) return IdentityByImage(process);
   wchar_t name[MAX_PATH] = {};
   const DWORD length = K32GetModuleBaseNameW(process, image, name, MAX_PATH);
   return {MString(WideView(name, std::min<size_t>(length, MAX_PATH - 1))), ModulePath(process, image)};

@@ -133,7 +133,7 @@ TEST_F(Dialogs, ArgumentsAreTestedBeforeAnythingIsShown) {
   SAFEARRAYBOUND bounds[2] = {{size, 0}, {1, 0}};
   const ByteArray fits(good), flat(SafeArrayCreate(VT_UI1, 2, bounds));
   const ULONG window = ValueOf(owner.Window());
-  const struct {
+  const struct {  // NOLINT(clang-analyzer-optin.performance.Padding): in the order of the call
     const char* why;
     ULONG window;
     ULONG pairs;

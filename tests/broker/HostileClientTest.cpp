@@ -46,7 +46,7 @@ constexpr ArrayShape kArrays[] = {
 
 SAFEARRAY* MakeArray(ArrayShape shape) {
   SAFEARRAY* const array = SafeArrayCreate(shape.type, shape.bounds[1].cElements == 0 ? 1 : 2, shape.bounds);
-  if (shape.fill != 0) FillMemory(array->pvData, shape.bounds[0].cElements * array->cbElements, shape.fill);
+  if (shape.fill != 0) FillMemory(array->pvData, size_t{shape.bounds[0].cElements} * array->cbElements, shape.fill);
   return array;
 }
 

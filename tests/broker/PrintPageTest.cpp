@@ -23,10 +23,11 @@ class PrintedPage : public testing::Test {
     page.erase(0, page.size() - kPixelBytes);
   }
   // One of the colours, by its shift, at a place in inches.
-  [[nodiscard]] int Channel(double x, double y, int shift) const {
-    const auto pixel = static_cast<size_t>(static_cast<int>(y * 100) * kWidth + static_cast<int>(x * 100));
-    return static_cast<uint8_t>(page.at(pixel * 3 + static_cast<size_t>(2 - shift / 8)));
+  [[nodiscard]] int Channel(double x, double y, int shift) const { return ChannelAt(Dot(x), Dot(y), shift); }
+  [[nodiscard]] int ChannelAt(int x, int y, int shift) const {
+    return static_cast<uint8_t>(page.at(static_cast<size_t>(3 * (y * kWidth + x) + 2 - shift / 8)));
   }
+  static int Dot(double inches) { return static_cast<int>(inches * 100); }
   static constexpr size_t kPixelBytes = size_t{kWidth} * kHeight * 3;
   std::string page;
 };
@@ -81,8 +82,8 @@ TEST_F(PrintedPage, TextIsInTwoFontsSpacedAndTurned) {
   };
   for (const auto& area : areas) {
     int all = 0, dark = 0;
-    for (double y = area.top; y < area.bottom; y += 0.01) {
-      for (double x = area.left; x < area.right; x += 0.01, ++all) dark += Channel(x, y, 0) < 128 ? 1 : 0;
+    for (int y = Dot(area.top); y < Dot(area.bottom); ++y) {
+      for (int x = Dot(area.left); x < Dot(area.right); ++x, ++all) dark += ChannelAt(x, y, 0) < 128 ? 1 : 0;
     }
     if (area.least == 0) EXPECT_EQ(dark, 0) << area.why;
     if (area.least != 0) EXPECT_GT(static_cast<double>(dark) / all, area.least) << area.why;
