@@ -1,10 +1,8 @@
 // Any path from a client: whatever may be written lies under a root when the in-memory system opens it. Bytes that are
 // no path are tried as reparse data too.
-#include <cstddef>
-#include <cstdint>
-
 #include "broker/BrokerPathPolicy.h"
 #include "broker/ReparseData.h"
+#include "fuzz/Require.h"
 #include "tests/support/MemoryPathOperations.h"
 
 namespace {
@@ -19,17 +17,17 @@ void Judge(const WideString& path, bool foldsVerbatim) {
   (void)policy.IsSearchablePath(expanded->c_str());
   const bool strict = policy.IsWritableDataPath(expanded->c_str(), true, nullptr);
   const bool loose = policy.IsWritableDataPath(expanded->c_str(), false, nullptr);
-  if (strict && !loose) __builtin_trap();
+  Require(loose || !strict);
   if (!loose) return;
   const auto opened = system.OpenForReal(*expanded);
-  if (opened && !MemoryPathOperations::LiesUnderAWritableRoot(*opened, false)) __builtin_trap();
+  Require(!opened || MemoryPathOperations::LiesUnderAWritableRoot(*opened, false));
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto target = ParseReparseTarget({data, size});
-  if (target && (!IsLinkTag({data, size}) || target->size() * 2 > size)) __builtin_trap();
+  Require(!target || (IsLinkTag({data, size}) && target->size() * 2 <= size));
   const WideString path = FromUtf8({reinterpret_cast<const char*>(data), size});
   Judge(path, false);
   Judge(path, true);

@@ -1,9 +1,8 @@
 // Another participant may have written anything into the segment. Whatever it is, no operation leaves the mapping,
 // gives the lock back unevenly, or fails to end.
-#include <cstddef>
-#include <cstdint>
 #include <string>
 
+#include "fuzz/Require.h"
 #include "tests/connections/MemoryLcdAccessor.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -33,11 +32,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (accessor.GetMessageData(&message, &length)) {
       uint32_t sum = 0;
       for (int32_t i = 0; i < length; ++i) sum += message[i];
-      if (sum == 0x12345678) __builtin_trap();
+      Require(sum != 0x12345678);
     }
     (void)accessor.PruneDeadMessage();
     (void)accessor.DispatchMessage(data, static_cast<int32_t>(std::min<size_t>(size, 40960)), operations, 1, realm);
   }
-  if (accessor.holds != 0 || !accessor.GuardsAreWhole()) __builtin_trap();
+  Require(accessor.holds == 0 && accessor.GuardsAreWhole());
   return 0;
 }

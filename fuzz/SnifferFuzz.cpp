@@ -1,10 +1,9 @@
 // A hostile client's writes and seeks: no access out of bounds, only the first write is ever judged, and its verdict is
 // the oracle's.
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <span>
 
+#include "fuzz/Require.h"
 #include "tests/support/SnifferOracle.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -22,8 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     WrittenFile file(first);
     const bool refused = write == 0 && IsImage(first);
     (void)SniffSlice(record, slice, file);
-    if (record.sniffActive != 0) __builtin_trap();
-    if ((record.executableSeen != 0) != refused) __builtin_trap();
+    Require(record.sniffActive == 0);
+    Require((record.executableSeen != 0) == refused);
     if (record.executableSeen != 0) break;
     record.writePosition += static_cast<uint32_t>(length);
     record.lastWriteSize = static_cast<uint32_t>(length);

@@ -1,6 +1,4 @@
 // Image files of any content: no write beyond the bitmap, whatever header and packets say, and the decoder ends.
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
 #include "ui/toolkit/TgaImage.h"

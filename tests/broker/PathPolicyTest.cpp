@@ -6,7 +6,6 @@
 #include <random>
 
 #include "tests/support/MemoryPathOperations.h"
-#include "tests/support/PathCorpus.h"
 
 namespace {
 

@@ -19,27 +19,61 @@
 //   say TEXT         a headline
 #include <windows.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <functional>
 #include <set>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 #include "engine/Handles.h"
 #include "engine/WideText.h"
-#include "tests/support/ScreenPicture.h"
 #include "tests/support/ScreenReader.h"
+#include "ui/toolkit/GdiSupport.h"
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wshadow"
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STB_IMAGE_WRITE_STATIC
+#include <stb_image_write.h>
+#pragma GCC diagnostic pop
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-constexpr auto kLongest = std::chrono::seconds(20);
+constexpr DWORD kLongest = 20000;       // milliseconds, for anything that is waited for
 constexpr DWORD kGlance = 50;           // milliseconds between two looks
 constexpr DWORD kStillFor = 400;        // a picture that stays the same for so long is one at rest
 constexpr POINT kAside = {1270, 1010};  // where a pointer does not disturb what a key presses
 constexpr wchar_t kWindowClass[] = L"CorvaLumenPlayerInstaller";
+
+// The whole of a window on the screen, its frame and what lies over it included; empty when it cannot be read.
+struct Picture {
+  int width = 0, height = 0;
+  std::vector<uint8_t> pixels;  // red, green, blue; rows from the top
+  [[nodiscard]] bool operator==(const Picture&) const = default;
+};
+
+Picture Look(HWND window) {
+  RECT frame = {};
+  GetWindowRect(window, &frame);
+  Picture picture = {frame.right - frame.left, frame.bottom - frame.top, {}};
+  BITMAPINFO info = {};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), picture.width, -picture.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  const WindowDc screen(nullptr);
+  void* bits = nullptr;
+  const GdiObject bitmap(CreateDIBSection(screen.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  const MemoryDc copy(CreateCompatibleDC(screen.Get()));
+  const SelectedObject selected(copy.Get(), bitmap.Get());
+  if (!BitBlt(copy.Get(), 0, 0, picture.width, picture.height, screen.Get(), frame.left, frame.top, SRCCOPY)) return {};
+  GdiFlush();
+  const auto* const source = static_cast<const uint8_t*>(bits);
+  for (int at = 0; at < picture.width * picture.height * 4; at += 4) {
+    picture.pixels.insert(picture.pixels.end(), {source[at + 2], source[at + 1], source[at]});
+  }
+  return picture;
+}
 
 struct Program {
   KernelHandle process;
@@ -48,10 +82,8 @@ struct Program {
 };
 
 bool Await(const std::function<bool()>& done) {
-  const auto deadline = Clock::now() + kLongest;
-  while (!done()) {
-    if (Clock::now() > deadline) return false;
-    Sleep(kGlance);
+  for (const DWORD begin = GetTickCount(); !done(); Sleep(kGlance)) {
+    if (GetTickCount() - begin > kLongest) return false;
   }
   return true;
 }
@@ -82,13 +114,11 @@ void SendMouse(DWORD flags) {
 }
 
 void SendKey(WORD key) {
-  for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof(input));
-  }
+  INPUT input[2] = {};
+  input[0].type = input[1].type = INPUT_KEYBOARD;
+  input[0].ki.wVk = input[1].ki.wVk = key;
+  input[1].ki.dwFlags = KEYEVENTF_KEYUP;
+  SendInput(2, input, sizeof(*input));
 }
 
 class Player {
@@ -109,7 +139,7 @@ class Player {
     if (command == "click") return ClickControl(std::stoi(rest));
     if (command == "double") return ClickControl(std::stoi(rest)) && ClickControl(std::stoi(rest));
     if (command == "click-at") return ClickAt(rest);
-    if (command == "focus") return Focus(std::stoi(rest));
+    if (command == "focus") return TabUntil([&](HWND control) { return control == Control(std::stoi(rest)); });
     if (command == "reach") return Reach(rest);
     if (command == "hear") return Await([&] { return IsHeard(rest); });
     if (command == "key") return Key(rest);
@@ -124,11 +154,9 @@ class Player {
     if (command == "exit") return Ended(std::stoul(rest));
     return false;
   }
-  void TellWhatIsThere() const {
-    std::printf("        title: %s\n        shown: %s\n", Title().c_str(), Shown().c_str());
-    (void)ScreenPicture::Of(window).Save(prefix + "failed.png");
-  }
   void GiveUp() {
+    std::printf("        title: %s\n        shown: %s\n", Title().c_str(), Shown().c_str());
+    (void)Keep("failed");
     if (host.process) TerminateProcess(host.process.Get(), 1);
     if (program.process) TerminateProcess(program.process.Get(), 1);
   }
@@ -139,17 +167,10 @@ class Player {
     host = Start(L"\"" + path + L"\" " + FromUtf8(arguments));
     if (!host.process) return false;
     (void)Await([this] {
-      EnumThreadWindows(host.thread, Recognise, reinterpret_cast<LPARAM>(&window));
-      return (window != nullptr && IsWindowVisible(window)) || !Runs();
+      window = FindWindowW(kWindowClass, nullptr);
+      return IsWindowVisible(window) || WaitForSingleObject(host.process.Get(), 0) != WAIT_TIMEOUT;
     });
     return window != nullptr && SetForegroundWindow(window);
-  }
-  [[nodiscard]] bool Runs() const { return WaitForSingleObject(host.process.Get(), 0) == WAIT_TIMEOUT; }
-  static BOOL CALLBACK Recognise(HWND candidate, LPARAM found) {
-    wchar_t name[64] = {};
-    GetClassNameW(candidate, name, 64);
-    if (WideView(name) == kWindowClass) *reinterpret_cast<HWND*>(found) = candidate;
-    return TRUE;
   }
   [[nodiscard]] HWND Control(int id) const { return GetDlgItem(window, id); }
   bool ClickControl(int id) {
@@ -185,9 +206,6 @@ class Player {
     info.cbSize = sizeof(info);
     return GetGUIThreadInfo(host.thread, &info) ? info.hwndFocus : nullptr;
   }
-  bool Focus(int id) {
-    return TabUntil([&](HWND control) { return control == Control(id); });
-  }
   bool TabUntil(const std::function<bool(HWND)>& there) {
     for (int strokes = 0; strokes < 12; ++strokes) {
       const HWND before = Focused();
@@ -217,32 +235,32 @@ class Player {
     return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 60000, &ignored) != 0 || !IsWindow(window);
   }
   bool Rest() const {
-    ScreenPicture last;
-    auto since = Clock::now();
+    Picture last;
+    DWORD since = GetTickCount();
     return Await([&] {
       if (!Answers()) return false;
-      ScreenPicture now = ScreenPicture::Of(window);
-      if (!(now == last)) {
-        last = std::move(now);
-        since = Clock::now();
-      }
-      return Clock::now() - since > std::chrono::milliseconds(kStillFor);
+      Picture now = Look(window);
+      if (!(now == last)) since = GetTickCount();
+      last = std::move(now);
+      return GetTickCount() - since > kStillFor;
     });
   }
   // A bar on its way changes the picture again and again; a panel that has just come does so once or twice.
   bool Moves() const {
-    ScreenPicture last = ScreenPicture::Of(window);
+    Picture last = Look(window);
     int changes = 0;
     return Await([&] {
-      ScreenPicture now = ScreenPicture::Of(window);
-      if (now != last) ++changes;
+      Picture now = Look(window);
+      if (!(now == last)) ++changes;
       last = std::move(now);
       return changes >= 4;
     });
   }
-  bool Keep(const std::string& name) {
-    const std::string file = prefix + name + ".png";
-    return ScreenPicture::Of(window).Save(file);
+  bool Keep(const std::string& name) const {
+    const Picture now = Look(window);
+    stbi_write_png_compression_level = 9;
+    return !now.pixels.empty() && stbi_write_png((prefix + name + ".png").c_str(), now.width, now.height, 3,
+                                                 now.pixels.data(), now.width * 3) != 0;
   }
   [[nodiscard]] std::string Title() const {
     wchar_t text[256] = {};
@@ -277,7 +295,7 @@ class Player {
     return TerminateProcess(program.process.Get(), 0) &&
            WaitForSingleObject(program.process.Get(), 60000) == WAIT_OBJECT_0;
   }
-  bool Ended(unsigned long wanted) {
+  bool Ended(DWORD wanted) {
     DWORD code = STILL_ACTIVE;
     if (WaitForSingleObject(host.process.Get(), 60000) != WAIT_OBJECT_0) return false;
     GetExitCodeProcess(host.process.Get(), &code);
@@ -307,7 +325,6 @@ int wmain(int count, wchar_t** arguments) {
   for (std::string step; std::getline(script, step);) {
     if (step.empty() || player.Do(step)) continue;
     std::printf("        DIFFERS\n");
-    player.TellWhatIsThere();
     player.GiveUp();
     return 1;
   }

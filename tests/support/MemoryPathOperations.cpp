@@ -1,7 +1,9 @@
 #include "tests/support/MemoryPathOperations.h"
 
 #include <algorithm>
-#include <string>
+#include <fstream>
+#include <sstream>
+#include <utility>
 
 #include "broker/BrokerPathPolicy.h"
 
@@ -79,27 +81,57 @@ Rooted TakeRoot(WideView path) {
   return {L"C:\\", L"Windows\\System32\\" + WideString(path)};
 }
 
-}  // namespace
+constexpr std::pair<std::string_view, WideView> kTokens[] = {
+    {"{P}", kPlayer},
+    {"{V}", L"C:\\Users\\A\\AppData\\Roaming\\Corva\\Lumen Player"},
+    {"{R}", L"C:\\Users\\A\\AppData\\Roaming"},
+    {"{L}", L"C:\\Users\\A\\AppData\\Local"},
+    {"{T}", L"C:\\Users\\A\\AppData\\Local\\Temp\\Low"},
+    {"{S}", L"C:\\Windows\\System32"},
+    {"{W}", L"C:\\Windows\\SysWOW64"},
+    {"{bar}", L"|"},
+};
 
-std::vector<uint8_t> MakeReparseData(uint32_t tag, WideView substitute) {
-  std::vector<uint8_t> data;
-  const auto put16 = [&data](size_t value) {
-    data.push_back(static_cast<uint8_t>(value));
-    data.push_back(static_cast<uint8_t>(value >> 8));
-  };
-  const bool symbolic = tag == 0xA000000C;
-  put16(tag & 0xFFFF);
-  put16(tag >> 16);
-  put16(substitute.size() * 2 + (symbolic ? 12 : 8));
-  put16(0);
-  put16(0);
-  put16(substitute.size() * 2);
-  put16(substitute.size() * 2);
-  put16(0);
-  if (symbolic) data.insert(data.end(), 4, 0);
-  for (const wchar_t unit : substitute) put16(unit);
-  return data;
+WideString FillIn(const std::string& text) {
+  WideString path = FromUtf8(text);
+  for (const auto& [name, value] : kTokens) {
+    const WideString token = WidenAscii(name);
+    for (size_t at; (at = path.find(token)) != WideString::npos;) path.replace(at, token.size(), value);
+  }
+  for (const WideView name : {L"{pad:", L"{deep:"}) {
+    const size_t at = path.find(name);
+    if (at == WideString::npos) continue;
+    const size_t end = path.find(L'}', at);
+    const size_t wanted = std::stoul(ToUtf8(path.substr(at + name.size(), end - at - name.size())));
+    const size_t others = path.size() - (end + 1 - at);
+    WideString filling;
+    while (filling.size() + (name == L"{pad:" ? others : 0) < wanted) {
+      filling += name == L"{deep:" && filling.size() % 20 == 19 ? L'\\' : L'x';
+    }
+    path.replace(at, end + 1 - at, filling);
+  }
+  return path;
 }
+
+// Bytes as the platform stores a link.
+std::vector<uint8_t> MakeReparseData(uint32_t tag, WideView substitute) {
+  const bool symbolic = tag == 0xA000000C;
+  const auto bytes = static_cast<uint16_t>(substitute.size() * 2);
+  std::vector<uint16_t> words = {static_cast<uint16_t>(tag),
+                                 static_cast<uint16_t>(tag >> 16),
+                                 static_cast<uint16_t>(bytes + (symbolic ? 12 : 8)),
+                                 0,
+                                 0,
+                                 bytes,
+                                 bytes,
+                                 0};
+  if (symbolic) words.insert(words.end(), 2, 0);
+  words.insert(words.end(), substitute.begin(), substitute.end());
+  const auto* const data = reinterpret_cast<const uint8_t*>(words.data());
+  return {data, data + words.size() * 2};
+}
+
+}  // namespace
 
 bool MemoryPathOperations::LiesUnderAWritableRoot(WideView opened, bool localAppData) {
   const auto lies = [opened](WideView root) { return BrokerPathPolicy::IsPathUnderRoot(opened, root); };
@@ -123,7 +155,7 @@ MemoryPathOperations::MemoryPathOperations() {
   const WideString player(kPlayer);
   const WideString upper(MemoryPathOperations::kPlayerRoot);
   for (const WideString& item : Split(kDisk, L"|")) Add(item);
-  AddFile(L"C:\\Windows\\System32\\Halcyons\\Lumen\\hms.cfg");
+  nodes[L"C:\\WINDOWS\\SYSTEM32\\HALCYONS\\LUMEN\\HMS.CFG"] = Node{L"hms.cfg", 0x20, {}, {}};
   shortNames = {{L"LUMENP~1", L"LUMEN PLAYER"},
                 {L"HALCYO~1", L"HALCYONICS"},
                 {L"LONGDI~1", L"LONG DIRECTORY"},
@@ -152,23 +184,17 @@ void MemoryPathOperations::Add(const WideString& item) {
   const size_t arrow = item.find_first_of(L">=");
   WideString name = item.substr(0, arrow);
   if (name.find(L':') == WideString::npos) name = WideString(kPlayer) + L"\\" + name;
-  if (arrow == WideString::npos) return AddDirectory(name);
+  if (arrow == WideString::npos) {
+    WideString key;
+    for (const WideString& part : Split(name)) {
+      key += (key.empty() ? L"" : L"\\") + Upper(part);
+      nodes.try_emplace(key, Node{part, kAttributeDirectory, {}, {}});
+    }
+    return;
+  }
   WideString target = item.substr(arrow + 1);
   if (const size_t inside = target.find(L'^'); inside != WideString::npos) target.replace(inside, 1, kPlayerRoot);
   AddLink(name, target, item[arrow] == L'=');
-}
-
-void MemoryPathOperations::AddDirectory(WideView path) {
-  const std::vector<WideString> parts = Split(path);
-  WideString key;
-  for (const WideString& part : parts) {
-    key += (key.empty() ? L"" : L"\\") + Upper(part);
-    nodes.try_emplace(key, Node{part, kAttributeDirectory, {}, {}});
-  }
-}
-
-void MemoryPathOperations::AddFile(WideView path) {
-  nodes[Upper(path)] = Node{Split(path).back(), 0x20, {}, {}};
 }
 
 void MemoryPathOperations::AddLink(WideView path, WideView target, bool mountPoint) {
@@ -228,14 +254,11 @@ std::optional<WideString> MemoryPathOperations::Locate(WideView path, bool follo
   const std::vector<WideString> parts = Split(path);
   WideString key;
   for (size_t i = 0; i < parts.size(); ++i) {
-    WideString part = Upper(parts[i]);
-    const auto shortName = shortNames.find(part);
-    if (shortName != shortNames.end()) part = shortName->second;
-    key += (key.empty() ? L"" : L"\\") + part;
+    const WideString part = Upper(parts[i]);
+    key += (key.empty() ? L"" : L"\\") + Find(shortNames, part).value_or(part);
     const auto node = nodes.find(key);
-    const bool last = i + 1 == parts.size();
-    if (node == nodes.end()) return last && !followLast ? std::nullopt : std::optional<WideString>();
-    if (node->second.target.empty() || (last && !followLast)) continue;
+    if (node == nodes.end()) return std::nullopt;
+    if (node->second.target.empty() || (i + 1 == parts.size() && !followLast)) continue;
     WideString rest = node->second.target;
     for (size_t j = i + 1; j < parts.size(); ++j) rest += L"\\" + parts[j];
     return Locate(rest, followLast, depth + 1);
@@ -243,48 +266,23 @@ std::optional<WideString> MemoryPathOperations::Locate(WideView path, bool follo
   return key;
 }
 
-std::optional<uint32_t> MemoryPathOperations::Attributes(WideView path) {
-  if (path.size() >= 260) return std::nullopt;
+const MemoryPathOperations::Node* MemoryPathOperations::NodeAt(WideView path) {
   const std::optional<WideString> opened = Opened(path);
   const std::optional<WideString> key = opened ? Locate(*opened, false) : std::nullopt;
-  if (!key) return std::nullopt;
-  const auto node = nodes.find(*key);
-  if (node == nodes.end()) return std::nullopt;
-  return node->second.attributes;
+  const auto node = key ? nodes.find(*key) : nodes.end();
+  return node == nodes.end() ? nullptr : &node->second;
 }
 
 std::optional<WideString> MemoryPathOperations::LongPath(WideView path) {
   if (!Attributes(path)) return std::nullopt;
-  const std::vector<WideString> parts = Split(path);
-  WideString key;
-  WideString shown;
-  for (const WideString& part : parts) {
-    const auto shortName = shortNames.find(Upper(part));
-    key += (key.empty() ? L"" : L"\\") + (shortName == shortNames.end() ? Upper(part) : shortName->second);
+  WideString key, shown;
+  for (const WideString& part : Split(path)) {
+    key += (key.empty() ? L"" : L"\\") + Find(shortNames, Upper(part)).value_or(Upper(part));
     const auto node = nodes.find(key);
     shown += (shown.empty() ? L"" : L"\\") + (node == nodes.end() ? part : node->second.name);
   }
   if (path.ends_with(L'\\') && !shown.ends_with(L'\\')) shown += L'\\';
   return shown;
-}
-
-std::optional<WideString> MemoryPathOperations::ObjectLinkTarget(WideView objectPath) {
-  const auto link = objectLinks.find(Upper(objectPath));
-  if (link == objectLinks.end()) return std::nullopt;
-  return link->second;
-}
-
-std::optional<std::vector<uint8_t>> MemoryPathOperations::ReadReparsePoint(WideView path) {
-  const std::optional<WideString> opened = Opened(path);
-  const std::optional<WideString> key = opened ? Locate(*opened, false) : std::nullopt;
-  const auto node = key ? nodes.find(*key) : nodes.end();
-  return node == nodes.end() ? std::nullopt : node->second.reparseData;
-}
-
-std::optional<WideString> MemoryPathOperations::Folder(ShellFolder folder) {
-  const auto path = folders.find(folder);
-  if (path == folders.end()) return std::nullopt;
-  return path->second;
 }
 
 std::optional<WideString> MemoryPathOperations::OpenForReal(WideView path) {
@@ -302,4 +300,17 @@ std::optional<WideString> MemoryPathOperations::OpenForReal(WideView path) {
     full = file->second.target;
   }
   return std::nullopt;
+}
+
+std::vector<PathRow> ReadPathCorpus() {
+  std::vector<PathRow> rows;
+  std::ifstream in(LUMEN_SOURCE_DIR "/tests/data/paths.txt", std::ios::binary);
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream parts(line);
+    std::string setting, flags, path, reason;
+    for (std::string* const part : {&setting, &flags, &path, &reason}) std::getline(parts, *part, '|');
+    rows.push_back({setting == "L", flags, FillIn(path), reason});
+  }
+  return rows;
 }

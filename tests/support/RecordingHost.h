@@ -1,21 +1,17 @@
 // A host program for tests: gives the answers that a test set, keeps what the module reported and which events it told
 // of. It is complete, so a test may hand it to Start or to any function that takes HostCallbacks.
 //
-//     RecordingHost host;
-//     host.UseSettings(L"FilenamesAX a.ocx;");
-//     host.flags = host_flag::ActiveX;
-//     ... the call under test ...
 //     EXPECT_EQ(host.Reports(), (Lines{"1 1113 C:\\missing 3"}));
 //
 // Belongs to the test's own thread.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 #include <map>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "engine/HostCallbacks.h"
@@ -24,37 +20,9 @@
 #include "tests/support/Texts.h"
 
 // What was reported, as the failure panel would read it.
-class RecordingLog final : public MessageLog {
- public:
-  void Add(uint32_t severity, uint32_t code, const MString& text) { entries.push_back({severity, code, text}); }
-  // One line a report: severity, code and text (UTF-8) with a blank between; an empty text leaves no blank.
-  [[nodiscard]] Lines AsLines() const {
-    Lines lines;
-    for (const Entry& entry : entries) {
-      const std::string text = entry.text.IsEmpty() ? "" : " " + ::Text(entry.text);
-      lines.push_back(std::to_string(entry.severity) + " " + std::to_string(entry.code) + text);
-    }
-    return lines;
-  }
-  void Clear() { entries.clear(); }
-
-  uint32_t Count() override { return static_cast<uint32_t>(entries.size()); }
-  uint32_t Code(uint32_t index) override { return At(index).code; }
-  uint32_t Severity(uint32_t index) override { return At(index).severity; }
-  MString* Text(MString* out, uint32_t index) override { return &(*out = At(index).text); }
-  // "code: text", so that a window test sees which entry was chosen.
-  MString* Format(MString* out, HostCallbacks* /*host*/, uint32_t /*severity*/, uint32_t code, MString text,
-                  uint32_t /*reserved*/) override {
-    return &(*out = MString(WideView(FromUtf8(std::to_string(code) + ": " + ::Text(text)))));
-  }
-
-  // How often a callee asked for an entry that is not there; the panel must never.
-  uint32_t readsPastTheEnd = 0;
-
- private:
+struct RecordingLog final : MessageLog {
   struct Entry {
-    uint32_t severity = 0;
-    uint32_t code = 0;
+    uint32_t severity = 0, code = 0;
     MString text;
   };
   Entry At(uint32_t index) {
@@ -62,30 +30,43 @@ class RecordingLog final : public MessageLog {
     ++readsPastTheEnd;
     return {};
   }
+  uint32_t Count() override { return static_cast<uint32_t>(entries.size()); }
+  uint32_t Code(uint32_t index) override { return At(index).code; }
+  uint32_t Severity(uint32_t index) override { return At(index).severity; }
+  MString* Text(MString* out, uint32_t index) override { return &(*out = At(index).text); }
+  // "code: text", so that a window test sees which entry was chosen.
+  MString* Format(MString* out, HostCallbacks*, uint32_t, uint32_t code, MString text, uint32_t) override {
+    return &(*out = MString(WideView(FromUtf8(std::to_string(code) + ": " + ::Text(text)))));
+  }
 
   std::vector<Entry> entries;
+  uint32_t readsPastTheEnd = 0;  // how often an entry was asked for that is not there; the panel must never
 };
 
 class RecordingHost final : public HostCallbacks {
  public:
   // Adds a settings document in front of those there are.
   void UseSettings(const wchar_t* text) { ParseSettings(&settings, MString(text)); }
-  [[nodiscard]] Lines Reports() const { return log.AsLines(); }
+  // One line a report: severity, code and text with a blank between; an empty text leaves no blank.
+  [[nodiscard]] Lines Reports() const {
+    Lines lines;
+    for (const auto& [severity, code, text] : log.entries) {
+      lines.push_back(std::to_string(severity) + " " + std::to_string(code) + (text.IsEmpty() ? "" : " " + Text(text)));
+    }
+    return lines;
+  }
   // Forgets reports and events, keeps the answers.
   void Forget() {
-    log.Clear();
+    log.entries.clear();
     events.clear();
   }
 
   // A wrong first argument has to show in every test that compares reports.
   void ReportMessage(uint64_t reserved, uint32_t severity, uint32_t code, MString text) override {
-    log.Add(severity, code, reserved == 0 ? text : MString(L"(reserved argument is not 0)"));
+    log.entries.push_back({severity, code, reserved == 0 ? text : MString(L"(reserved argument is not 0)")});
   }
   void LoadStringFallback(MString* out, uint32_t id, uint32_t flag) override {
-    if (usesModuleTexts && flag != 0) {
-      shim->LoadString(out, id, 1);
-      return;
-    }
+    if (usesModuleTexts && flag != 0) return shim->LoadString(out, id, 1), void();
     events.push_back("LoadStringFallback " + std::to_string(id) + " " + std::to_string(flag));
     const auto known = fallbackTexts.find(id);
     *out = known == fallbackTexts.end() ? MString(WideView(FromUtf8("fallback " + std::to_string(id)))) : known->second;
@@ -100,9 +81,9 @@ class RecordingHost final : public HostCallbacks {
     events.emplace_back(reserved == nullptr ? "NotifyConflictsCleared" : "NotifyConflictsCleared of something");
   }
   bool IsRestartRequired() override { return restartRequired; }
-  void GetBrowserPaths(MString* control, MString* helper) override { browserNames.Give(control, helper); }
-  void GetPluginPaths(MString* control, MString* helper) override { pluginNames.Give(control, helper); }
-  void GetPepperPaths(MString* control, MString* helper) override { pepperNames.Give(control, helper); }
+  void GetBrowserPaths(MString* control, MString* helper) override { std::tie(*control, *helper) = browserNames; }
+  void GetPluginPaths(MString*, MString*) override {}
+  void GetPepperPaths(MString*, MString*) override {}
   void GetControlPanelAppletName(MString* out) override { *out = controlPanelAppletName; }
   void GetSettingsManagerFileName(MString* out) override { *out = settingsManagerFileName; }
   void GetUtilityPath(MString* out) override { *out = utilityPath; }
@@ -120,7 +101,7 @@ class RecordingHost final : public HostCallbacks {
   MString* GetPreviousActiveXVersion(MString* out) override { return &(*out = previousActiveXVersion); }
   MString* GetPreviousPluginVersion(MString* out) override { return &(*out = previousPluginVersion); }
   MString* GetPreviousPepperVersion(MString* out) override { return &(*out = MString(L"")); }
-  MString* GetTaskCommandPath(MString* out) override { return &(*out = taskCommandPath); }
+  MString* GetTaskCommandPath(MString* out) override { return out; }
   bool GetUpdateDialogData(SettingsTree* out) override {
     if (updateDialogData.Data() != nullptr) ParseSettings(out, updateDialogData);
     return updateDialogData.Data() != nullptr;
@@ -128,25 +109,16 @@ class RecordingHost final : public HostCallbacks {
   void SetAutoUpdateChoice(uint32_t mode) override { Tell("SetAutoUpdateChoice", mode); }
   void StoreUpdateChoice(uint32_t value) override { Tell("StoreUpdateChoice", value); }
 
-  // The two names that conflicts of one kind are searched by.
-  struct Names {
-    MString control, helper;
-    void Give(MString* c, MString* h) const { std::tie(*c, *h) = std::tie(control, helper); }
-  };
-
   // Answers, each of the operation that it is named after.
   uint32_t flags = 0, installSource = 0, osClass = 0, sessionMode = 0;
   bool conflictCheckIsOptional = false, conflictsBlockInstall = false, restartRequired = false;
   bool skipsUpdateChoice = false, analyticsAllowed = false;
-  Names browserNames, pluginNames, pepperNames;
-  MString payloadPath, utilityPath, taskCommandPath, downloadSettings;
+  std::pair<MString, MString> browserNames;  // of the control and its helper
+  MString payloadPath, utilityPath, downloadSettings;
   MString controlPanelAppletName, settingsManagerFileName, updateServiceFileName, feedbackServiceFileName;
   MString previousActiveXVersion, previousPluginVersion;
-  // Settings text of GetUpdateDialogData; a null text makes the operation fail.
-  MString updateDialogData;
-  // Whether LoadStringFallback asks the module's own tables first, as a window's texts want it.
-  bool usesModuleTexts = false;
-  // Texts of LoadStringFallback; any other id gives "fallback <id>".
+  MString updateDialogData;      // a settings text; a null one makes the operation fail
+  bool usesModuleTexts = false;  // whether LoadStringFallback asks the module's own tables first
   std::map<uint32_t, MString> fallbackTexts;
   SettingsTree settings;
   RecordingLog log;

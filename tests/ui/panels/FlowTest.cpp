@@ -178,8 +178,8 @@ TEST_F(Flow, TheFailurePanelShowsTheNewestError) {
        {Row{{}, "No error information is available.", "The installation encountered errors:", install},
         Row{{{1, 5}, {2, 6}, {3, 7}, {1, 8}}, "7: ", "The installation encountered errors:", install},
         Row{{{2, 1048}}, "1048: ", "The uninstaller needs your attention.", "Uninstall Corva Lumen Player"}}) {
-    host.log.Clear();
-    for (const auto& [severity, code] : row.reports) host.log.Add(severity, code, MString(L""));
+    host.log.entries.clear();
+    for (const auto& [severity, code] : row.reports) host.log.entries.push_back({severity, code, MString(L"")});
     Open(kOpenInstaller);
     Post(FailureEventId, kShowLastError);
     EXPECT_EQ(Active(), "failure");
