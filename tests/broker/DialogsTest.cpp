@@ -13,7 +13,6 @@
 #include "tests/support/BrokerProcess.h"
 #include "tests/support/ByteArray.h"
 #include "tests/support/DialogDriver.h"
-#include "tests/support/FilterText.h"
 #include "tests/support/TestDesktop.h"
 
 namespace {
@@ -26,6 +25,24 @@ TestDesktop* g_desktop = nullptr;
     testing::AddGlobalTestEnvironment(g_desktop = new TestDesktop);  // owned by googletest
 
 const WideString kTrusted = testing_files::Folder(CSIDL_PROGRAM_FILES) + L"\\Lumen Owner Test";
+
+// The bytes of a text with its terminator.
+std::string FilterBytes(WideView text) {
+  const WideString terminated(text);
+  const auto* const bytes = reinterpret_cast<const char*>(terminated.c_str());
+  return {bytes, (terminated.size() + 1) * sizeof(wchar_t)};
+}
+
+// What a dialog gave, joined by "|"; "(empty)" without a list. Clears it.
+std::string TakeEntries(VARIANT& entries) {
+  std::string chosen = entries.vt == (VT_ARRAY | VT_VARIANT) ? "" : "(empty)";
+  for (ULONG i = 0; chosen != "(empty)" && i < entries.parray->rgsabound[0].cElements; ++i) {
+    const VARIANT& element = static_cast<const VARIANT*>(entries.parray->pvData)[i];
+    chosen += (i == 0 ? "" : "|") + (element.vt == VT_BSTR ? ToUtf8(element.bstrVal) : "(no text)");
+  }
+  VariantClear(&entries);
+  return chosen;
+}
 
 ULONG ValueOf(HWND window) {
   return static_cast<ULONG>(reinterpret_cast<uintptr_t>(window));

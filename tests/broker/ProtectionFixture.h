@@ -16,10 +16,9 @@
 #include "tests/support/TestFiles.h"
 
 // The controls of a stand-in that is loaded already, or can be.
-template <class Controls>
-Controls& ControlsOf(const wchar_t* library) {
+inline FakeControls& ControlsOf(const wchar_t* library) {
   const HMODULE module = LoadLibraryW(library);
-  using Get = Controls*();
+  using Get = FakeControls*();
   return *reinterpret_cast<Get*>(reinterpret_cast<void*>(GetProcAddress(module, "GetControls")))();
 }
 
@@ -44,9 +43,9 @@ class ServedCall final : public SlotFake<IServerSecurity> {
 class ProtectionTest : public testing::Test {
  protected:
   ProtectionTest()
-      : srp(ControlsOf<SrpControls>(L"C:\\windows\\system32\\srpapi.dll")),
-        efs(ControlsOf<EfsControls>(L"C:\\windows\\system32\\efswrt.dll")),
-        data(ControlsOf<EnterpriseControls>(L"C:\\windows\\system32\\lumenfake.dll")) {
+      : srp(ControlsOf(L"C:\\windows\\system32\\srpapi.dll")),
+        efs(ControlsOf(L"C:\\windows\\system32\\efswrt.dll")),
+        data(ControlsOf(L"C:\\windows\\system32\\lumenfake.dll")) {
     srp = {};
     efs = {};
     data = {};
@@ -58,9 +57,9 @@ class ProtectionTest : public testing::Test {
   static ComPtr<ILumenBroker6> NewBroker() { return Adopt<ILumenBroker6>(new CoLumenBrokerServer(nullptr)); }
 
   ComInitializer apartment;
-  SrpControls& srp;
-  EfsControls& efs;
-  EnterpriseControls& data;
+  FakeControls& srp;
+  FakeControls& efs;
+  FakeControls& data;
   testing_files::CleanDirectory directory{testing_files::PlayerDirectory()};
   WideString path = directory.Path() + L"\\a.sol";
 };

@@ -6,7 +6,7 @@
 
 namespace {
 
-using Step = EnterpriseControls::Step;
+using Step = FakeControls::Step;
 using shell_fakes::g_record;
 
 TEST_F(ProtectionTest, FourStatusesCountAsProtected) {
@@ -25,10 +25,7 @@ TEST_F(ProtectionTest, FourStatusesCountAsProtected) {
 
 class ProtectedFiles : public ProtectionTest {
  protected:
-  ProtectedFiles() {
-    srp.mode = SrpControls::Normal;
-    data.identity = L"contoso.example";
-  }
+  ProtectedFiles() { data.identity = L"contoso.example"; }
   // Opens as a client with these identities, on a server with those.
   HRESULT Open(const wchar_t* client, const wchar_t* server, bool read, const WideString& file) {
     srp.serverIds[0] = server;
@@ -66,7 +63,7 @@ TEST_F(ProtectedFiles, ANewSharedObjectIsProtectedToItsClientBeforeItIsOpened) {
     EXPECT_EQ(Open(kClient, kServer, false, folder + L"\\b.sol"), S_OK);
     EXPECT_EQ(efs.calls, 1) << "one that is there stays as it is";
   }
-  EXPECT_EQ(ToUtf8(efs.identity), "client.example");
+  EXPECT_EQ(ToUtf8(efs.protectedFor), "client.example");
   EXPECT_EQ(Open(kClient, kServer, false, directory.Path() + L"\\c.sol"), S_OK);
   EXPECT_EQ(Open(nullptr, kServer, false, folder + L"\\d.sol"), S_OK);
   EXPECT_EQ(Open(kClient, nullptr, false, folder + L"\\e.sol"), S_OK);

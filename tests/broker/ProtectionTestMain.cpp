@@ -12,10 +12,9 @@
 
 namespace {
 
-// A stand-in beside this program, and where the platform looks for it.
-constexpr const wchar_t* kPlaces[][2] = {{L"fake_srpapi.dll", L"C:\\windows\\system32\\srpapi.dll"},
-                                         {L"fake_efswrt.dll", L"C:\\windows\\system32\\efswrt.dll"},
-                                         {L"fake_enterprisedatafake.dll", L"C:\\windows\\system32\\lumenfake.dll"}};
+// Where the platform looks for what the stand-in beside this program is.
+constexpr const wchar_t* kPlaces[] = {L"C:\\windows\\system32\\srpapi.dll", L"C:\\windows\\system32\\efswrt.dll",
+                                      L"C:\\windows\\system32\\lumenfake.dll"};
 const std::string kClasses = "Software\\Microsoft\\WindowsRuntime\\ActivatableClassId\\";
 constexpr const char* kClassNames[] = {"Windows.Storage.StorageFile",
                                        "Windows.Security.EnterpriseData.FileProtectionManager",
@@ -24,7 +23,8 @@ constexpr const char* kClassNames[] = {"Windows.Storage.StorageFile",
 constexpr wchar_t kInner[] = L"LUMEN_STAND_INS";
 
 void PutInPlace() {
-  for (const auto& [from, to] : kPlaces) CopyFileW(testing_files::Beside(from).c_str(), to, FALSE);
+  const WideString fake = testing_files::Beside(L"fake_enterprise.dll");
+  for (const wchar_t* const place : kPlaces) CopyFileW(fake.c_str(), place, FALSE);
   for (const char* const name : kClassNames) {
     (void)WriteText(CreateKey(HKEY_LOCAL_MACHINE, (kClasses + name).c_str(), KEY_WRITE).Get(), "DllPath",
                     "C:\\windows\\system32\\lumenfake.dll");
@@ -33,7 +33,7 @@ void PutInPlace() {
 
 void TakeAway() {
   for (const char* const name : kClassNames) RegDeleteKeyA(HKEY_LOCAL_MACHINE, (kClasses + name).c_str());
-  for (const auto& [from, to] : kPlaces) DeleteFileW(to);
+  for (const wchar_t* const place : kPlaces) DeleteFileW(place);
 }
 
 // A copy below the program files, since the windows of this process are to be a trusted program's.

@@ -1,30 +1,21 @@
-// What a test sets before, and reads after, code that runs against the stand-ins. Shared by the stand-ins and the
-// tests.
+// What a test sets before, and reads after, code that runs against the stand-ins of enterprise data protection. Each of
+// their libraries is a copy of the one stand-in, with controls of its own.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
 
-// srpapi.dll: SrpControls()
-struct SrpControls {
-  enum Mode : int32_t { Normal, NoIdentities };
-  Mode mode = NoIdentities;
+struct FakeControls {
+  // srpapi.dll
   const wchar_t* serverIds[4] = {};  // up to the first null
   const wchar_t* clientIds[4] = {};  // answered to an impersonating thread
-};
-
-// efswrt.dll: EfsControls()
-struct EfsControls {
+  // efswrt.dll
   HRESULT result = S_OK;
   int32_t calls = 0;
-  wchar_t path[260] = {};
-  wchar_t identity[260] = {};
-};
-
-// The runtime classes: EnterpriseControls()
-struct EnterpriseControls {
-  enum Step : int32_t { None, AuditFactory, RequestState };  // what fails
+  wchar_t protectedFor[260] = {};
+  // The runtime classes.
+  enum Step : int32_t { None, AuditFactory, RequestState };
   Step fails = None;
   bool onAnotherThread = false;
   int32_t status = 1;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/fakes/LateFunctions.h"
 #include "tests/fakes/TaskFakes.h"
 #include "tests/support/RecordingHost.h"
 #include "tests/support/RegistrySnapshot.h"

@@ -14,7 +14,7 @@ constexpr wchar_t kPlayerKey[] = L"Software\\Halcyonics\\LumenPlayer";
 class ShimConflicts : public ModuleFixture {
  protected:
   ShimConflicts() {
-    CopyFileW(testing_files::Beside(L"fake_srpapi.dll").c_str(), control.c_str(), FALSE);
+    CopyFileW(testing_files::Beside(L"fake_enterprise.dll").c_str(), control.c_str(), FALSE);
     playerPath.SetText(control.c_str());
     uninstallerPath.SetText(Below(L"uninstall.exe").c_str());
     stored.Delete();

@@ -1,4 +1,5 @@
-// Stands in for the runtime classes of enterprise data protection: files, their protection, consent.
+// Stands in for what enterprise data protection asks: the runtime classes of files, their protection and consent, and
+// the libraries that tell a token's identities (srpapi.dll) and protect a file to one (efswrt.dll).
 #include <activation.h>
 #include <winstring.h>
 
@@ -6,15 +7,16 @@
 #include <memory>
 
 #include "broker/EnterpriseData.h"
+#include "engine/Handles.h"
 #include "tests/fakes/FakeControls.h"
 #include "tests/fakes/SlotFake.h"
 
 using namespace enterprise;  // NOLINT(google-build-using-namespace): these are its classes
-using Step = EnterpriseControls::Step;
+using Step = FakeControls::Step;
 
 namespace {
 
-EnterpriseControls g_controls;
+FakeControls g_controls;
 
 template <class Function>
 Function* Runtime(const char* name) {
@@ -125,9 +127,23 @@ HRESULT Give(IActivationFactory** factory) {
   return S_OK;
 }
 
+bool IsImpersonating() {
+  HANDLE token = nullptr;
+  return OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) && KernelHandle(token).IsValid();
+}
+
+// The pointers, and behind them the texts.
+void Fill(const wchar_t* const* ids, ULONG count, PCWSTR* out) {
+  auto* text = reinterpret_cast<wchar_t*>(out + count);
+  for (ULONG i = 0; i < count; ++i) {
+    out[i] = lstrcpyW(text, ids[i]);
+    text += lstrlenW(ids[i]) + 1;
+  }
+}
+
 }  // namespace
 
-extern "C" __declspec(dllexport) EnterpriseControls* GetControls() {
+extern "C" __declspec(dllexport) FakeControls* GetControls() {
   return &g_controls;
 }
 
@@ -138,4 +154,27 @@ extern "C" __declspec(dllexport) HRESULT WINAPI DllGetActivationFactory(HSTRING 
   if (wanted == kAuditInfoClass && g_controls.fails != Step::AuditFactory) return Give<Audit>(factory);
   if (wanted == kPolicyManagerClass) return Give<Policy>(factory);
   return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+extern "C" __declspec(dllexport) HRESULT WINAPI ProtectFileToEnterpriseIdentity(PCWSTR /*path*/, PCWSTR identity) {
+  ++g_controls.calls;
+  lstrcpynW(g_controls.protectedFor, identity, 260);
+  return g_controls.result;
+}
+
+extern "C" __declspec(dllexport) HRESULT WINAPI
+    SrpGetEnterpriseIds(HANDLE /*token*/, ULONG* bytes, PCWSTR* ids, ULONG* count) {
+  constexpr HRESULT kTooSmall = static_cast<HRESULT>(0x8007007A);
+  const wchar_t* const* const known = IsImpersonating() ? g_controls.clientIds : g_controls.serverIds;
+  ULONG found = 0, needed = 0;
+  for (; found < 4 && known[found] != nullptr; ++found) {
+    needed += static_cast<ULONG>(sizeof(PCWSTR) + (static_cast<ULONG>(lstrlenW(known[found])) + 1) * sizeof(wchar_t));
+  }
+  *count = found;
+  if (*bytes < needed || ids == nullptr) {
+    *bytes = needed;
+    return kTooSmall;
+  }
+  Fill(known, found, ids);
+  return S_OK;
 }
