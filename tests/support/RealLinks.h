@@ -40,9 +40,9 @@ inline void WaitUntilListed(const WideString& directory, WideView name, bool lis
   for (int round = 0; round < 2000 && Lists(directory, name) != listed; ++round) Sleep(10);
 }
 
-// What is at `target` must be there.
+// What is at `target` must be there. A link that has the name already is not followed: it would lead into the target.
 inline void MakeLink(const WideString& target, const WideString& directory, const WideString& name) {
-  RunOutside(L"/bin/ln -s \"" + OutsidePath(target) + L"\" \"" + OutsidePath(directory) + L"/" + name + L"\"");
+  RunOutside(L"/bin/ln -sn \"" + OutsidePath(target) + L"\" \"" + OutsidePath(directory) + L"/" + name + L"\"");
   WaitUntilListed(directory, name, true);
 }
 inline void RemoveLink(const WideString& directory, const WideString& name) {
