@@ -8,7 +8,7 @@
 
 #include "broker/CoLumenBrokerServer.h"
 #include "tests/fakes/ShellFakes.h"
-#include "tests/support/CountFixture.h"
+#include "tests/support/PlatformCounts.h"
 
 namespace {
 

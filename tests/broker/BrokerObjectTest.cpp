@@ -6,7 +6,7 @@
 #include "broker/CoLumenBrokerServer.h"
 #include "tests/fakes/ShellFakes.h"
 #include "tests/support/ByteArray.h"
-#include "tests/support/CountFixture.h"
+#include "tests/support/PlatformCounts.h"
 #include "tests/support/TestFiles.h"
 
 namespace {

@@ -8,8 +8,8 @@
 
 #include "engine/DllHelpers.h"
 #include "engine/Registry.h"
-#include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/PlatformCounts.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "tests/support/ByteArray.h"
-#include "tests/support/CountFixture.h"
 #include "tests/support/MemoryCanvas.h"
+#include "tests/support/PlatformCounts.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include "install/FileReplacement.h"
 
 #include "tests/install/InstallFixture.h"
-#include "tests/support/CountFixture.h"
 #include "tests/support/FaultSteps.h"
+#include "tests/support/PlatformCounts.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include "install/Registration.h"
 
 #include "tests/install/InstallFixture.h"
-#include "tests/support/CountFixture.h"
 #include "tests/support/FaultSteps.h"
+#include "tests/support/PlatformCounts.h"
 #include "tests/support/RegistrySnapshot.h"
 
 namespace {

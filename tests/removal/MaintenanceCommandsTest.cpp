@@ -6,8 +6,8 @@
 
 #include "engine/ProductKeys.h"
 #include "tests/install/InstallFixture.h"
-#include "tests/support/CountFixture.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/PlatformCounts.h"
 
 namespace {
 

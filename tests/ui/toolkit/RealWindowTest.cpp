@@ -1,7 +1,7 @@
 // The toolkit on a real window: what is on the screen, and what mouse and keyboard do to it.
 #include <gtest/gtest.h>
 
-#include "tests/support/CountFixture.h"
+#include "tests/support/PlatformCounts.h"
 #include "tests/ui/toolkit/WindowFixture.h"
 #include "ui/toolkit/GdiSupport.h"
 #include "ui/toolkit/MProgressBar.h"
