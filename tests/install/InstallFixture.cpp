@@ -20,8 +20,11 @@ void InstallFixture::TearDown() {
 
 void InstallFixture::ClearMachine() {
   WriteBrokerRegistration(nullptr, false);
-  // The browser's own key, which a new prefix lacks until something registers, and which nobody takes away.
-  (void)CreateKey(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Internet Explorer\\Low Rights\\ElevationPolicy", KEY_READ);
+  // The platform's own keys, which a new prefix lacks until something registers, and which nobody takes away.
+  for (const char* key : {"Internet Explorer\\Low Rights\\ElevationPolicy",
+                          "Windows\\CurrentVersion\\Control Panel\\Extended Properties"}) {
+    (void)CreateKey(HKEY_LOCAL_MACHINE, ("Software\\Microsoft\\" + std::string(key)).c_str(), KEY_READ);
+  }
   (void)DeleteClassKeys(ClassKeySelection::Machine);
   for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     RegDeleteTreeW(root, L"Software\\Halcyonics");
