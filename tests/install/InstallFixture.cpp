@@ -25,6 +25,7 @@ void InstallFixture::ClearMachine() {
                           "Windows\\CurrentVersion\\Control Panel\\Extended Properties"}) {
     (void)CreateKey(HKEY_LOCAL_MACHINE, ("Software\\Microsoft\\" + std::string(key)).c_str(), KEY_READ);
   }
+  (void)CreateKey(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", KEY_READ);
   (void)DeleteClassKeys(ClassKeySelection::Machine);
   for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     RegDeleteTreeW(root, L"Software\\Halcyonics");
