@@ -350,6 +350,8 @@ int wmain(int count, wchar_t** arguments) {
   const std::string own = "LumenDriver" + std::to_string(GetCurrentProcessId());
   const HDESK desktop = CreateDesktopA(own.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
   if (desktop == nullptr || !SetThreadDesktop(desktop) || GetDesktopWindow() == nullptr) return 3;
+  // A process that came before the desktop could draw stays blind.
+  if (Look(GetDesktopWindow()).pixels.empty()) return 5;
   const ComInitializer com;
   Player player(arguments[1], ToUtf8(arguments[2]));
   std::ifstream script(ToUtf8(arguments[3]));
